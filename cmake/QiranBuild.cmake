@@ -1,0 +1,72 @@
+# How this project builds: the rules that hold for every target, and one call per folder.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+include(CheckPIESupported)
+check_pie_supported()
+
+# Everything that holds for our own code: strict warnings, hardening, sanitizers.
+add_library(qiran_flags INTERFACE)
+target_include_directories(qiran_flags INTERFACE ${CMAKE_SOURCE_DIR}/src)
+target_compile_definitions(
+    qiran_flags INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_DISABLE_DEPRECATED_BEFORE=0x060400
+)
+target_compile_options(
+    qiran_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -fstack-protector-strong
+)
+target_link_options(qiran_flags INTERFACE -Wl,-z,relro,-z,now)
+if(QIRAN_SANITIZE)
+    target_compile_options(
+        qiran_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
+    )
+    target_link_options(qiran_flags INTERFACE -fsanitize=address,undefined)
+elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+    target_compile_definitions(qiran_flags INTERFACE _FORTIFY_SOURCE=2)
+endif()
+
+# qiran_floor(NAME [LOGIC files...] [WINDOWS files...] [STANDS_ON floors...] [QT modules...])
+#
+# One floor of the program: library NAME with its rules (Qt Core and the modules in QT; no windows) and, when it
+# has any, library NAME_windows. A floor sees the floors named in STANDS_ON, windows see the windows below.
+function(qiran_floor NAME)
+    cmake_parse_arguments(PARSE_ARGV 1 FLOOR "" "" "LOGIC;WINDOWS;STANDS_ON;QT")
+    add_library(${NAME} STATIC ${FLOOR_LOGIC})
+    list(TRANSFORM FLOOR_QT PREPEND Qt6:: OUTPUT_VARIABLE modules)
+    target_link_libraries(${NAME} PUBLIC qiran_flags Qt6::Core ${modules} ${FLOOR_STANDS_ON})
+    if(FLOOR_WINDOWS)
+        add_library(${NAME}_windows STATIC ${FLOOR_WINDOWS})
+        set(below ${FLOOR_STANDS_ON})
+        list(TRANSFORM below APPEND _windows)
+        target_link_libraries(${NAME}_windows PUBLIC ${NAME} Qt6::Widgets Qt6::PrintSupport ${below})
+    endif()
+endfunction()
+
+# qiran_tests(FLOOR [PLAIN files...] [QT files...] [WINDOWS files...] [LINKS targets...])
+#
+# One test program per file, named after it: PLAIN ones use GoogleTest and no Qt, QT ones Qt Test over the floor's
+# logic, WINDOWS ones Qt Test over its windows, on the offscreen platform. The floor's name is their label.
+function(qiran_tests FLOOR)
+    cmake_parse_arguments(PARSE_ARGV 1 TESTS "" "" "PLAIN;QT;WINDOWS;LINKS")
+    foreach(file IN LISTS TESTS_PLAIN TESTS_QT TESTS_WINDOWS)
+        cmake_path(GET file STEM name)
+        add_executable(${name} ${file})
+        target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+        if(file IN_LIST TESTS_PLAIN)
+            target_link_libraries(${name} PRIVATE qiran_flags GTest::gtest_main ${TESTS_LINKS})
+        else()
+            target_link_libraries(${name} PRIVATE ${FLOOR} test_support Qt6::Test ${TESTS_LINKS})
+        endif()
+        if(file IN_LIST TESTS_WINDOWS)
+            target_link_libraries(${name} PRIVATE ${FLOOR}_windows)
+        endif()
+        add_test(NAME ${name} COMMAND ${name})
+        set_tests_properties(
+            ${name} PROPERTIES
+            LABELS "${FLOOR}" TIMEOUT 300
+            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;QTEST_FUNCTION_TIMEOUT=240000"
+        )
+    endforeach()
+endfunction()

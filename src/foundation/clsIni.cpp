@@ -1,0 +1,133 @@
+#include "foundation/clsIni.h"
+
+#include "foundation/IniText.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <optional>
+
+namespace {
+
+constexpr qsizetype longestValue = 499;
+constexpr qsizetype longestKeyList = 9998;
+constexpr qint64 largestFile = 64 * 1024 * 1024;
+constexpr QStringView absent = u"$!*%";
+
+// The file's bytes, none where there is no file; nothing when there is one that cannot be read.
+std::optional<QByteArray> ReadFile(const QString& path, QString& reason) {
+    QFile file(path);
+    if (!file.exists())
+        return QByteArray();
+    if (!QFileInfo(file).isFile())
+        reason = QStringLiteral("it is not a file");
+    else if (file.size() > largestFile)
+        reason = QStringLiteral("it is too large for a settings file");
+    else if (!file.open(QIODevice::ReadOnly))
+        reason = file.errorString();
+    else
+        return file.readAll();
+    return std::nullopt;
+}
+
+IniText Load(const QString& path) {
+    QString reason;
+    return IniText(path.isEmpty() ? QByteArray() : ReadFile(path, reason).value_or(QByteArray()));
+}
+
+} // namespace
+
+void clsIni::Change(const QString& file, const std::function<void(IniText&)>& change) {
+    const QString& path = PathOf(file);
+    if (path.isEmpty())
+        return;
+    QString reason;
+    const std::optional<QByteArray> before = ReadFile(path, reason);
+    if (!before) {
+        ReportFailure(path, reason); // to write now would destroy what could not be read
+        return;
+    }
+    IniText text(*before);
+    change(text);
+    const QByteArray after = text.Bytes();
+    if (after == *before)
+        return;
+    const bool isNew = !QFileInfo::exists(path);
+    QSaveFile target(path);
+    if (!target.open(QIODevice::WriteOnly) ||
+        (isNew && !target.setPermissions(QFile::ReadOwner | QFile::WriteOwner)) ||
+        target.write(after) != after.size() || !target.commit())
+        ReportFailure(path, target.errorString());
+}
+
+void clsIni::ReportFailure(const QString& file, const QString& reason) {
+    if (const auto writeFailed = std::exchange(m_writeFailed, nullptr))
+        writeFailed(file, reason);
+}
+
+void clsIni::DeleteSection(const QString& section, const QString& file) {
+    Change(file, [&](IniText& text) { text.RemoveSection(section); });
+}
+
+void clsIni::DeleteKey(const QString& section, const QString& key, const QString& file) {
+    Change(file, [&](IniText& text) { text.RemoveKey(section, key); });
+}
+
+bool clsIni::IsItTrue(QString& text) {
+    text = text.toUpper();
+    return text == u"TRUE" || text == u"YES" || text == u"1" || text == u"ON";
+}
+
+QString clsIni::TrueOrFalse(bool value) {
+    return value ? QStringLiteral("TRUE") : QStringLiteral("FALSE");
+}
+
+clsIni::KeyTable clsIni::LoadAllKeysInSection(const QString& section, const QString& file) const {
+    KeyTable table{QStringList{QString()}, QStringList{QString()}};
+    const IniText text = Load(PathOf(file));
+    qsizetype room = longestKeyList;
+    for (const QString& key : text.Keys(section)) {
+        const QString name = key.left(room);
+        if (name.isEmpty())
+            break;
+        room -= std::min(room, name.size() + 1);
+        table[0].append(name);
+        table[1].append(text.Value(section, name).value_or(QString()).left(longestValue));
+    }
+    return table;
+}
+
+QString clsIni::GetIniString(const QString& section, const QString& key, const QString& defaultValue,
+                             const QString& file) const {
+    if (PathOf(file).isEmpty())
+        return {};
+    return Load(PathOf(file)).Value(section, key).value_or(defaultValue).left(longestValue);
+}
+
+void clsIni::SaveIniString(const QString& section, const QString& key, const QString& value,
+                           const QString& file) {
+    const QString stored = value.isEmpty() ? QStringLiteral("\"\"") : value;
+    Change(file, [&](IniText& text) { text.SetValue(section, key, stored); });
+}
+
+QString clsIni::GetIniStringWriteDefault(const QString& section, const QString& key,
+                                         const QString& defaultValue, const QString& file) {
+    if (PathOf(file).isEmpty())
+        return {};
+    const QString stored = GetIniString(section, key, absent.toString(), file);
+    if (stored != absent)
+        return stored;
+    const bool quoted = defaultValue.startsWith(u' ') || defaultValue.endsWith(u' ');
+    SaveIniString(section, key, quoted ? u'"' + defaultValue + u'"' : defaultValue, file);
+    return defaultValue;
+}
+
+void clsIni::SaveSection(const QString& section, const QList<std::pair<QString, QString>>& values,
+                         const QString& file) {
+    Change(file, [&](IniText& text) {
+        text.RemoveSection(section);
+        for (const auto& [key, value] : values)
+            text.SetValue(section, key, value.isEmpty() ? QStringLiteral("\"\"") : value);
+    });
+}
