@@ -1,0 +1,238 @@
+#include "keps/HttpTransfer.h"
+
+#include "keps/KepsText.h"
+
+#include <QHostAddress>
+#include <QHostInfo>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+
+namespace {
+
+constexpr int mostRedirections = 10;
+constexpr qint64 pieceSize = 64 * 1024;
+constexpr qint64 mostUnread = 1024 * 1024;
+constexpr qsizetype longestReason = 200;
+
+// Whether the network's error only repeats the server's status, so that the answer itself arrived whole.
+bool IsStatusError(QNetworkReply::NetworkError error) {
+    return error == QNetworkReply::NoError ||
+           (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError) ||
+           (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
+}
+
+// What a stranger wrote, fit for one line.
+QString OneLine(const QString& text) {
+    return text.simplified().left(longestReason);
+}
+
+// The length that the server announced for the body, -1 when it did not, nothing when it makes no sense.
+std::optional<qint64> AnnouncedLength(const QNetworkReply& reply) {
+    if (!reply.hasRawHeader("Content-Length"))
+        return -1;
+    bool isNumber = false;
+    const qint64 length = reply.rawHeader("Content-Length").toLongLong(&isNumber);
+    return isNumber && length >= 0 ? std::optional(length) : std::nullopt;
+}
+
+QNetworkRequest RequestFor(const QUrl& url) {
+    QNetworkRequest request(url);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    request.setMaximumRedirectsAllowed(mostRedirections);
+    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    request.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("QiranDecode"));
+    return request;
+}
+
+} // namespace
+
+HttpTransfer::HttpTransfer(QObject* parent)
+    : InternetTransfer(parent) {
+    setObjectName(QStringLiteral("Inet1"));
+    m_standstill.setSingleShot(true);
+    m_standstill.setInterval(std::chrono::seconds(30));
+    connect(&m_standstill, &QTimer::timeout, this, [this] {
+        Fail(QNetworkReply::TimeoutError, QStringLiteral("The server has sent nothing for too long"));
+    });
+}
+
+HttpTransfer::~HttpTransfer() {
+    Cancel();
+}
+
+void HttpTransfer::Execute(const QString& url, const QString& operation) {
+    Cancel();
+    m_url = QUrl(url);
+    m_operation = operation.toLatin1();
+    m_standstill.start();
+    if (!Raise(ResolvingHost))
+        return;
+    if (!m_url.isValid() || m_url.host().isEmpty()) {
+        Fail(QNetworkReply::ProtocolUnknownError, QStringLiteral("The address is not valid"));
+        return;
+    }
+    if (!QHostAddress(m_url.host()).isNull()) { // to look up a number would ask for its name
+        if (Raise(HostResolved))
+            Request();
+        return;
+    }
+    m_lookup = QHostInfo::lookupHost(m_url.host(QUrl::FullyEncoded), this,
+                                     [this](const QHostInfo& info) { HostFound(info); });
+}
+
+void HttpTransfer::Cancel() {
+    ++m_transfer;
+    m_standstill.stop();
+    if (m_lookup != -1)
+        QHostInfo::abortHostLookup(m_lookup);
+    m_lookup = -1;
+    DropReply();
+    m_connected = false;
+    m_body.clear();
+    m_taken = 0;
+    m_code = 0;
+    m_info.clear();
+}
+
+QByteArray HttpTransfer::GetChunk(qsizetype size) {
+    const QByteArray chunk = m_body.mid(m_taken, size);
+    m_taken += chunk.size();
+    return chunk;
+}
+
+// Raises a state and answers whether the transfer still runs afterwards.
+bool HttpTransfer::Raise(State state) {
+    const int transfer = m_transfer;
+    Q_EMIT StateChanged(state);
+    return transfer == m_transfer;
+}
+
+void HttpTransfer::HostFound(const QHostInfo& info) {
+    if (info.lookupId() != m_lookup)
+        return; // of a transfer that has been cancelled
+    m_lookup = -1;
+    m_standstill.start();
+    if (info.error() != QHostInfo::NoError)
+        Fail(QNetworkReply::HostNotFoundError, QStringLiteral("Host %1 not found").arg(m_url.host()));
+    else if (Raise(HostResolved))
+        Request();
+}
+
+void HttpTransfer::Request() {
+    m_reply = m_network.sendCustomRequest(RequestFor(m_url), m_operation);
+    m_reply->setReadBufferSize(mostUnread);
+    connect(m_reply, &QNetworkReply::socketStartedConnecting, this, &HttpTransfer::StartedConnecting);
+    connect(m_reply, &QNetworkReply::requestSent, this, &HttpTransfer::SentRequest);
+    connect(m_reply, &QNetworkReply::encrypted, this, [this] { m_standstill.start(); });
+    connect(m_reply, &QNetworkReply::redirected, this, [this](const QUrl& url) {
+        m_standstill.start();
+        m_url = url;
+    });
+    connect(m_reply, &QNetworkReply::metaDataChanged, this, &HttpTransfer::GotHeader);
+    connect(m_reply, &QNetworkReply::readyRead, this, &HttpTransfer::ReadBody);
+    connect(m_reply, &QNetworkReply::finished, this, &HttpTransfer::Finished);
+}
+
+void HttpTransfer::StartedConnecting() {
+    m_standstill.start();
+    Raise(Connecting);
+}
+
+void HttpTransfer::SentRequest() {
+    m_standstill.start();
+    m_connected = true;
+    if (Raise(Connected) && Raise(Requesting))
+        Raise(RequestSent);
+}
+
+void HttpTransfer::GotHeader() {
+    m_standstill.start();
+    if (m_reply->attribute(QNetworkRequest::RedirectionTargetAttribute).isValid())
+        return; // the answer proper is still to come
+    const std::optional<qint64> length = AnnouncedLength(*m_reply);
+    if (!length)
+        Fail(QNetworkReply::ProtocolFailure, QStringLiteral("The server announced no sensible length"));
+    else if (*length > largestFile)
+        Fail(QNetworkReply::UnknownContentError, QStringLiteral("The file is larger than 64 MiB"));
+    else
+        Raise(ReceivingResponse);
+}
+
+void HttpTransfer::ReadBody() {
+    m_standstill.start();
+    const bool isFirst = m_body.isEmpty();
+    for (QByteArray piece = m_reply->read(pieceSize); !piece.isEmpty(); piece = m_reply->read(pieceSize)) {
+        m_body += piece;
+        if (m_body.size() > largestFile) {
+            Fail(QNetworkReply::UnknownContentError, QStringLiteral("The file is larger than 64 MiB"));
+            return;
+        }
+    }
+    if (m_body.isEmpty() || (isFirst && !Raise(ResponseReceived)))
+        return;
+    const bool packed = m_reply->hasRawHeader("Content-Encoding");
+    Q_EMIT Progress(m_body.size(), packed ? -1 : AnnouncedLength(*m_reply).value_or(-1));
+}
+
+void HttpTransfer::Finished() {
+    const QNetworkReply::NetworkError error = m_reply->error();
+    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const int transfer = m_transfer;
+    if (m_reply->isOpen())
+        ReadBody(); // what came with the end
+    if (transfer != m_transfer || m_reply == nullptr)
+        return;
+    if (!IsStatusError(error) || status == 0) {
+        Fail(error, OneLine(m_reply->errorString()));
+        return;
+    }
+    const qint64 length = AnnouncedLength(*m_reply).value_or(-1);
+    if (length != -1 && length != m_body.size() && !m_reply->hasRawHeader("Content-Encoding")) {
+        Fail(QNetworkReply::RemoteHostClosedError, QStringLiteral("The file did not arrive whole"));
+        return;
+    }
+    FinishWithStatus(status);
+}
+
+void HttpTransfer::FinishWithStatus(int status) {
+    const QString reason = OneLine(m_reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString());
+    constexpr int partOfAFile = 206;
+    const bool isGood = status >= 200 && status < 300 && status != partOfAFile;
+    const bool isPage = status >= 400 && KepsText::IsHtml(m_body);
+    if (!isGood && !isPage) {
+        Fail(status, reason);
+        return;
+    }
+    m_code = status;
+    m_info = reason;
+    m_standstill.stop();
+    DropReply();
+    if (Disconnect())
+        Raise(ResponseCompleted);
+}
+
+void HttpTransfer::Fail(int code, const QString& info) {
+    const bool wasConnected = m_connected;
+    Cancel();
+    m_connected = wasConnected;
+    m_code = code;
+    m_info = info;
+    if (Disconnect())
+        Raise(Error);
+}
+
+// Raises the end of the connection, if there was one; answers whether the transfer still runs.
+bool HttpTransfer::Disconnect() {
+    return !std::exchange(m_connected, false) || (Raise(Disconnecting) && Raise(Disconnected));
+}
+
+void HttpTransfer::DropReply() {
+    if (QNetworkReply* reply = std::exchange(m_reply, nullptr)) {
+        reply->disconnect(this);
+        reply->abort();
+        reply->deleteLater();
+    }
+}
