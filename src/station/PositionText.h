@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+/// A position as text. The stored form is the one of an APRS position, DDMM.hhN and DDDMM.hhE; the displayed
+/// form has one more point, after the degrees: DD.MM.hhN and DDD.MM.hhE.
+namespace PositionText {
+
+enum class Axis { Latitude, Longitude };
+
+/// The displayed form of a stored text; the empty text stays empty.
+QString ToDisplayed(const QString& stored, Axis axis);
+
+/// The stored form of a displayed text; blanks alone are the empty text.
+QString ToStored(const QString& displayed, Axis axis);
+
+/// What a user's entry means, in the displayed form; nothing when it means no position. An entry of blanks
+/// alone is given back as it is where blank is allowed.
+std::optional<QString> ValidateLatLong(const QString& entry, Axis axis, bool blnAllowBlank);
+
+/// "latitude" or "longitude".
+QString Name(Axis axis);
+
+/// The six-character Maidenhead locator of a position in stored form; nothing when either text is empty or
+/// the position lies off the globe. Subsquare letters are upper case, and the pole and the date line count as
+/// a nineteenth field, "S".
+std::optional<QString> Locator(const QString& storedLatitude, const QString& storedLongitude);
+
+} // namespace PositionText

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+class clsIni;
+
+/// Who transmits and from where: what the user entered about the own station. A setter writes its setting at
+/// once, so that nothing is lost whatever happens next.
+class Station : public QObject {
+    Q_OBJECT
+public:
+    explicit Station(clsIni& cIni, QObject* parent = nullptr);
+
+    /// Reads the settings; those that the file lacks are written there as empty.
+    void Load();
+
+    const QString& strCallsign() const { return m_callsign; }
+    const QString& strComment() const { return m_comment; }
+
+    /// The Maidenhead locator, six characters; may be empty.
+    const QString& strLoc() const { return m_locator; }
+
+    /// The latitude as an APRS position has it, DDMM.hhN; may be empty.
+    const QString& strLat() const { return m_latitude; }
+
+    /// The longitude as an APRS position has it, DDDMM.hhE; may be empty.
+    const QString& strLong() const { return m_longitude; }
+
+    void setStrCallsign(const QString& callsign);
+    void setStrComment(const QString& comment);
+    void setStrLoc(const QString& locator);
+    void setStrLat(const QString& latitude);
+    void setStrLong(const QString& longitude);
+
+    /// Degrees, north positive; 0 where the text is no latitude.
+    double dblLat() const { return m_latitudeDegrees; }
+
+    /// Degrees, east positive; 0 where the text is no longitude.
+    double dblLong() const { return m_longitudeDegrees; }
+
+    /// Both degrees are other than 0: a station on the equator or the prime meridian counts as unknown.
+    bool PositionKnown() const { return m_latitudeDegrees != 0.0 && m_longitudeDegrees != 0.0; }
+
+Q_SIGNALS:
+    /// A value differs from before.
+    void Changed();
+
+private:
+    void Change(QString& member, const QString& value);
+
+    clsIni& m_cIni;
+    QString m_callsign;
+    QString m_comment;
+    QString m_locator;
+    QString m_latitude;
+    QString m_longitude;
+    double m_latitudeDegrees = 0.0;
+    double m_longitudeDegrees = 0.0;
+};
