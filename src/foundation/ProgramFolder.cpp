@@ -1,6 +1,8 @@
 #include "foundation/ProgramFolder.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 
 #include <utility>
 
@@ -10,6 +12,11 @@ ProgramFolder::ProgramFolder(QString folder, QString executable)
     , m_executable(std::move(executable)) {
     if (!m_path.endsWith(QDir::separator()))
         m_path += QDir::separator();
+}
+
+ProgramFolder ProgramFolder::OfExecutable() {
+    const QFileInfo executable(QCoreApplication::applicationFilePath());
+    return {executable.path(), executable.completeBaseName()};
 }
 
 QString ProgramFolder::IniFile() const {

@@ -8,6 +8,9 @@ public:
     /// `folder` as the platform reports it; `executable` is the program's name without extension.
     ProgramFolder(QString folder, QString executable);
 
+    /// The folder and the name of the running executable.
+    static ProgramFolder OfExecutable();
+
     /// The folder, ending in one separator.
     const QString& Path() const { return m_path; }
 

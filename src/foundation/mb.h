@@ -24,6 +24,15 @@ constexpr qint16 HelpButton = 16384;
 /// Commands of the platform's help.
 enum class HelpCommand { Quit = 2, Contents = 11 };
 
+/// Where the help window stands at first, in 1024ths of the screen.
+struct HelpPlacement {
+    static constexpr int unitsOfScreen = 1024;
+    int left = 256;
+    int top = 256;
+    int width = 512;
+    int height = 512;
+};
+
 /// What shows messages and help to the user. The windows bring one; tests and headless runs bring their own.
 class MessagePresenter {
 public:

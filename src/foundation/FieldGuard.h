@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QLineEdit>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <functional>
+
+/// Keeps the user in a field until its content is good.
+///
+/// A field is checked when the user tries to leave it: by Tab, by a click on a button, on another field or on
+/// another window of the program, or by an access key. What he pressed happens only if the check passes, so
+/// that a failing check shows its message once an attempt. The ways out stay open: Escape, exempt buttons and
+/// whatever closes the window from inside are never checked; the close box shows the message and closes.
+/// Going to another program and back is not leaving.
+class FieldGuard : public QObject {
+    Q_OBJECT
+public:
+    /// Guards fields of `window`, which owns the guard.
+    explicit FieldGuard(QWidget* window);
+
+    /// `mayLeave` tells whether the field may be left; when not, it shows its own message and answers false.
+    void AddField(QLineEdit* field, std::function<bool()> mayLeave);
+
+    /// A button that may be reached and pressed whatever stands in the fields, as Cancel.
+    void AddExempt(QWidget* button);
+
+    /// Checks the field that has the focus, then every other one. False after the first that fails; that one
+    /// has the focus then. For OK.
+    bool CheckAll();
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct Field {
+        QPointer<QLineEdit> edit;
+        std::function<bool()> mayLeave;
+    };
+
+    const Field* FieldOf(const QObject* object) const;
+    const Field* Current() const;
+    bool IsExempt(const QWidget* widget) const;
+    bool IsOurs(const QObject* object) const;
+    bool MayLeave(const Field& field);
+    bool MayReach(const QWidget* target);
+    bool MouseMayPress(QWidget* target);
+    bool TabMayLeave(bool forward);
+    bool ShortcutMayReach(QWidget* target);
+    void FocusLeft(QLineEdit* edit);
+    void FocusWandered();
+    void OtherWindowActive(const QWidget& other);
+    void StayIn(QLineEdit* edit);
+
+    QWidget* m_window;
+    QList<Field> m_fields;
+    QList<QPointer<QWidget>> m_exempt;
+    bool m_busy = false;            // a check or its aftermath is under way: what the focus does is our doing
+    QPointer<QLineEdit> m_wandered; // lost the focus in a way that could not be asked about before
+    QPointer<QLineEdit> m_refused;  // the field that failed last, and the text that it failed with
+    QString m_refusedText;
+    QTimer m_otherWindow;
+};

@@ -1,0 +1,7 @@
+#include "foundation/FixedFont.h"
+
+#include <QFontDatabase>
+
+QFont FixedFont() {
+    return QFontDatabase::systemFont(QFontDatabase::FixedFont);
+}

@@ -1,0 +1,30 @@
+#include "foundation/HelpKey.h"
+
+#include "foundation/HelpWindow.h"
+#include "foundation/MessageBoxPresenter.h"
+
+#include <QKeyEvent>
+
+HelpKey::HelpKey(QObject* application, MessageBoxPresenter& presenter)
+    : QObject(application)
+    , m_presenter(presenter) {
+    application->installEventFilter(this);
+}
+
+bool HelpKey::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress || !watched->isWidgetType())
+        return false;
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    if (key.key() != Qt::Key_F1 || key.modifiers() != Qt::NoModifier)
+        return false;
+    // The first widget that a key comes to is the one with the focus, or the window when none has it.
+    QStringList topics;
+    for (const QObject* object = watched; object != nullptr; object = object->parent()) {
+        if (!object->objectName().isEmpty())
+            topics.append(object->objectName());
+        if (!object->isWidgetType() || static_cast<const QWidget*>(object)->isWindow())
+            break;
+    }
+    m_presenter.OpenHelp(topics);
+    return true;
+}
