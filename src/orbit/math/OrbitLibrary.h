@@ -20,9 +20,10 @@ struct LibraryPosition {
 
 /// Where an object's elements come from.
 struct ElementSource {
-    std::string name;  ///< the name line, trimmed; empty when the set has none
-    std::string file;  ///< the file's name inside the element folder
-    double epochUtc{}; ///< date-time
+    std::string name;    ///< the name line, trimmed; empty when the set has none
+    std::string file;    ///< the file's name inside the element folder
+    double epochUtc{};   ///< date-time
+    double meanMotion{}; ///< revolutions a day
 };
 
 /// The operations of an orbit library. Date-times are days since 1899-12-30 00:00 UTC. An operation that
