@@ -123,6 +123,11 @@ int TelemetryGrid::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : Columns;
 }
 
+Qt::ItemFlags TelemetryGrid::flags(const QModelIndex& index) const {
+    // The name column is fixed like the header row: nobody selects it.
+    return index.column() == Name ? Qt::ItemIsEnabled : QAbstractTableModel::flags(index);
+}
+
 QVariant TelemetryGrid::data(const QModelIndex& index, int role) const {
     const int row = index.row() + 1;
     switch (role) {
@@ -130,6 +135,11 @@ QVariant TelemetryGrid::data(const QModelIndex& index, int role) const {
         return DisplayText(row, index.column());
     case FullText:
         return TextMatrix(row, index.column());
+    case Qt::AccessibleTextRole: // a value alone says nothing to somebody who cannot see its row and column
+        return index.column() == Name ? DisplayText(row, Name)
+                                      : QStringLiteral("%1, %2: %3")
+                                            .arg(TextMatrix(row, Name), TextMatrix(0, index.column()),
+                                                 DisplayText(row, index.column()));
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(Qt::Alignment(index.column() == Name ? Qt::AlignLeft : Qt::AlignRight) |
                                    Qt::AlignVCenter);

@@ -41,6 +41,8 @@ public:
     /// `index`: 0 POWER, 1 CURRENT, 2 TEMP.
     explicit TelemetryGrid(int index, QObject* parent = nullptr);
 
+    int Index() const { return m_index; }
+
     /// The name by which the formula file calls the grid.
     QByteArrayView Tag() const;
 
@@ -61,6 +63,7 @@ public:
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QDialog>
+
+class CallsignList;
+class FieldGuard;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QRadioButton;
+class mb;
+
+/// The editor of the satellite's callsigns and their sides.
+class frmCalls : public QDialog {
+    Q_OBJECT
+public:
+    frmCalls(CallsignList& callsigns, const mb& messages, QWidget* parent = nullptr);
+
+    /// Shows the dialog until the user closes it.
+    void DoCalls();
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void LayOut();
+    void FillList();
+    QStringList Items() const;
+    bool IsCallsignGood();
+    void EnableAdd();
+    void PutInList();
+    void EditItem();
+    void RemoveItem();
+    void Ok();
+    void Defaults();
+
+    CallsignList& m_callsigns;
+    const mb& m_messages;
+    QLineEdit* txtCall;
+    QRadioButton* optA;
+    QRadioButton* optB;
+    QPushButton* cmdAdd;
+    QListWidget* lstCalls;
+    QPushButton* cmdOk;
+    QPushButton* cmdCancel;
+    QPushButton* cmdDefaults;
+    FieldGuard* m_guard;
+};
