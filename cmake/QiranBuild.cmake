@@ -23,6 +23,9 @@ if(QIRAN_SANITIZE)
         qiran_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
     )
     target_link_options(qiran_flags INTERFACE -fsanitize=address,undefined)
+    if(QIRAN_FUZZ)
+        target_compile_options(qiran_flags INTERFACE -fsanitize=fuzzer-no-link)
+    endif()
 elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     target_compile_definitions(qiran_flags INTERFACE _FORTIFY_SOURCE=2)
 endif()
@@ -69,4 +72,25 @@ function(qiran_tests FLOOR)
             ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;QTEST_FUNCTION_TIMEOUT=240000"
         )
     endforeach()
+endfunction()
+
+# qiran_fuzz(NAME LINKS targets...)
+#
+# One libFuzzer target from NAME.cpp with its seeds in corpus/NAME. Its test runs over the seeds and then for
+# QIRAN_FUZZ_SECONDS more; what it finds new stays in the build folder. An input that
+# takes over one second or 256 MiB fails (the sanitizers' own memory is allowed for).
+function(qiran_fuzz NAME)
+    cmake_parse_arguments(PARSE_ARGV 1 FUZZ "" "" "LINKS")
+    add_executable(${NAME} ${NAME}.cpp)
+    target_link_libraries(${NAME} PRIVATE qiran_flags ${FUZZ_LINKS})
+    target_link_options(${NAME} PRIVATE -fsanitize=fuzzer)
+    set(found ${CMAKE_CURRENT_BINARY_DIR}/found/${NAME})
+    file(MAKE_DIRECTORY ${found})
+    add_test(
+        NAME ${NAME} COMMAND ${NAME} -max_total_time=${QIRAN_FUZZ_SECONDS} -timeout=1 -malloc_limit_mb=256
+                             -rss_limit_mb=512 -print_final_stats=1 -artifact_prefix=${CMAKE_CURRENT_BINARY_DIR}/ ${found}
+                             ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${NAME}
+    )
+    math(EXPR patience "${QIRAN_FUZZ_SECONDS} + 120")
+    set_tests_properties(${NAME} PROPERTIES LABELS fuzz TIMEOUT ${patience} ENVIRONMENT "ASAN_OPTIONS=quarantine_size_mb=16")
 endfunction()

@@ -1,0 +1,186 @@
+#!/usr/bin/env python3
+"""What is installed: the portable archive, the Debian package, and the files that tell a desktop about the program."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tools"))
+
+import rig  # noqa: E402
+
+BUILD = pathlib.Path(os.environ["QIRAN_BUILD"])
+VERSION = os.environ["QIRAN_VERSION"]
+
+
+def call(*command, **options):
+    done = subprocess.run([str(word) for word in command], capture_output=True, text=True, stdin=subprocess.DEVNULL,
+                          timeout=120, **options)
+    if done.returncode != 0:
+        raise AssertionError(f"{command} ended with {done.returncode}:\n{done.stdout}{done.stderr}")
+    return done.stdout
+
+
+def files_of(folder):
+    return {str(path.relative_to(folder)) for path in folder.rglob("*") if not path.is_dir() or path.is_symlink()}
+
+
+class Packages(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.made = tempfile.TemporaryDirectory(prefix="qiran packages ")
+        cls.out = pathlib.Path(cls.made.name)
+        call("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", cls.out)
+        cls.archive = next(cls.out.glob("*.tar.gz"))
+        cls.debian = next(cls.out.glob("*.deb"))
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.made.cleanup()
+
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory(prefix="qiran home ")
+        self.addCleanup(scratch.cleanup)
+        self.scratch = pathlib.Path(scratch.name)
+        self.home = self.scratch / "home"
+        self.home.mkdir()
+        self.environment = {"HOME": str(self.home), "PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8",
+                            "QT_QPA_PLATFORM": "offscreen", "XDG_RUNTIME_DIR": str(self.scratch)}
+
+    def run_report(self, program, *options, **environment):
+        """Lets the program start, show its windows and end; answers what it reported."""
+        pictures = self.scratch / "pictures"
+        pictures.mkdir(exist_ok=True)
+        text = call(program, *options, "--demo-report", pictures, "--demo-seconds", "1",
+                    env=self.environment | environment, cwd="/")
+        self.assertTrue((pictures / "frmQIRAN.png").is_file(), "the main window left no picture")
+        report = rig.Report(text)
+        self.assertEqual(set(report.grids), {"gTlm0", "gTlm1", "gTlm2"})
+        return report
+
+    def install(self):
+        """The package put into a root of its own, with the package manager's own records."""
+        root = self.scratch / "root"
+        (root / "var/lib/dpkg/info").mkdir(parents=True)
+        (root / "var/lib/dpkg/updates").mkdir()
+        (root / "var/lib/dpkg/status").touch()
+        (root / "var/lib/dpkg/available").touch()
+        self.dpkg(root, "--install", self.debian)
+        return root
+
+    @staticmethod
+    def dpkg(root, *action):
+        call("dpkg", f"--root={root}", "--force-not-root", "--force-depends", "--force-bad-path",
+             "--log=/dev/null", *action, env=os.environ | {"LC_ALL": "C.UTF-8"})
+
+    # The portable archive
+
+    def test_the_archive_is_one_folder_named_after_program_and_version(self):
+        names = call("tar", "-tzf", self.archive).splitlines()
+        tops = {name.removeprefix("./").split("/")[0] for name in names}
+        self.assertEqual(len(tops), 1)
+        self.assertTrue(tops.pop().startswith(f"QiranDecode-{VERSION}-"))
+
+    def test_the_archive_unpacked_elsewhere_starts_and_keeps_its_files_in_its_folder(self):
+        call("tar", "-xzf", self.archive, "-C", self.scratch)
+        folder = next(self.scratch.glob("QiranDecode-*"))
+        self.assertEqual(files_of(folder), {"QiranDecode", "world.gif", "qirandecode.HLP", "formula.example.txt",
+                                            "LICENSE", "README.md"})
+        shutil.copy(folder / "formula.example.txt", folder / "formula.txt")
+        self.run_report(folder / "QiranDecode")
+        self.assertTrue((folder / rig.SETTINGS_FILE).is_file())
+        self.assertEqual(files_of(self.home), set())
+
+    # The Debian package
+
+    def test_the_package_says_what_it_is_and_what_it_needs(self):
+        fields = call("dpkg-deb", "--field", self.debian)
+        self.assertIn(f"Version: {VERSION}-1\n", fields)
+        self.assertIn("Package: qirandecode\n", fields)
+        depends = next(line for line in fields.splitlines() if line.startswith("Depends: "))
+        for library in ("libqt6widgets6", "libqt6network6", "libqt6printsupport6", "libc6"):
+            self.assertIn(library, depends)
+
+    def test_the_package_holds_plain_files_owned_by_root_that_nobody_else_may_write(self):
+        for line in call("dpkg-deb", "--contents", self.debian).splitlines():
+            mode, owner = line.split()[:2]
+            self.assertEqual(owner, "root/root", line)
+            self.assertIn(mode[0], "-d", line)
+            self.assertEqual((mode[5], mode[8]), ("-", "-"), line)
+            self.assertNotIn("s", mode, line)
+
+    def test_installed_it_starts_in_a_folder_of_the_users_own_and_removed_it_leaves_that_folder_alone(self):
+        root = self.install()
+        launcher = root / "usr/bin/qirandecode"
+        folder = self.home / ".local/share/QiranDecode"
+        self.assertIn(VERSION, call(launcher, "--version", env=self.environment))
+        self.assertFalse(folder.exists(), "asking for the version makes no folder")
+
+        folder.mkdir(parents=True)
+        shutil.copy(root / "usr/share/qirandecode/formula.example.txt", folder / "formula.txt")
+        self.run_report(launcher)
+        self.assertTrue((folder / rig.SETTINGS_FILE).is_file())
+        self.assertTrue((folder / "world.gif").is_symlink())
+        mine = {name: (folder / name).read_bytes() for name in ("formula.txt", rig.SETTINGS_FILE)}
+
+        self.dpkg(root, "--purge", "qirandecode")
+        self.assertEqual({name for name in files_of(root) if not name.startswith("var/lib/dpkg/")}, set())
+        self.assertFalse((root / "usr/lib/qirandecode").exists())
+        for name, content in mine.items():
+            self.assertEqual((folder / name).read_bytes(), content)
+
+    def test_a_first_start_without_formulae_says_where_to_put_them_and_where_an_example_is(self):
+        root = self.install()
+        done = subprocess.run([root / "usr/bin/qirandecode", "--demo-report", self.scratch, "--demo-seconds", "1"],
+                              env=self.environment, capture_output=True, text=True, stdin=subprocess.DEVNULL, timeout=60)
+        folder = self.home / ".local/share/QiranDecode"
+        self.assertEqual(folder.stat().st_mode & 0o777, 0o700)
+        self.assertNotEqual(done.returncode, 0)
+        self.assertIn(str(folder / "formula.txt"), done.stderr)
+        self.assertIn("formula.example.txt", done.stderr)
+
+    def test_an_upgrade_leaves_what_the_user_put_into_the_folder(self):
+        root = self.install()
+        folder = self.home / ".local/share/QiranDecode"
+        folder.mkdir(parents=True)
+        shutil.copy(root / "usr/share/qirandecode/formula.example.txt", folder / "formula.txt")
+        (folder / "world.gif").write_bytes(b"a picture of the user's own")
+        (folder / "qirandecode.HLP").symlink_to(self.scratch / "an older place")
+        self.run_report(root / "usr/bin/qirandecode")
+        self.dpkg(root, "--install", self.debian)
+        self.run_report(root / "usr/bin/qirandecode")
+        self.assertEqual((folder / "world.gif").read_bytes(), b"a picture of the user's own")
+        self.assertEqual((folder / "qirandecode.HLP").resolve(), (root / "usr/share/qirandecode/qirandecode.HLP").resolve())
+
+    def test_the_folder_lies_under_the_data_home_that_the_user_has_chosen(self):
+        root = self.install()
+        chosen = self.scratch / "data home"
+        (chosen / "QiranDecode").mkdir(parents=True)
+        shutil.copy(root / "usr/share/qirandecode/formula.example.txt", chosen / "QiranDecode/formula.txt")
+        self.run_report(root / "usr/bin/qirandecode", XDG_DATA_HOME=str(chosen))
+        self.assertTrue((chosen / "QiranDecode" / rig.SETTINGS_FILE).is_file())
+        self.assertEqual(files_of(self.home), set())
+
+    # What the desktop is told
+
+    def test_the_desktop_file_the_metainfo_and_the_manual_page_are_valid(self):
+        root = self.install()
+        share = root / "usr/share"
+        call("desktop-file-validate", share / "applications/qirandecode.desktop")
+        call("appstreamcli", "validate", "--no-net", share / "metainfo/org.qirandecode.QiranDecode.metainfo.xml")
+        page = subprocess.run(["man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z",
+                               share / "man/man1/qirandecode.1"], capture_output=True, text=True, check=True)
+        self.assertEqual(page.stderr, "")
+        for size in (16, 22, 24, 32, 48, 64, 128, 256):
+            picture = (share / f"icons/hicolor/{size}x{size}/apps/qirandecode.png").read_bytes()
+            self.assertEqual(int.from_bytes(picture[16:20], "big"), size)
+            self.assertEqual(int.from_bytes(picture[20:24], "big"), size)
+
+
+if __name__ == "__main__":
+    unittest.main()
