@@ -6,11 +6,10 @@
 #include "station/Station.h"
 
 Transmitter::Transmitter(const Station& station, UnprotoLink& link, const mb& messages,
-                         const AprsSymbol& symbol, const ProgramVersion& version, QObject* owner)
+                         const ProgramVersion& version, QObject* owner)
     : m_station(station)
     , m_link(link)
     , m_messages(messages)
-    , m_symbol(symbol)
     , m_strUivDest(Beacons::strUivDest(version))
     , m_owner(owner) {}
 

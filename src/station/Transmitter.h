@@ -21,8 +21,11 @@ struct AddressFields {
 class Transmitter {
 public:
     /// `owner` is the window over which messages appear.
-    Transmitter(const Station& station, UnprotoLink& link, const mb& messages, const AprsSymbol& symbol,
-                const ProgramVersion& version, QObject* owner);
+    Transmitter(const Station& station, UnprotoLink& link, const mb& messages, const ProgramVersion& version,
+                QObject* owner);
+
+    /// The symbol that the beacons show from now on.
+    void SetSymbol(const AprsSymbol& symbol) { m_symbol = symbol; }
 
     /// Sends texts, in order, to `destination` or, without one, to the program's own. Refuses without
     /// callsign or destination; without a connection it warns, once, and sends all the same: the link

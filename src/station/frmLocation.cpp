@@ -1,0 +1,141 @@
+#include "station/frmLocation.h"
+
+#include "foundation/FilterKeys.h"
+#include "foundation/FixedFont.h"
+#include "foundation/PlaceWindow.h"
+#include "foundation/SelectAllOnFocus.h"
+#include "foundation/mb.h"
+#include "station/FieldRules.h"
+#include "station/Station.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+using PositionText::Axis;
+
+namespace {
+
+constexpr int fieldWidth = 30; // characters
+
+template <typename Widget>
+Widget* Named(Widget* widget, const QString& name) {
+    widget->setObjectName(name);
+    return widget;
+}
+
+} // namespace
+
+frmLocation::frmLocation(Station& station, const mb& messages, QWidget* parent)
+    : QDialog(parent)
+    , m_station(station)
+    , m_messages(messages)
+    , m_guard(this)
+    , txtCallsign(Named(new QLineEdit(this), QStringLiteral("txtCallsign")))
+    , txtLat(Named(new QLineEdit(this), QStringLiteral("txtLat")))
+    , txtLong(Named(new QLineEdit(this), QStringLiteral("txtLong")))
+    , txtComment(Named(new QLineEdit(this), QStringLiteral("txtComment")))
+    , labLocator(Named(new QLabel(this), QStringLiteral("labLocator"))) {
+    setObjectName(QStringLiteral("frmLocation"));
+    setWindowTitle(QStringLiteral("Station Information"));
+    Build();
+
+    FilterKeys(txtCallsign, FieldRules::CallsignKey);
+    FilterKeys(txtLat, FieldRules::PositionKey);
+    FilterKeys(txtLong, FieldRules::PositionKey);
+    m_guard.AddField(txtCallsign, [this] { return CheckCallsign(); });
+    m_guard.AddField(txtLat, [this] { return CheckPosition(*txtLat, Axis::Latitude); });
+    m_guard.AddField(txtLong, [this] { return CheckPosition(*txtLong, Axis::Longitude); });
+
+    Fill();
+    CentreOnScreen(this);
+}
+
+void frmLocation::Build() {
+    auto* form = new QFormLayout;
+    const std::pair<QString, QLineEdit*> rows[] = {
+        {QStringLiteral("C&allsign"), txtCallsign},
+        {QStringLiteral("&Latitude"), txtLat},
+        {QStringLiteral("Lo&ngitude"), txtLong},
+        {QStringLiteral("Co&mment"), txtComment},
+    };
+    for (const auto& [label, field] : rows) {
+        field->setFont(FixedFont());
+        field->setMinimumWidth(field->fontMetrics().averageCharWidth() * fieldWidth);
+        SelectAllOnFocus(field);
+        form->addRow(label, field);
+    }
+    txtCallsign->setPlaceholderText(QStringLiteral("N0CALL-1"));
+    txtLat->setPlaceholderText(QStringLiteral("DD.MM.hhN"));
+    txtLong->setPlaceholderText(QStringLiteral("DDD.MM.hhE"));
+    labLocator->setFont(FixedFont());
+    labLocator->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    labLocator->setAccessibleName(QStringLiteral("Locator"));
+    form->addRow(QStringLiteral("Locator"), labLocator);
+
+    auto* buttons = new QDialogButtonBox(this);
+    auto* cmdOk = Named(new QPushButton(QStringLiteral("&OK")), QStringLiteral("cmdOk"));
+    auto* cmdCancel = Named(new QPushButton(QStringLiteral("&Cancel")), QStringLiteral("cmdCancel"));
+    buttons->addButton(cmdOk, QDialogButtonBox::AcceptRole);
+    buttons->addButton(cmdCancel, QDialogButtonBox::RejectRole);
+    cmdOk->setDefault(true);
+    connect(cmdOk, &QPushButton::clicked, this, &frmLocation::Ok);
+    connect(cmdCancel, &QPushButton::clicked, this, &frmLocation::reject);
+    m_guard.AddExempt(cmdCancel);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(form);
+    layout->addWidget(buttons);
+    const QList<QWidget*> order{txtCallsign, txtLat, txtLong, txtComment, cmdOk, cmdCancel};
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order[i - 1], order[i]);
+}
+
+void frmLocation::Fill() {
+    txtLat->setText(PositionText::ToDisplayed(m_station.strLat(), Axis::Latitude));
+    txtLong->setText(PositionText::ToDisplayed(m_station.strLong(), Axis::Longitude));
+    txtComment->setText(m_station.strComment());
+    txtCallsign->setText(m_station.strCallsign());
+    ShowLocator();
+}
+
+bool frmLocation::CheckCallsign() {
+    if (FieldRules::IsCallsignOrEmpty(txtCallsign->text()))
+        return true;
+    m_messages.MessageBox(this, QStringLiteral("That is not a valid callsign."), MessageStyle::Critical);
+    return false;
+}
+
+bool frmLocation::CheckPosition(QLineEdit& field, Axis axis) {
+    const std::optional<QString> position = PositionText::ValidateLatLong(field.text(), axis, true);
+    if (!position) {
+        m_messages.MessageBox(
+            this, QStringLiteral("I can't make that into a valid ") + PositionText::Name(axis) + u'.',
+            MessageStyle::Exclamation);
+        return false;
+    }
+    if (*position != field.text())
+        field.setText(*position);
+    ShowLocator();
+    return true;
+}
+
+void frmLocation::ShowLocator() {
+    const auto locator = PositionText::Locator(PositionText::ToStored(txtLat->text(), Axis::Latitude),
+                                               PositionText::ToStored(txtLong->text(), Axis::Longitude));
+    if (locator)
+        labLocator->setText(*locator);
+}
+
+void frmLocation::Ok() {
+    if (!m_guard.CheckAll())
+        return;
+    m_station.setStrLat(PositionText::ToStored(txtLat->text(), Axis::Latitude));
+    m_station.setStrLong(PositionText::ToStored(txtLong->text(), Axis::Longitude));
+    m_station.setStrCallsign(txtCallsign->text());
+    m_station.setStrComment(txtComment->text().trimmed());
+    m_station.setStrLoc(labLocator->text());
+    accept();
+}

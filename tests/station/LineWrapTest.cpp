@@ -1,0 +1,138 @@
+#include "station/LineWrap.h"
+
+#include <QElapsedTimer>
+#include <QRandomGenerator>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class LineWrapTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void a71CharacterLineStays();
+    void the72ndCharacterBreaksAtTheLastBlank_data();
+    void the72ndCharacterBreaksAtTheLastBlank();
+    void a200CharacterWordIsCut();
+    void lineEndsEndLines_data();
+    void lineEndsEndLines();
+    void aPasteOf5000CharactersLosesNothing();
+    void anyTextComesOutWholeAndInOrder();
+    void aHugePasteTakesNoLongTime();
+};
+
+void LineWrapTest::a71CharacterLineStays() {
+    const QString text(71, u'x');
+    QCOMPARE(WrapLines(text).lines, QStringList());
+    QCOMPARE(WrapLines(text).rest, text);
+    QCOMPARE(WrapLines(u"").rest, QString());
+}
+
+void LineWrapTest::the72ndCharacterBreaksAtTheLastBlank_data() {
+    QTest::addColumn<int>("length");
+    QTest::addColumn<int>("blank"); // its position, from 1; 0: none
+    QTest::addColumn<int>("line");  // length of what is sent
+    QTest::addColumn<int>("rest");
+    QTest::newRow("blank at 60") << 72 << 60 << 59 << 12;
+    QTest::newRow("no blank") << 72 << 0 << 72 << 0;
+    QTest::newRow("blank at 53") << 72 << 53 << 52 << 19;
+    QTest::newRow("blank at 52 is too early") << 72 << 52 << 72 << 0;
+    QTest::newRow("blank at 72") << 72 << 72 << 71 << 0;
+    QTest::newRow("blank at 73") << 73 << 73 << 72 << 0;
+    QTest::newRow("73 without blank") << 73 << 0 << 72 << 1;
+    QTest::newRow("blank at 74 is too late") << 80 << 74 << 72 << 8;
+}
+
+void LineWrapTest::the72ndCharacterBreaksAtTheLastBlank() {
+    QFETCH(const int, length);
+    QFETCH(const int, blank);
+    QString text;
+    for (int i = 0; i < length; ++i)
+        text += QChar(static_cast<char16_t>(u'a' + i % 26));
+    if (blank > 0)
+        text[blank - 1] = u' ';
+    const LineWrap wrap = WrapLines(text);
+    QCOMPARE(wrap.lines.size(), 1);
+    QTEST(static_cast<int>(wrap.lines[0].size()), "line");
+    QTEST(static_cast<int>(wrap.rest.size()), "rest");
+    QVERIFY(text.startsWith(wrap.lines[0]));
+    QVERIFY(text.endsWith(wrap.rest));
+}
+
+void LineWrapTest::a200CharacterWordIsCut() {
+    const LineWrap wrap = WrapLines(QString(200, u'w'));
+    QCOMPARE(wrap.lines, QStringList({QString(72, u'w'), QString(72, u'w')}));
+    QCOMPARE(wrap.rest, QString(56, u'w'));
+}
+
+void LineWrapTest::lineEndsEndLines_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("lines");
+    QTest::addColumn<QString>("rest");
+    const QString full(72, u'f');
+    QTest::newRow("LF") << "a\nb" << QStringList{u"a"_s} << "b";
+    QTest::newRow("CR LF") << "a\r\nb\r\n" << QStringList{u"a"_s, u"b"_s} << "";
+    QTest::newRow("CR") << "a\rb" << QStringList{u"a"_s} << "b";
+    QTest::newRow("Unicode line separator")
+        << QStringLiteral(u"a\u2028b\u2029") << QStringList{u"a"_s, u"b"_s} << "";
+    QTest::newRow("an empty line between") << "a\n\nb" << QStringList{u"a"_s, u""_s} << "b";
+    QTest::newRow("full line sends no empty one after it") << full + u"\nb"_s << QStringList{full} << "b";
+    QTest::newRow("full line, CR LF") << full + u"\r\nb"_s << QStringList{full} << "b";
+    QTest::newRow("73 characters and a line end") << full + u"g\nb"_s << QStringList({full, u"g"_s}) << "b";
+    QTest::newRow("the break does not look beyond the line end")
+        << QString(71, u'f') + u"\n bcd"_s << QStringList{QString(71, u'f')} << " bcd";
+}
+
+void LineWrapTest::lineEndsEndLines() {
+    QFETCH(const QString, text);
+    const LineWrap wrap = WrapLines(text);
+    QTEST(wrap.lines, "lines");
+    QTEST(wrap.rest, "rest");
+}
+
+void LineWrapTest::aPasteOf5000CharactersLosesNothing() {
+    QString text;
+    for (int i = 0; text.size() < 5000; ++i) {
+        text += QStringLiteral("word%1").arg(i);
+        text += i % 37 == 36   ? QStringLiteral("\r\n")
+                : i % 11 == 10 ? QStringLiteral("\n")
+                               : QStringLiteral(" ");
+    }
+    text.truncate(5000);
+    const LineWrap wrap = WrapLines(text);
+    for (const QString& line : wrap.lines)
+        QVERIFY(line.size() <= 72);
+    const auto words = [](const QString& from) { return from.simplified(); };
+    QCOMPARE(words(wrap.lines.join(u' ') + u' ' + wrap.rest), words(text));
+}
+
+void LineWrapTest::anyTextComesOutWholeAndInOrder() {
+    QRandomGenerator random(72);
+    for (int run = 0; run < 3000; ++run) {
+        QString text;
+        for (int i = random.bounded(400); i > 0; --i) {
+            const int dice = random.bounded(run % 2 == 0 ? 12 : 60);
+            text += dice == 0 ? u' ' : dice == 1 ? u'\n' : dice == 2 ? u'\r' : u'x';
+        }
+        const LineWrap wrap = WrapLines(text);
+        qsizetype letters = wrap.rest.count(u'x');
+        for (const QString& line : wrap.lines) {
+            QVERIFY(line.size() <= 72);
+            QVERIFY(!line.contains(u'\n') && !line.contains(u'\r'));
+            letters += line.count(u'x');
+        }
+        QCOMPARE(letters, text.count(u'x'));
+        QVERIFY(wrap.rest.size() < 72);
+        QVERIFY(text.endsWith(wrap.rest));
+        QVERIFY(WrapLines(wrap.rest).lines.isEmpty());
+    }
+}
+
+void LineWrapTest::aHugePasteTakesNoLongTime() {
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(WrapLines(QString(7'200'000, u'x')).lines.size(), 100'000);
+    QVERIFY(timer.elapsed() < 10'000);
+}
+
+QTEST_GUILESS_MAIN(LineWrapTest)
+#include "LineWrapTest.moc"
