@@ -14,11 +14,10 @@ constexpr qint64 pieceSize = 64 * 1024;
 constexpr qint64 mostUnread = 1024 * 1024;
 constexpr qsizetype longestReason = 200;
 
-// Whether the network's error only repeats the server's status, so that the answer itself arrived whole.
-bool IsStatusError(QNetworkReply::NetworkError error) {
-    return error == QNetworkReply::NoError ||
-           (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError) ||
-           (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
+// Whether the answer itself arrived: the network reports a refusal by the server as an error too, but numbers
+// those of the connection below 100.
+bool HasArrived(QNetworkReply::NetworkError error, int status) {
+    return status != 0 && (error == QNetworkReply::NoError || (status >= 400 && error >= 100));
 }
 
 // What a stranger wrote, fit for one line.
@@ -185,7 +184,7 @@ void HttpTransfer::Finished() {
         ReadBody(); // what came with the end
     if (transfer != m_transfer || m_reply == nullptr)
         return;
-    if (!IsStatusError(error) || status == 0) {
+    if (!HasArrived(error, status)) {
         Fail(error, OneLine(m_reply->errorString()));
         return;
     }

@@ -38,6 +38,8 @@ QString PlainName(const QString& text) {
     while (start < name.size() && (name[start] == u'.' || name[start].isSpace()))
         ++start;
     name = name.mid(start, longestName);
+    while (name.toUtf8().size() > longestName)
+        name.chop(name.back().isLowSurrogate() ? 2 : 1);
     while (name.endsWith(u'.') || name.endsWith(u' ') || name.endsWith(QChar(0x00A0)))
         name.chop(1);
     return IsReserved(name) ? u'_' + name : name;

@@ -1,0 +1,107 @@
+#include "keps/frmDownload.h"
+
+#include "foundation/FixedFont.h"
+#include "foundation/PlaceWindow.h"
+#include "foundation/SelectAllOnFocus.h"
+#include "foundation/Settings.h"
+
+#include <QDialogButtonBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+frmDownload::frmDownload(const ProgramFolder& folder, clsIni& ini, const mb& messages, InternetTransfer& inet,
+                         QWidget* parent)
+    : QDialog(parent)
+    , m_ini(ini)
+    , m_messages(messages)
+    , m_sequence(inet, ini, folder)
+    , txtFile{new QLineEdit(this), new QLineEdit(this)}
+    , txtTerm(new QPlainTextEdit(this))
+    , cmdDownload(new QPushButton(tr("&Download"), this))
+    , cmdCancel(new QPushButton(tr("Cancel"), this)) {
+    setObjectName(QStringLiteral("frmDownload"));
+    setWindowTitle(tr("Download Keps"));
+    m_sequence.setParent(this);
+    LayOut();
+    connect(cmdDownload, &QPushButton::clicked, this, [this] {
+        m_sequence.Download({txtFile[0]->text(), txtFile[1]->text()});
+    });
+    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(&m_sequence, &DownloadSequence::Status, this, &frmDownload::AddDownloadStatus);
+    connect(&m_sequence, &DownloadSequence::Message, this,
+            [this](const QString& text, qint16 style) { m_messages.MessageBox(this, text, style); });
+    connect(&m_sequence, &DownloadSequence::Finished, this, &QDialog::accept);
+}
+
+bool frmDownload::DownloadKeps() {
+    txtFile[0]->setText(Settings::Read(m_ini, Settings::kepsFile1));
+    txtFile[1]->setText(Settings::Read(m_ini, Settings::kepsFile2));
+    txtFile[0]->setFocus();
+    CentreOnScreen(this);
+    exec();
+    return m_sequence.Result();
+}
+
+void frmDownload::done(int result) {
+    m_sequence.Cancel();
+    QDialog::done(result);
+}
+
+void frmDownload::AddDownloadStatus(const QString& text) {
+    if (m_status.AddDownloadStatus(text))
+        txtTerm->setPlainText(m_status.Content());
+    else {
+        txtTerm->moveCursor(QTextCursor::End);
+        txtTerm->insertPlainText(text + QStringLiteral("\r\n"));
+    }
+    txtTerm->moveCursor(QTextCursor::End);
+    txtTerm->ensureCursorVisible();
+}
+
+void frmDownload::LayOut() {
+    auto* grid = new QGridLayout;
+    for (int i = 0; i < 2; ++i) {
+        QLineEdit* field = txtFile[static_cast<std::size_t>(i)];
+        field->setObjectName(QStringLiteral("txtFile%1").arg(i));
+        field->setMinimumWidth(field->fontMetrics().averageCharWidth() * 60);
+        field->setToolTip(tr("The address of an element file, without http://"));
+        SelectAllOnFocus(field);
+        auto* label = new QLabel(i == 0 ? tr("File &1:   http://") : tr("File &2:   http://"), this);
+        label->setObjectName(QStringLiteral("labFile%1").arg(i));
+        label->setBuddy(field);
+        grid->addWidget(label, i, 0);
+        grid->addWidget(field, i, 1);
+    }
+
+    txtTerm->setObjectName(QStringLiteral("txtTerm"));
+    txtTerm->setReadOnly(true);
+    txtTerm->setTabChangesFocus(true);
+    txtTerm->setUndoRedoEnabled(false);
+    txtTerm->setFont(FixedFont());
+    txtTerm->setMinimumHeight(txtTerm->fontMetrics().lineSpacing() * 12);
+    auto* status = new QLabel(tr("&Status:"), this);
+    status->setObjectName(QStringLiteral("labTerm"));
+    status->setBuddy(txtTerm);
+
+    cmdDownload->setObjectName(QStringLiteral("cmdDownload"));
+    cmdDownload->setDefault(true);
+    cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
+    cmdCancel->setAutoDefault(false);
+    auto* buttons = new QDialogButtonBox(this);
+    buttons->addButton(cmdDownload, QDialogButtonBox::ActionRole);
+    buttons->addButton(cmdCancel, QDialogButtonBox::RejectRole);
+
+    auto* column = new QVBoxLayout(this);
+    column->addLayout(grid);
+    column->addWidget(status);
+    column->addWidget(txtTerm, 1);
+    column->addWidget(buttons);
+    setTabOrder(txtFile[0], txtFile[1]);
+    setTabOrder(txtFile[1], txtTerm);
+    setTabOrder(txtTerm, cmdDownload);
+    setTabOrder(cmdDownload, cmdCancel);
+}

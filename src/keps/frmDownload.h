@@ -1,0 +1,46 @@
+#pragma once
+
+#include "foundation/ProgramFolder.h"
+#include "foundation/clsIni.h"
+#include "foundation/mb.h"
+#include "keps/DownloadSequence.h"
+#include "keps/DownloadStatus.h"
+#include "keps/InternetTransfer.h"
+
+#include <QDialog>
+
+#include <array>
+
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+
+/// The dialog that fetches element files into the Keps folder.
+class frmDownload : public QDialog {
+    Q_OBJECT
+
+public:
+    /// The references must outlive the dialog.
+    frmDownload(const ProgramFolder& folder, clsIni& ini, const mb& messages, InternetTransfer& inet,
+                QWidget* parent = nullptr);
+
+    /// Shows the dialog until the user or the end of the downloads closes it. Whether a file was fetched, so
+    /// that the elements are to be read anew.
+    bool DownloadKeps();
+
+    /// Closing by any way ends the transfer and removes what it left.
+    void done(int result) override;
+
+private:
+    void AddDownloadStatus(const QString& text);
+    void LayOut();
+
+    clsIni& m_ini;
+    const mb& m_messages;
+    DownloadSequence m_sequence;
+    DownloadStatus m_status;
+    std::array<QLineEdit*, 2> txtFile;
+    QPlainTextEdit* txtTerm;
+    QPushButton* cmdDownload;
+    QPushButton* cmdCancel;
+};
