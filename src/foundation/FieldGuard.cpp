@@ -106,10 +106,6 @@ bool FieldGuard::eventFilter(QObject* watched, QEvent* event) {
         if (widget->isWindow())
             OtherWindowActive(*widget);
         return false;
-    case QEvent::Close:
-        if (const Field* field = Current(); field != nullptr && widget == m_window && event->spontaneous())
-            MayLeave(*field); // the message is all; the window closes
-        return false;
     default:
         return false;
     }
@@ -162,6 +158,11 @@ bool FieldGuard::MayReach(const QWidget* target) {
 }
 
 bool FieldGuard::MouseMayPress(QWidget* target) {
+    // A press on a widget moves the focus first and is seen here afterwards, but before anybody acts on it.
+    if (const QPointer<QLineEdit> left = std::exchange(m_wandered, nullptr)) {
+        const Field* field = FieldOf(left);
+        return field == nullptr || IsExempt(m_window->focusWidget()) || IsExempt(target) || MayLeave(*field);
+    }
     if (Current() == nullptr || Current()->edit->isAncestorOf(target))
         return true;
     if (!IsOurs(target))

@@ -12,9 +12,9 @@
 ///
 /// A field is checked when the user tries to leave it: by Tab, by a click on a button, on another field or on
 /// another window of the program, or by an access key. What he pressed happens only if the check passes, so
-/// that a failing check shows its message once an attempt. The ways out stay open: Escape, exempt buttons and
-/// whatever closes the window from inside are never checked; the close box shows the message and closes.
-/// Going to another program and back is not leaving.
+/// that a failing check shows its message once an attempt. The ways out stay open: Escape, the close box,
+/// exempt buttons and whatever closes the window from inside are never checked. Going to another program and
+/// back is not leaving.
 class FieldGuard : public QObject {
     Q_OBJECT
 public:

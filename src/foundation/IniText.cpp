@@ -2,6 +2,8 @@
 
 #include "foundation/Text.h"
 
+#include <QHash>
+
 #include <algorithm>
 
 namespace {
@@ -36,6 +38,23 @@ QByteArray OneLine(const QString& text) {
     return bytes;
 }
 
+// A name as it reads once it has been written.
+QString Name(const QString& text) {
+    return Text::FromBytes(OneLine(text).trimmed());
+}
+
+bool IsKey(const QString& name) {
+    return !name.isEmpty() && !name.contains(u'=') && !name.startsWith(u';') && !name.startsWith(u'[');
+}
+
+QByteArray Header(const QString& section) {
+    return '[' + Text::ToBytes(section) + "]\r\n";
+}
+
+QByteArray Line(const QString& key, const QString& value) {
+    return Text::ToBytes(key) + '=' + OneLine(value) + "\r\n";
+}
+
 } // namespace
 
 IniText::IniText(const QByteArray& bytes) {
@@ -48,6 +67,7 @@ IniText::IniText(const QByteArray& bytes) {
 }
 
 std::optional<IniText::Range> IniText::Find(const QString& section) const {
+    const QString wanted = Name(section);
     std::optional<qsizetype> header;
     for (qsizetype i = 0; i < m_lines.size(); ++i) {
         QByteArrayView line = m_lines[i];
@@ -56,14 +76,14 @@ std::optional<IniText::Range> IniText::Find(const QString& section) const {
         const std::optional<QString> name = HeaderName(line);
         if (name && header)
             return Range{*header, i};
-        if (name && Same(*name, section.trimmed()))
+        if (name && Same(*name, wanted))
             header = i;
     }
     return header ? std::optional(Range{*header, m_lines.size()}) : std::nullopt;
 }
 
 qsizetype IniText::FindKey(const Range& range, const QString& key) const {
-    if (const QString name = key.trimmed(); !name.isEmpty())
+    if (const QString name = Name(key); !name.isEmpty())
         for (qsizetype i = range.first + 1; i < range.second; ++i)
             if (Same(KeyOf(m_lines[i]), name))
                 return i;
@@ -75,31 +95,43 @@ std::optional<QString> IniText::Value(const QString& section, const QString& key
     const qsizetype line = range ? FindKey(*range, key) : -1;
     if (line < 0)
         return std::nullopt;
+    return ValueIn(line);
+}
+
+QString IniText::ValueIn(qsizetype line) const {
     QByteArrayView value = QByteArrayView(m_lines[line]).sliced(m_lines[line].indexOf('=') + 1).trimmed();
     if (value.size() >= 2 && value.startsWith('"') && value.endsWith('"'))
         value = value.sliced(1, value.size() - 2);
     return Text::FromBytes(value);
 }
 
-QStringList IniText::Keys(const QString& section) const {
-    QStringList keys;
+QList<IniText::Entry> IniText::Entries(const QString& section) const {
+    QList<Entry> entries;
+    QHash<QString, qsizetype> first; // where a key, its case put aside, stands first
     if (const std::optional<Range> range = Find(section))
         for (qsizetype i = range->first + 1; i < range->second; ++i)
-            if (const QString key = KeyOf(m_lines[i]); !key.isEmpty())
-                keys.append(key);
-    return keys;
+            if (const QString key = KeyOf(m_lines[i]); !key.isEmpty()) {
+                const QString folded = key.toCaseFolded();
+                const qsizetype line = first.value(folded, i);
+                first.insert(folded, line);
+                entries.append({key, ValueIn(line)});
+            }
+    return entries;
 }
 
 void IniText::SetValue(const QString& section, const QString& key, const QString& value) {
-    const QByteArray line = OneLine(key.trimmed()) + '=' + OneLine(value) + "\r\n";
+    const QString name = Name(key);
+    if (!IsKey(name) || section.contains(u']'))
+        return;
+    const QByteArray line = Line(name, value);
     const std::optional<Range> range = Find(section);
     if (!range) {
         EndLastLine();
-        m_lines.append('[' + OneLine(section.trimmed()) + "]\r\n");
+        m_lines.append(Header(Name(section)));
         m_lines.append(line);
         return;
     }
-    if (const qsizetype found = FindKey(*range, key); found >= 0) {
+    if (const qsizetype found = FindKey(*range, name); found >= 0) {
         m_lines[found] = line;
         return;
     }
@@ -112,14 +144,48 @@ void IniText::SetValue(const QString& section, const QString& key, const QString
 }
 
 void IniText::RemoveKey(const QString& section, const QString& key) {
-    if (const std::optional<Range> range = Find(section))
-        if (const qsizetype line = FindKey(*range, key); line >= 0)
-            m_lines.removeAt(line);
+    const std::optional<Range> range = Find(section);
+    if (!range)
+        return;
+    qsizetype end = range->second;
+    for (qsizetype line = FindKey(*range, key); line >= 0; line = FindKey({range->first, end}, key)) {
+        m_lines.removeAt(line);
+        --end;
+    }
 }
 
 void IniText::RemoveSection(const QString& section) {
-    if (const std::optional<Range> range = Find(section))
+    while (const std::optional<Range> range = Find(section))
         m_lines.remove(range->first, range->second - range->first);
+}
+
+void IniText::ReplaceSection(const QString& section, const QList<Entry>& entries) {
+    if (section.contains(u']'))
+        return;
+    const std::optional<Range> old = Find(section);
+    const qsizetype place = old ? old->first : m_lines.size();
+    RemoveSection(section);
+    QByteArrayList lines;
+    QHash<QString, qsizetype> first;
+    for (const auto& [key, value] : entries) {
+        const QString name = Name(key);
+        if (!IsKey(name))
+            continue;
+        const QByteArray line = Line(name, value);
+        const QString folded = name.toCaseFolded();
+        if (const auto found = first.constFind(folded); found != first.cend()) {
+            lines[*found] = line;
+        } else {
+            first.insert(folded, lines.size());
+            lines.append(line);
+        }
+    }
+    if (lines.isEmpty())
+        return;
+    if (place == m_lines.size())
+        EndLastLine();
+    lines.prepend(Header(Name(section)));
+    m_lines = m_lines.first(place) + lines + m_lines.sliced(place);
 }
 
 void IniText::EndLastLine() {

@@ -54,14 +54,21 @@ std::size_t NumberLength(std::string_view text, Exponent exponent) {
     return end;
 }
 
-// What from_chars leaves out of range is either vanishingly small or too large; its exponent tells.
+// What from_chars leaves out of range is vanishingly small or too large: the power of ten of its first digit
+// that is not 0 tells which.
 double OutOfRange(std::string_view number) {
-    const std::size_t mark = number.find_first_of("Ee");
-    if (mark != std::string_view::npos)
-        return number[mark + 1] == '-' ? 0.0 : std::numeric_limits<double>::infinity();
-    return number.substr(0, number.find('.')).find_first_of("123456789") == std::string_view::npos
-               ? 0.0
-               : std::numeric_limits<double>::infinity();
+    const std::size_t mark = std::min(number.find_first_of("Ee"), number.size());
+    const std::size_t point = std::min(number.find('.'), mark);
+    const std::size_t digit = number.find_first_of("123456789");
+    constexpr long long most = 1'000'000'000'000; // far beyond any text's length
+    long long exponent = 0;
+    for (const char c : number.substr(std::min(mark + 1, number.size())))
+        if (IsDigit(c))
+            exponent = std::min(most, exponent * 10 + (c - '0'));
+    if (mark + 1 < number.size() && number[mark + 1] == '-')
+        exponent = -exponent;
+    const long long power = exponent + static_cast<long long>(point) - static_cast<long long>(digit);
+    return power > 0 ? std::numeric_limits<double>::infinity() : 0.0;
 }
 
 } // namespace

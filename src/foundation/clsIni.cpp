@@ -1,10 +1,10 @@
 #include "foundation/clsIni.h"
 
 #include "foundation/IniText.h"
+#include "foundation/ReplaceFile.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <optional>
 
@@ -26,8 +26,12 @@ std::optional<QByteArray> ReadFile(const QString& path, QString& reason) {
         reason = QStringLiteral("it is too large for a settings file");
     else if (!file.open(QIODevice::ReadOnly))
         reason = file.errorString();
-    else
-        return file.readAll();
+    else {
+        QByteArray bytes = file.readAll();
+        if (file.error() == QFile::NoError)
+            return bytes;
+        reason = file.errorString(); // half a file is none: writing it back would lose the rest
+    }
     return std::nullopt;
 }
 
@@ -53,12 +57,8 @@ void clsIni::Change(const QString& file, const std::function<void(IniText&)>& ch
     const QByteArray after = text.Bytes();
     if (after == *before)
         return;
-    const bool isNew = !QFileInfo::exists(path);
-    QSaveFile target(path);
-    if (!target.open(QIODevice::WriteOnly) ||
-        (isNew && !target.setPermissions(QFile::ReadOwner | QFile::WriteOwner)) ||
-        target.write(after) != after.size() || !target.commit())
-        ReportFailure(path, target.errorString());
+    if (const QString failure = ReplaceFile(path, after); !failure.isEmpty())
+        ReportFailure(path, failure);
 }
 
 void clsIni::ReportFailure(const QString& file, const QString& reason) {
@@ -87,13 +87,14 @@ clsIni::KeyTable clsIni::LoadAllKeysInSection(const QString& section, const QStr
     KeyTable table{QStringList{QString()}, QStringList{QString()}};
     const IniText text = Load(PathOf(file));
     qsizetype room = longestKeyList;
-    for (const QString& key : text.Keys(section)) {
+    for (const auto& [key, value] : text.Entries(section)) {
         const QString name = key.left(room);
         if (name.isEmpty())
             break;
         room -= std::min(room, name.size() + 1);
         table[0].append(name);
-        table[1].append(text.Value(section, name).value_or(QString()).left(longestValue));
+        table[1].append(
+            (name == key ? value : text.Value(section, name).value_or(QString())).left(longestValue));
     }
     return table;
 }
@@ -125,9 +126,9 @@ QString clsIni::GetIniStringWriteDefault(const QString& section, const QString& 
 
 void clsIni::SaveSection(const QString& section, const QList<std::pair<QString, QString>>& values,
                          const QString& file) {
-    Change(file, [&](IniText& text) {
-        text.RemoveSection(section);
-        for (const auto& [key, value] : values)
-            text.SetValue(section, key, value.isEmpty() ? QStringLiteral("\"\"") : value);
-    });
+    QList<std::pair<QString, QString>> stored = values;
+    for (auto& [key, value] : stored)
+        if (value.isEmpty())
+            value = QStringLiteral("\"\"");
+    Change(file, [&](IniText& text) { text.ReplaceSection(section, stored); });
 }
