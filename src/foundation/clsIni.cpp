@@ -17,10 +17,11 @@ constexpr QStringView absent = u"$!*%";
 
 // The file's bytes, none where there is no file; nothing when there is one that cannot be read.
 std::optional<QByteArray> ReadFile(const QString& path, QString& reason) {
-    QFile file(path);
-    if (!file.exists())
+    const QFileInfo info(path);
+    if (!info.exists())
         return QByteArray();
-    if (!QFileInfo(file).isFile())
+    QFile file(path);
+    if (!info.isFile())
         reason = QStringLiteral("it is not a file");
     else if (file.size() > largestFile)
         reason = QStringLiteral("it is too large for a settings file");
