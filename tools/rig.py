@@ -6,6 +6,7 @@ Used by tools/demonstrate, the end-to-end tests and the packaging tests. Python'
 import contextlib
 import os
 import pathlib
+import random
 import shutil
 import signal
 import socket
@@ -17,10 +18,11 @@ SETTINGS_FILE = "QiranDecode.INI"
 
 
 def free_port():
-    """A TCP port of the loopback interface that nobody uses at this moment."""
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
+    """A TCP port of the loopback interface that nobody uses at this moment, and that the program's settings can hold."""
+    while True:
+        with socket.socket() as probe, contextlib.suppress(OSError):
+            probe.bind(("127.0.0.1", random.randrange(10000, 32768)))
+            return probe.getsockname()[1]
 
 
 def wait_for(condition, what, seconds=30.0, alive=None):
@@ -112,7 +114,7 @@ def make_program_folder(folder, port, data=ROOT / "data", settings=None):
     folder = pathlib.Path(folder)
     if folder.exists():
         shutil.rmtree(folder)
-    shutil.copytree(data / "demo", folder, ignore=shutil.ignore_patterns("README*", "*.script"))
+    shutil.copytree(data / "demo", folder, ignore=shutil.ignore_patterns("README*", "*.pesim"))
     for shipped in ("world.gif", "qirandecode.HLP"):
         if (data / shipped).is_file():
             shutil.copy(data / shipped, folder)
