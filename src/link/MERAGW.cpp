@@ -82,7 +82,7 @@ struct MERAGW::Connection {
     bool established = false;
     bool alive = true;    // false once the client has let go of it
     bool reading = false; // its frames are being handed out
-    bool closed = false;  // its end was met while its frames were being handed out
+    bool closed = false;  // the other end is gone; what it sent may still wait to be read
 };
 
 MERAGW::MERAGW(QObject* parent)
@@ -164,7 +164,7 @@ void MERAGW::Read(const std::shared_ptr<Connection>& connection) {
     }
     connection->reading = false;
     if (connection->alive && connection->closed)
-        HandleClosed();
+        Conclude();
 }
 
 void MERAGW::Dispatch(const AgwFrame& frame) {
@@ -218,18 +218,15 @@ void MERAGW::ReportVersion(QByteArrayView data) {
 }
 
 void MERAGW::HandleClosed() {
-    const std::shared_ptr<Connection> connection = m_connection;
-    if (!connection)
+    if (!m_connection)
         return;
-    if (connection->reading) {
-        connection->closed = true;
-        return;
-    }
-    Read(connection); // what came before the end
-    if (!connection->alive)
-        return;
-    const QTcpSocket& socket = *connection->socket;
-    if (!connection->established || socket.error() != QAbstractSocket::RemoteHostClosedError) {
+    m_connection->closed = true;
+    Read(std::shared_ptr(m_connection)); // what came before the end
+}
+
+void MERAGW::Conclude() {
+    const QTcpSocket& socket = *m_connection->socket;
+    if (!m_connection->established || socket.error() != QAbstractSocket::RemoteHostClosedError) {
         Fail(socket.errorString());
         return;
     }

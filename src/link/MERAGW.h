@@ -89,6 +89,7 @@ private:
     void ReportPorts(QByteArrayView data);
     void ReportVersion(QByteArrayView data);
     void HandleClosed();
+    void Conclude();
     void Fail(const QString& description);
     QString Drop(); // lets go of the connection and answers its host, empty when there is none
     bool Refuse(ErrorNumber number, const QString& text);

@@ -11,6 +11,11 @@ namespace {
 // A program that does not read loses frames, as it would with a real engine.
 constexpr qint64 maxUnsentBytes = 1 << 20;
 
+// Free ports are looked for here: programs keep the port in 16 bits with a sign, and the system hands out
+// ports above.
+constexpr quint16 firstFreePort = 20000;
+constexpr quint16 lastFreePort = 32767;
+
 QByteArray ControlPart(const HeardFrame& heard) {
     const QByteArray length = QByteArray::number(heard.information.size());
     switch (heard.kind) {
@@ -49,8 +54,11 @@ EngineSimulator::~EngineSimulator() {
 }
 
 bool EngineSimulator::Listen(quint16 port) {
-    if (!m_server.listen(QHostAddress::LocalHost, port))
-        return false;
+    quint16 candidate = port != 0 ? port : firstFreePort;
+    while (!m_server.listen(QHostAddress::LocalHost, candidate)) {
+        if (port != 0 || candidate++ == lastFreePort)
+            return false;
+    }
     m_port = m_server.serverPort();
     return true;
 }

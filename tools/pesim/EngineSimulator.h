@@ -30,7 +30,7 @@ public:
     explicit EngineSimulator(QObject* parent = nullptr);
     ~EngineSimulator() override;
 
-    /// Port 0 takes a free one. False when the port cannot be had.
+    /// Port 0 takes a free one up to 32767. False when the port cannot be had.
     bool Listen(quint16 port = 0);
     quint16 Port() const { return m_port; }
 

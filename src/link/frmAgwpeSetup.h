@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QDialog>
+
+class AgwLink;
+class AgwSettings;
+class FieldGuard;
+class QLineEdit;
+class QVBoxLayout;
+class mb;
+
+/// Where the user says how the packet engine is reached. Shows the settings as they are when it is made, in
+/// the middle of the screen; make a new one for every opening.
+class frmAgwpeSetup : public QDialog {
+    Q_OBJECT
+public:
+    /// All three must outlive the dialog.
+    frmAgwpeSetup(AgwSettings& settings, AgwLink& link, const mb& messages, QWidget* parent = nullptr);
+
+private:
+    void AddButtons(QVBoxLayout* all);
+    bool IsHostGood();
+    bool IsPortGood();
+    void Ok();
+
+    AgwSettings& m_settings;
+    AgwLink& m_link;
+    const mb& m_messages;
+    FieldGuard* m_guard;
+    QLineEdit* txtHostAddr;
+    QLineEdit* txtPort;
+    QLineEdit* txtLoginId;
+    QLineEdit* txtPassword;
+
+    // What was shown on opening.
+    const QString m_shownHost; // in upper case
+    const qint16 m_shownPort;
+    const QString m_shownLoginId;
+    const QString m_shownPassword;
+};
