@@ -119,9 +119,19 @@ void frmCalls::LayOut() {
 }
 
 void frmCalls::DoCalls() {
-    FillList();
-    txtCall->setFocus();
+    ShowCallsigns();
     exec();
+}
+
+void frmCalls::ShowCallsigns() {
+    FillList();
+    txtCall->clear();
+    for (QRadioButton* side : {optA, optB}) {
+        side->setAutoExclusive(false); // exclusive buttons cannot be switched off
+        side->setChecked(false);
+        side->setAutoExclusive(true);
+    }
+    txtCall->setFocus();
 }
 
 void frmCalls::FillList() {

@@ -16,8 +16,11 @@ class frmCalls : public QDialog {
 public:
     frmCalls(CallsignList& callsigns, const mb& messages, QWidget* parent = nullptr);
 
-    /// Shows the dialog until the user closes it.
+    /// Shows the dialog modally until the user closes it.
     void DoCalls();
+
+    /// Fills the list with the present callsigns and empties the editor.
+    void ShowCallsigns();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

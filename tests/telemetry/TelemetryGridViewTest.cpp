@@ -1,0 +1,193 @@
+#include "telemetry/TelemetryGridView.h"
+
+#include "support/Screenshots.h"
+#include "telemetry/TelemetryRoom.h"
+#include "telemetry/TipCell.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QScrollBar>
+#include <QTest>
+#include <QToolTip>
+
+class TelemetryGridViewTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void namesHeadersAndHiddenColumns();
+    void wholeGridIsInViewAtItsOwnSize();
+    void valuesOfAFrameAreShownRounded();
+    void hoveringTellsWhichFrameBroughtTheValue();
+    void hoveringOverHeaderAndNamesTellsNothing();
+    void theRememberedCellIsSharedByTheGrids();
+    void tipFromTheAirIsNeverMarkup();
+    void valueIsCopiedInFull();
+    void severalCellsAreCopiedAsATable();
+    void nothingIsCopiedFromNothing();
+    void cellsCannotBeEdited();
+    void tabLeavesTheGrid();
+
+private:
+    TelemetryGridView& View(int index) { return *m_views[static_cast<std::size_t>(index)]; }
+    QPoint Middle(int grid, int row, int column) {
+        return View(grid).visualRect(View(grid).model()->index(row - 1, column)).center();
+    }
+    // From wherever the mouse was left: a mouse that stays tells nobody.
+    void Hover(int grid, int row, int column) {
+        QTest::mouseMove(View(grid).viewport(), Middle(grid, row, column) + QPoint(1, 0));
+        QTest::mouseMove(View(grid).viewport(), Middle(grid, row, column));
+        QCoreApplication::processEvents();
+    }
+
+    std::unique_ptr<TelemetryRoom> m_room;
+    std::unique_ptr<TipCell> m_tipCell;
+    std::unique_ptr<QWidget> m_window;
+    std::array<TelemetryGridView*, 3> m_views{};
+};
+
+void TelemetryGridViewTest::init() {
+    m_room = std::make_unique<TelemetryRoom>();
+    m_tipCell = std::make_unique<TipCell>();
+    m_window = std::make_unique<QWidget>();
+    auto* row = new QHBoxLayout(m_window.get());
+    for (std::size_t i = 0; i < m_views.size(); ++i) {
+        m_views[i] = new TelemetryGridView(*m_room->grids[i], *m_tipCell);
+        row->addWidget(m_views[i], 0, Qt::AlignTop);
+    }
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+}
+
+void TelemetryGridViewTest::cleanup() {
+    m_window.reset();
+    m_tipCell.reset();
+    m_room.reset();
+}
+
+void TelemetryGridViewTest::namesHeadersAndHiddenColumns() {
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(View(i).objectName(), QStringLiteral("gTlm%1").arg(i));
+        QVERIFY(!View(i).accessibleName().isEmpty());
+        for (int column = 0; column < TelemetryGrid::Columns; ++column)
+            QCOMPARE(View(i).isColumnHidden(column), column >= TelemetryGrid::LabelA);
+        QCOMPARE(View(i).horizontalHeader()->count(), 5);
+    }
+    QCOMPARE(View(2).model()->headerData(0, Qt::Horizontal).toString(), QStringLiteral("TEMPS"));
+    QCOMPARE(View(2).model()->index(8, 0).data().toString(), QStringLiteral("Xmtr"));
+}
+
+void TelemetryGridViewTest::wholeGridIsInViewAtItsOwnSize() {
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(View(i).verticalScrollBar()->maximum(), 0);
+        QCOMPARE(View(i).horizontalScrollBar()->maximum(), 0);
+        const QRect last = View(i).visualRect(View(i).model()->index(View(i).model()->rowCount() - 1, 2));
+        QVERIFY(View(i).viewport()->rect().contains(last));
+    }
+}
+
+void TelemetryGridViewTest::valuesOfAFrameAreShownRounded() {
+    m_room->Store({"A", "3", "POWER", "8V Reg", "0", "0", "0.1", "0.055"});
+    m_room->Receive("XQ9ZZ", "T#001,10,20,30,40,0,0,00110000,0\r");
+    m_room->Receive("QIRAN", "T#002,1.6,2,3,4,0,0,00000000,0\r");
+    QCOMPARE(View(0).model()->index(3, 1).data().toString(), QStringLiteral("4.06"));
+    QCOMPARE(View(0).model()->index(0, 1).data().toString(), QStringLiteral("4010.00"));
+    QCOMPARE(View(1).model()->index(1, 2).data().toString(), QStringLiteral("11002"));
+    QCOMPARE(View(1).model()->index(1, 2).data(TelemetryGrid::FullText).toString(),
+             QStringLiteral("11001.6"));
+    m_room->Receive("XQ9ZZ", "T#003,12.34,-5.55,30,40,0,0,00010000,0\r");
+    m_room->Receive("XQ9ZZ", "T#004,-1012.25,20,30,40,0,0,00100000,0\r");
+    QCOMPARE(View(2).model()->index(2, 1).data().toString(), QStringLiteral("2012.3"));
+    Screenshots::Take(*m_window, QStringLiteral("gTlm"));
+}
+
+void TelemetryGridViewTest::hoveringTellsWhichFrameBroughtTheValue() {
+    m_room->Receive("XQ9ZZ", "T#123,10,20,30,40,0,0,00000000,0\r");
+    m_room->Receive("QIRAN", "T#124,10,20,30,40,0,0,00000000,0\r");
+    Hover(1, 1, 1);
+    QTRY_COMPARE(View(1).toolTip(), QStringLiteral("T#123  2002-Mar-05 14:07"));
+    Hover(1, 1, 2);
+    QTRY_COMPARE(View(1).toolTip(), QStringLiteral("T#124  2002-Mar-05 14:07"));
+    Hover(1, 7, 2); // never set
+    QTRY_COMPARE(View(1).toolTip(), QString());
+}
+
+void TelemetryGridViewTest::hoveringOverHeaderAndNamesTellsNothing() {
+    m_room->Receive("XQ9ZZ", "T#123,10,20,30,40,0,0,00000000,0\r");
+    Hover(1, 1, 1);
+    QTRY_VERIFY(!View(1).toolTip().isEmpty());
+    Hover(1, 1, 0);
+    QTRY_COMPARE(View(1).toolTip(), QString());
+    Hover(1, 1, 1);
+    QTRY_VERIFY(!View(1).toolTip().isEmpty());
+    QWidget* header = View(1).horizontalHeader()->viewport();
+    QTest::mouseMove(header, QPoint(header->width() / 2, header->height() / 2));
+    QTRY_COMPARE(View(1).toolTip(), QString());
+}
+
+void TelemetryGridViewTest::theRememberedCellIsSharedByTheGrids() {
+    m_room->Receive("XQ9ZZ", "T#123,10,20,30,40,0,0,00000000,0\r");
+    Hover(0, 1, 1); // a cell that was never set
+    Hover(1, 1, 1);
+    QCOMPARE(View(1).toolTip(), QString());
+    Hover(1, 1, 2);
+    Hover(1, 1, 1);
+    QTRY_COMPARE(View(1).toolTip(), QStringLiteral("T#123  2002-Mar-05 14:07"));
+}
+
+void TelemetryGridViewTest::tipFromTheAirIsNeverMarkup() {
+    m_room->Receive("XQ9ZZ",
+                    "<b>T</b><img src='x'>" + QByteArray(5000, 'x') + ",10,20,30,40,0,0,00000000,0\r");
+    Hover(1, 1, 1);
+    QTRY_VERIFY(View(1).toolTip().startsWith(u"<b>T</b><img"));
+    QHelpEvent event(QEvent::ToolTip, Middle(1, 1, 1), View(1).viewport()->mapToGlobal(Middle(1, 1, 1)));
+    QCoreApplication::sendEvent(View(1).viewport(), &event);
+    QTRY_VERIFY(QToolTip::isVisible());
+    QVERIFY(!QToolTip::text().contains(u"<img"));
+    QVERIFY(QToolTip::text().size() < 1000);
+    QToolTip::hideText();
+}
+
+void TelemetryGridViewTest::valueIsCopiedInFull() {
+    m_room->Receive("XQ9ZZ", "T#1,0.123456789,20,30,40,0,0,00000000,0\r");
+    QTest::mouseClick(View(1).viewport(), Qt::LeftButton, Qt::NoModifier, Middle(1, 1, 1));
+    QTest::keySequence(&View(1), QKeySequence::Copy);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1000.123456789"));
+}
+
+void TelemetryGridViewTest::severalCellsAreCopiedAsATable() {
+    m_room->Receive("XQ9ZZ", "T#1,1,2,3,4,0,0,00110000,0\r");
+    m_room->Receive("QIRAN", "T#1,1,2,3,4,0,0,00110000,0\r");
+    QTest::mouseClick(View(0).viewport(), Qt::LeftButton, Qt::NoModifier, Middle(0, 1, 1));
+    QTest::mouseClick(View(0).viewport(), Qt::LeftButton, Qt::ShiftModifier, Middle(0, 2, 2));
+    QTest::keySequence(&View(0), QKeySequence::Copy);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("4001\t14001\n4002\t14002"));
+}
+
+void TelemetryGridViewTest::nothingIsCopiedFromNothing() {
+    QGuiApplication::clipboard()->setText(QStringLiteral("kept"));
+    View(0).setFocus();
+    View(0).clearSelection();
+    QTest::keySequence(&View(0), QKeySequence::Copy);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("kept"));
+}
+
+void TelemetryGridViewTest::cellsCannotBeEdited() {
+    m_room->Receive("XQ9ZZ", "T#1,1,2,3,4,0,0,00110000,0\r");
+    QTest::mouseDClick(View(0).viewport(), Qt::LeftButton, Qt::NoModifier, Middle(0, 1, 1));
+    QTest::keyClicks(&View(0), QStringLiteral("5"));
+    QVERIFY(View(0).viewport()->findChildren<QWidget*>().isEmpty());
+    QCOMPARE(View(0).model()->index(0, 1).data().toString(), QStringLiteral("4001.00"));
+}
+
+void TelemetryGridViewTest::tabLeavesTheGrid() {
+    View(0).setFocus();
+    QTest::keyClick(&View(0), Qt::Key_Tab);
+    QTRY_VERIFY(View(1).hasFocus());
+}
+
+QTEST_MAIN(TelemetryGridViewTest)
+#include "TelemetryGridViewTest.moc"

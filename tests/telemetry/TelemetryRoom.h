@@ -1,0 +1,71 @@
+#pragma once
+
+#include "foundation/clsIni.h"
+#include "support/TestClock.h"
+#include "telemetry/FrameIntake.h"
+
+#include <QTemporaryDir>
+
+#include <utility>
+#include <vector>
+
+/// Everything between a frame and the grids, with the default callsigns and a formula y = x + 1000 · (frame
+/// type + 1)
+/// + 10000 · side for every cell, so that a value tells which formula made it.
+struct TelemetryRoom {
+    QTemporaryDir folder;
+    clsIni ini{folder.filePath(QStringLiteral("QiranDecode.INI"))};
+    TestClock clock{DateOf(2002, 3, 5) + 14.0 / 24.0 + 7.0 / minutesPerDay + 9.0 / secondsPerDay};
+    std::function<DateTime()> displayTime = [this] { return FromCalendar(clock.Utc()); };
+    TelemetryGrids grids = MakeTelemetryGrids();
+    ChannelMap map;
+    FormulaTable formulae;
+    CallsignList callsigns{ini};
+    TelemetryDecoder decoder{map, formulae, grids, callsigns, displayTime};
+    MonitorText monitor;
+    FrameIntake intake{callsigns, decoder, monitor, displayTime};
+    std::vector<std::pair<QByteArray, qint16>> terminal; // what ShowData was given
+
+    TelemetryRoom() {
+        map.BuildChannelMap();
+        callsigns.LoadCallsigns();
+        for (const auto& grid : grids)
+            for (int side = 0; side < 2; ++side)
+                for (int type = 0; type < 4; ++type)
+                    for (int row = 1; row <= grid->Rows(); ++row)
+                        Store({side == 0 ? "A" : "B", QByteArray::number(type), grid->Tag().toByteArray(),
+                               grid->TextMatrix(row, 0).toLatin1(), "0", "0", "1",
+                               QByteArray::number(1000 * (type + 1) + 10000 * side)});
+        intake.SetTerminal(
+            [this](QByteArrayView text, qint16 kind) { terminal.emplace_back(text.toByteArray(), kind); });
+    }
+
+    FormulaTable::Store Store(const std::array<QByteArray, FormulaTable::fieldsInLine>& texts) {
+        FormulaTable::Fields fields;
+        std::copy(texts.begin(), texts.end(), fields.begin());
+        return formulae.StoreFormulaLine(fields, grids);
+    }
+
+    /// The text of a grid cell, by names as the user knows them.
+    QString Cell(int grid, const char* row, int column) const {
+        const TelemetryGrid& model = *grids[static_cast<std::size_t>(grid)];
+        return model.TextMatrix(model.FindRow(QByteArray(row).toUpper()), column);
+    }
+
+    /// Every cell of the value and label columns that holds a text.
+    int FilledCells() const {
+        int filled = 0;
+        for (const auto& grid : grids)
+            for (int row = 1; row <= grid->Rows(); ++row)
+                for (int column = 1; column < TelemetryGrid::Columns; ++column)
+                    filled += grid->TextMatrix(row, column).isEmpty() ? 0 : 1;
+        return filled;
+    }
+
+    /// A frame as the packet engine hands it over.
+    void Receive(const QByteArray& source, const QByteArray& information) {
+        const QByteArray data =
+            " 1:Fm " + source + " To APRS Via WIDE2-2 <UI pid=F0 Len=42 PF=0 >[00:16:57]\r" + information;
+        intake.FrameReceived({1, source, "APRS", data});
+    }
+};
