@@ -31,6 +31,7 @@ protected:
         QStyledItemDelegate::initStyleOption(option, index);
         option->backgroundBrush = option->palette.button();
         option->palette.setBrush(QPalette::Text, option->palette.buttonText());
+        option->state.setFlag(QStyle::State_MouseOver, false);
     }
 };
 
@@ -75,6 +76,7 @@ TelemetryGridView::TelemetryGridView(TelemetryGrid& grid, TipCell& tipCell, QWid
     connect(copy, &QAction::triggered, this, &TelemetryGridView::CopySelection);
     addAction(copy);
     setContextMenuPolicy(Qt::ActionsContextMenu);
+    selectionModel()->setCurrentIndex(grid.index(0, TelemetryGrid::ValueA), QItemSelectionModel::NoUpdate);
     FitCells();
 }
 
