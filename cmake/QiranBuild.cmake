@@ -47,12 +47,16 @@ function(qiran_floor NAME)
     endif()
 endfunction()
 
-# qiran_tests(FLOOR [PLAIN files...] [QT files...] [WINDOWS files...] [LINKS targets...])
+# qiran_tests(FLOOR [PLAIN files...] [QT files...] [WINDOWS files...] [LINKS targets...] [LABEL label])
 #
 # One test program per file, named after it: PLAIN ones use GoogleTest and no Qt, QT ones Qt Test over the floor's
-# logic, WINDOWS ones Qt Test over its windows, on the offscreen platform. The floor's name is their label.
+# logic, WINDOWS ones Qt Test over its windows, on the offscreen platform. The floor's name is their label
+# unless another one is given.
 function(qiran_tests FLOOR)
-    cmake_parse_arguments(PARSE_ARGV 1 TESTS "" "" "PLAIN;QT;WINDOWS;LINKS")
+    cmake_parse_arguments(PARSE_ARGV 1 TESTS "" "LABEL" "PLAIN;QT;WINDOWS;LINKS")
+    if(NOT TESTS_LABEL)
+        set(TESTS_LABEL ${FLOOR})
+    endif()
     foreach(file IN LISTS TESTS_PLAIN TESTS_QT TESTS_WINDOWS)
         cmake_path(GET file STEM name)
         add_executable(${name} ${file})
@@ -68,7 +72,7 @@ function(qiran_tests FLOOR)
         add_test(NAME ${name} COMMAND ${name})
         set_tests_properties(
             ${name} PROPERTIES
-            LABELS "${FLOOR}" TIMEOUT 300
+            LABELS "${TESTS_LABEL}" TIMEOUT 300
             ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;QTEST_FUNCTION_TIMEOUT=240000"
         )
     endforeach()
