@@ -1,0 +1,197 @@
+#include "orbit/frmPass.h"
+
+#include "orbit/FakeLibrary.h"
+#include "support/Screenshots.h"
+#include "support/TemporaryProgramFolder.h"
+#include "support/TestClock.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QPlainTextEdit>
+#include <QPrinter>
+#include <QProcess>
+#include <QPushButton>
+#include <QScreen>
+#include <QTest>
+
+namespace {
+
+std::string Passes(int count) {
+    std::string list;
+    for (int i = 0; i < count; ++i) {
+        if (i > 0)
+            list += ',';
+        list += FormatDateTime(DateOf(2026, 11, 21) + 0.6 + i * 0.11, u"(yyyymmddhhnnss").toStdString() +
+                " 10 20 " + std::to_string(i % 90) + " 754)";
+    }
+    return list;
+}
+
+struct Fixture {
+    TemporaryProgramFolder folder;
+    clsIni ini{folder.IniFile()};
+    TestClock clock{DateOf(2026, 11, 21) + 0.5};
+    FakeLibrary* library = new FakeLibrary;
+    clsSats sats{std::unique_ptr<OrbitLibrary>(library), clock};
+    TrackedSatellites satellites;
+
+    explicit Fixture(int passes = 20) {
+        satellites.LoadSettings(ini);
+        library->passes = Passes(passes);
+        library->position = [](const std::string&, double utc) {
+            return LibraryPosition{.azimuth = std::fmod(utc * 1000, 360) * radian};
+        };
+    }
+    QString Table() const { return sats.strPassInfo(satellites.Selected().strObjNum); }
+};
+
+QString TextOfPdf(const QString& path) {
+    QProcess pdftotext;
+    pdftotext.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), path, QStringLiteral("-")});
+    return pdftotext.waitForFinished() ? QString::fromUtf8(pdftotext.readAllStandardOutput()) : QString();
+}
+
+// The pages of the PDF that the window prints.
+QStringList PrintedPages(Fixture& f) {
+    const QString path = f.folder.File(QStringLiteral("out.pdf"));
+    frmPass window(f.sats, f.satellites, nullptr, [&](QPrinter& printer, QWidget*) {
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(path);
+        return true;
+    });
+    window.show();
+    QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdPrint")), Qt::LeftButton);
+    return TextOfPdf(path).split(u'\f', Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+class frmPassTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void showsTheTableOfTheSelectedSatellite();
+    void failedTableOpensEmpty();
+    void standsInTheMiddleOfTheScreen();
+    void textCannotBeChanged();
+    void copyPutsTheTableOnTheClipboardForGood();
+    void printsCaptionAndTable();
+    void longTablesTakeMorePages();
+    void decliningPrintsNothing();
+    void escapeAndFinishedClose();
+    void aNewWindowStartsFresh();
+    void pictures();
+};
+
+void frmPassTest::showsTheTableOfTheSelectedSatellite() {
+    Fixture f;
+    f.satellites.Toggle();
+    const frmPass window(f.sats, f.satellites);
+    QCOMPARE(window.windowTitle(), QStringLiteral("ISS Pass Predictions"));
+    QVERIFY(window.isModal());
+    QCOMPARE(f.library->listCalls.back().object, std::string("25544"));
+    QCOMPARE(window.findChild<QPlainTextEdit*>(QStringLiteral("txtInfo"))->toPlainText(),
+             f.Table().replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    QVERIFY(QGuiApplication::overrideCursor() == nullptr);
+}
+
+void frmPassTest::failedTableOpensEmpty() {
+    Fixture f;
+    f.library->passes.reset();
+    const frmPass window(f.sats, f.satellites);
+    QCOMPARE(window.findChild<QPlainTextEdit*>(QStringLiteral("txtInfo"))->toPlainText(), QString());
+}
+
+void frmPassTest::standsInTheMiddleOfTheScreen() {
+    Fixture f;
+    frmPass window(f.sats, f.satellites);
+    window.show();
+    const QPoint centre = window.screen()->geometry().center();
+    QVERIFY((window.frameGeometry().center() - centre).manhattanLength() <= 40);
+}
+
+void frmPassTest::textCannotBeChanged() {
+    Fixture f;
+    frmPass window(f.sats, f.satellites);
+    window.show();
+    auto* txtInfo = window.findChild<QPlainTextEdit*>(QStringLiteral("txtInfo"));
+    const QString before = txtInfo->toPlainText();
+    QTest::keyClicks(txtInfo, QStringLiteral("hello"));
+    QTest::keyClick(txtInfo, Qt::Key_Delete);
+    QCOMPARE(txtInfo->toPlainText(), before);
+}
+
+void frmPassTest::copyPutsTheTableOnTheClipboardForGood() {
+    Fixture f;
+    {
+        frmPass window(f.sats, f.satellites);
+        window.show();
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdCopy")), Qt::LeftButton);
+    }
+    QCOMPARE(QGuiApplication::clipboard()->text(), f.Table());
+}
+
+void frmPassTest::printsCaptionAndTable() {
+    Fixture f;
+    const QStringList pages = PrintedPages(f);
+    QCOMPARE(pages.size(), 1);
+    QStringList printed;
+    for (const QString& line : pages.first().split(u'\n', Qt::SkipEmptyParts))
+        printed.append(line.simplified());
+    printed.removeAll(QString());
+    QStringList expected{QStringLiteral("QIRAN Pass Predictions")};
+    for (const QString& line : f.Table().split(QStringLiteral("\r\n"), Qt::SkipEmptyParts))
+        expected.append(line.simplified());
+    QCOMPARE(printed, expected);
+}
+
+void frmPassTest::longTablesTakeMorePages() {
+    Fixture f(200);
+    const QStringList pages = PrintedPages(f);
+    QVERIFY(pages.size() > 2);
+    QCOMPARE(pages.join(QString()).count(QStringLiteral("00:12:34")), 200);
+}
+
+void frmPassTest::decliningPrintsNothing() {
+    Fixture f;
+    const QString path = f.folder.File(QStringLiteral("out.pdf"));
+    frmPass window(f.sats, f.satellites, nullptr, [&](QPrinter& printer, QWidget*) {
+        printer.setOutputFileName(path);
+        return false;
+    });
+    window.show();
+    QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdPrint")), Qt::LeftButton);
+    QVERIFY(!QFile::exists(path));
+}
+
+void frmPassTest::escapeAndFinishedClose() {
+    Fixture f;
+    frmPass window(f.sats, f.satellites);
+    window.show();
+    auto* txtInfo = window.findChild<QPlainTextEdit*>(QStringLiteral("txtInfo"));
+    txtInfo->setFocus();
+    QTest::keyClick(txtInfo, Qt::Key_Escape);
+    QVERIFY(!window.isVisible());
+    window.show();
+    QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdFinished")), Qt::LeftButton);
+    QVERIFY(!window.isVisible());
+}
+
+void frmPassTest::aNewWindowStartsFresh() {
+    Fixture f;
+    const QString first =
+        frmPass(f.sats, f.satellites).findChild<QPlainTextEdit*>(QStringLiteral("txtInfo"))->toPlainText();
+    f.library->passes = Passes(2);
+    const QString second =
+        frmPass(f.sats, f.satellites).findChild<QPlainTextEdit*>(QStringLiteral("txtInfo"))->toPlainText();
+    QVERIFY(first != second);
+}
+
+void frmPassTest::pictures() {
+    Fixture f(18);
+    frmPass window(f.sats, f.satellites);
+    window.show();
+    Screenshots::Take(window, QStringLiteral("frmPass"));
+}
+
+QTEST_MAIN(frmPassTest)
+#include "frmPassTest.moc"
