@@ -8,7 +8,6 @@
 #include "station/FieldRules.h"
 #include "station/Station.h"
 
-#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -75,11 +74,12 @@ void frmLocation::Build() {
     labLocator->setAccessibleName(QStringLiteral("Locator"));
     form->addRow(QStringLiteral("Locator"), labLocator);
 
-    auto* buttons = new QDialogButtonBox(this);
-    auto* cmdOk = Named(new QPushButton(QStringLiteral("&OK")), QStringLiteral("cmdOk"));
-    auto* cmdCancel = Named(new QPushButton(QStringLiteral("&Cancel")), QStringLiteral("cmdCancel"));
-    buttons->addButton(cmdOk, QDialogButtonBox::AcceptRole);
-    buttons->addButton(cmdCancel, QDialogButtonBox::RejectRole);
+    auto* cmdOk = Named(new QPushButton(QStringLiteral("&OK"), this), QStringLiteral("cmdOk"));
+    auto* cmdCancel = Named(new QPushButton(QStringLiteral("&Cancel"), this), QStringLiteral("cmdCancel"));
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cmdOk);
+    buttons->addWidget(cmdCancel);
     cmdOk->setDefault(true);
     connect(cmdOk, &QPushButton::clicked, this, &frmLocation::Ok);
     connect(cmdCancel, &QPushButton::clicked, this, &frmLocation::reject);
@@ -87,7 +87,7 @@ void frmLocation::Build() {
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
-    layout->addWidget(buttons);
+    layout->addLayout(buttons);
     const QList<QWidget*> order{txtCallsign, txtLat, txtLong, txtComment, cmdOk, cmdCancel};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);

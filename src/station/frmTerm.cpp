@@ -63,7 +63,8 @@ frmTerm::frmTerm(clsIni& cIni, const mb& messages, const Station& station, Unpro
     , m_transmitter(station, link, messages, version, this)
     , m_log(cIni, clock, folder)
     , m_guard(this)
-    , m_placement(std::make_unique<clsWindowPos>()) {
+    , m_placement(std::make_unique<clsWindowPos>())
+    , m_timer1(this) {
     setObjectName(QStringLiteral("frmTerm"));
     setWindowTitle(QStringLiteral("Terminal"));
     Build();

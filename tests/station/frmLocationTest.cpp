@@ -1,0 +1,325 @@
+#include "station/frmLocation.h"
+
+#include "foundation/clsIni.h"
+#include "foundation/mb.h"
+#include "station/CloseBox.h"
+#include "station/Station.h"
+#include "support/RecordingPresenter.h"
+#include "support/Screenshots.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class frmLocationTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void itOpensWithWhatTheStationHas();
+    void aStationIsEnteredByKeysAlone();
+    void tabGoesThroughTheFieldsInOrder();
+    void everyFieldIsSelectedWhole();
+    void keysAreRaisedOrDropped();
+    void aFailingFieldKeepsTheFocusAndSpeaksOnce_data();
+    void aFailingFieldKeepsTheFocusAndSpeaksOnce();
+    void aClickOutOfAFailingFieldSpeaksOnce();
+    void okDoesNotGoThroughWithAFailingField();
+    void okFindsWhatWasWrongInTheFile();
+    void pastedLowerCaseIsRefused();
+    void cancelAndEscapeLeaveThroughAFailingField_data();
+    void cancelAndEscapeLeaveThroughAFailingField();
+    void theCloseBoxChangesNothing();
+    void anEmptiedLatitudeKeepsTheLocator();
+    void aCommentIsTrimmedAndMayHoldAccents();
+
+private:
+    QLineEdit* Field(const QString& name) const { return m_window->findChild<QLineEdit*>(name); }
+    QString Locator() const { return m_window->findChild<QLabel*>(u"labLocator"_s)->text(); }
+    static QString Focus() {
+        return QApplication::focusWidget() != nullptr ? QApplication::focusWidget()->objectName() : QString();
+    }
+    static void Type(const QString& keys) { QTest::keyClicks(QApplication::focusWidget(), keys); }
+    static void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+    }
+    static void Paste(const QString& text) {
+        QApplication::clipboard()->setText(text);
+        Press(Qt::Key_V, Qt::ControlModifier);
+    }
+    void Open() {
+        m_window = std::make_unique<frmLocation>(*m_station, m_messages);
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        QTRY_COMPARE(Focus(), u"txtCallsign"_s);
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<clsIni> m_ini;
+    std::unique_ptr<Station> m_station;
+    RecordingPresenter m_presenter;
+    mb m_messages{m_presenter};
+    std::unique_ptr<frmLocation> m_window;
+};
+
+void frmLocationTest::init() {
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_ini = std::make_unique<clsIni>(m_folder->filePath(u"x.INI"_s));
+    m_station = std::make_unique<Station>(*m_ini);
+    m_presenter.messages.clear();
+}
+
+void frmLocationTest::cleanup() {
+    m_window.reset();
+}
+
+void frmLocationTest::itOpensWithWhatTheStationHas() {
+    m_station->setStrCallsign(u"XQ9ZZ-1"_s);
+    m_station->setStrLat(u"5130.00N"_s);
+    m_station->setStrLong(u"00030.00W"_s);
+    m_station->setStrComment(u"hello"_s);
+    Open();
+    QCOMPARE(m_window->windowTitle(), u"Station Information"_s);
+    QCOMPARE(Field(u"txtCallsign"_s)->text(), u"XQ9ZZ-1"_s);
+    QCOMPARE(Field(u"txtLat"_s)->text(), u"51.30.00N"_s);
+    QCOMPARE(Field(u"txtLong"_s)->text(), u"000.30.00W"_s);
+    QCOMPARE(Field(u"txtComment"_s)->text(), u"hello"_s);
+    QCOMPARE(Locator(), u"IO91SM"_s);
+    QVERIFY(m_presenter.messages.isEmpty());
+    Screenshots::Take(*m_window, u"frmLocation"_s);
+}
+
+void frmLocationTest::aStationIsEnteredByKeysAlone() {
+    Open();
+    QSignalSpy finished(m_window.get(), &QDialog::accepted);
+    Type(u"xq9zz-1"_s);
+    Press(Qt::Key_Tab);
+    Type(u"51.30n"_s);
+    Press(Qt::Key_Tab);
+    QCOMPARE(Field(u"txtLat"_s)->text(), u"51.30.00N"_s);
+    QCOMPARE(Locator(), QString());
+    Type(u"0.30w"_s);
+    Press(Qt::Key_Tab);
+    QCOMPARE(Field(u"txtLong"_s)->text(), u"000.30.00W"_s);
+    QCOMPARE(Locator(), u"IO91SM"_s);
+    Type(u" near the river "_s);
+    QCOMPARE(m_station->strCallsign(), QString());
+    Press(Qt::Key_Tab);
+    QCOMPARE(Focus(), u"cmdOk"_s);
+    Press(Qt::Key_Space);
+    QCOMPARE(finished.count(), 1);
+    QVERIFY(!m_window->isVisible());
+    QCOMPARE(m_station->strCallsign(), u"XQ9ZZ-1"_s);
+    QCOMPARE(m_station->strLat(), u"5130.00N"_s);
+    QCOMPARE(m_station->strLong(), u"00030.00W"_s);
+    QCOMPARE(m_station->strComment(), u"near the river"_s);
+    QCOMPARE(m_station->strLoc(), u"IO91SM"_s);
+    QCOMPARE(
+        m_ini->LoadAllKeysInSection(u"SETUP"_s)[0],
+        (QStringList{QString(), u"LATITUDE"_s, u"LONGITUDE"_s, u"CALLSIGN"_s, u"COMMENT"_s, u"LOCATOR"_s}));
+    QVERIFY(m_presenter.messages.isEmpty());
+}
+
+void frmLocationTest::tabGoesThroughTheFieldsInOrder() {
+    Open();
+    for (const QString& next :
+         {u"txtLat"_s, u"txtLong"_s, u"txtComment"_s, u"cmdOk"_s, u"cmdCancel"_s, u"txtCallsign"_s}) {
+        Press(Qt::Key_Tab);
+        QCOMPARE(Focus(), next);
+    }
+    Press(Qt::Key_N, Qt::AltModifier);
+    QCOMPARE(Focus(), u"txtLong"_s);
+}
+
+void frmLocationTest::everyFieldIsSelectedWhole() {
+    m_station->setStrCallsign(u"XQ9ZZ-1"_s);
+    m_station->setStrLat(u"5130.00N"_s);
+    m_station->setStrLong(u"00030.00W"_s);
+    m_station->setStrComment(u"hello"_s);
+    Open();
+    for (const QString& name : {u"txtCallsign"_s, u"txtLat"_s, u"txtLong"_s, u"txtComment"_s}) {
+        QCOMPARE(Field(name)->selectedText(), Field(name)->text());
+        Press(Qt::Key_Tab);
+    }
+}
+
+void frmLocationTest::keysAreRaisedOrDropped() {
+    Open();
+    Type(u"a1-!/,. b"_s);
+    QCOMPARE(Field(u"txtCallsign"_s)->text(), u"A1-B"_s);
+    Press(Qt::Key_Backspace);
+    QCOMPARE(Field(u"txtCallsign"_s)->text(), u"A1-"_s);
+    Press(Qt::Key_A, Qt::ControlModifier);
+    Type(u"B1"_s);
+    Press(Qt::Key_Tab);
+    Type(u"5a.* ,-:x"_s);
+    QCOMPARE(Field(u"txtLat"_s)->text(), u"5A. X"_s);
+}
+
+void frmLocationTest::aFailingFieldKeepsTheFocusAndSpeaksOnce_data() {
+    QTest::addColumn<int>("tabs"); // to the field
+    QTest::addColumn<QString>("keys");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<int>("style");
+    const QString callsign = u"That is not a valid callsign."_s;
+    const QString latitude = u"I can't make that into a valid latitude."_s;
+    const QString longitude = u"I can't make that into a valid longitude."_s;
+    QTest::newRow("callsign too long") << 0 << "ABCDEFG" << callsign << 16;
+    QTest::newRow("empty SSID") << 0 << "XQ9ZZ-" << callsign << 16;
+    QTest::newRow("latitude beyond the pole") << 1 << "90.00.01N" << latitude << 48;
+    QTest::newRow("latitude without letter") << 1 << "51.30.00" << latitude << 48;
+    QTest::newRow("blank before the point") << 1 << "51 30N" << latitude << 48;
+    QTest::newRow("longitude beyond the date line") << 2 << "181W" << longitude << 48;
+}
+
+void frmLocationTest::aFailingFieldKeepsTheFocusAndSpeaksOnce() {
+    QFETCH(const int, tabs);
+    QFETCH(const QString, keys);
+    QFETCH(const QString, message);
+    Open();
+    for (int i = 0; i < tabs; ++i)
+        Press(Qt::Key_Tab);
+    const QString field = Focus();
+    Type(keys);
+    for (int attempt = 1; attempt <= 2; ++attempt) {
+        if (attempt == 1)
+            Press(Qt::Key_Tab);
+        else
+            Press(Qt::Key_M, Qt::AltModifier); // the access key of the comment
+        QCoreApplication::processEvents();
+        QCOMPARE(m_presenter.messages.size(), attempt);
+        QCOMPARE(m_presenter.messages.last().text, message);
+        QCOMPARE(m_presenter.messages.last().owner, m_window.get());
+        QTEST(static_cast<int>(m_presenter.messages.last().style), "style");
+        QCOMPARE(Focus(), field);
+        QCOMPARE(Field(field)->text(), keys);
+    }
+}
+
+void frmLocationTest::aClickOutOfAFailingFieldSpeaksOnce() {
+    Open();
+    Type(u"ABCDEFG"_s);
+    QTest::mouseClick(Field(u"txtLat"_s), Qt::LeftButton);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_presenter.messages.size(), 1);
+    QCOMPARE(Focus(), u"txtCallsign"_s);
+    QTest::mouseClick(m_window->findChild<QPushButton*>(u"cmdOk"_s), Qt::LeftButton);
+    QCoreApplication::processEvents();
+    QCOMPARE(m_presenter.messages.size(), 2);
+    QVERIFY(m_window->isVisible());
+}
+
+void frmLocationTest::okDoesNotGoThroughWithAFailingField() {
+    Open();
+    Press(Qt::Key_Tab);
+    Type(u"91N"_s);
+    Press(Qt::Key_Return);
+    QCOMPARE(m_presenter.messages.size(), 1);
+    QVERIFY(m_window->isVisible());
+    QCOMPARE(Focus(), u"txtLat"_s);
+    Press(Qt::Key_O, Qt::AltModifier);
+    QTest::qWait(200); // a button pressed by its access key acts when it comes up again
+    QCOMPARE(m_presenter.messages.size(), 2);
+    QVERIFY(m_window->isVisible());
+    QCOMPARE(m_ini->LoadAllKeysInSection(u"SETUP"_s)[0].size(), 1);
+    Press(Qt::Key_A, Qt::ControlModifier);
+    Type(u"45.5s"_s); // still in the field when Enter is pressed
+    Press(Qt::Key_Return);
+    QVERIFY(!m_window->isVisible());
+    QCOMPARE(m_station->strLat(), u"4505.00S"_s);
+}
+
+void frmLocationTest::okFindsWhatWasWrongInTheFile() {
+    m_station->setStrLong(u"99999.99E"_s);
+    Open();
+    Press(Qt::Key_Return);
+    QCOMPARE(m_presenter.Texts(), QStringList{u"I can't make that into a valid longitude."_s});
+    QVERIFY(m_window->isVisible());
+    QCOMPARE(Focus(), u"txtLong"_s);
+}
+
+void frmLocationTest::pastedLowerCaseIsRefused() {
+    Open();
+    Paste(u"xq9zz"_s);
+    QCOMPARE(Field(u"txtCallsign"_s)->text(), u"xq9zz"_s);
+    Press(Qt::Key_Tab);
+    QCOMPARE(m_presenter.Texts(), QStringList{u"That is not a valid callsign."_s});
+    QCOMPARE(Focus(), u"txtCallsign"_s);
+    Press(Qt::Key_A, Qt::ControlModifier);
+    Press(Qt::Key_Delete);
+    Press(Qt::Key_Tab);
+    Paste(u"51.30.00n"_s);
+    Press(Qt::Key_Tab);
+    QCOMPARE(m_presenter.messages.size(), 2);
+    QCOMPARE(m_presenter.messages.last().text, u"I can't make that into a valid latitude."_s);
+}
+
+void frmLocationTest::cancelAndEscapeLeaveThroughAFailingField_data() {
+    QTest::addColumn<int>("way");
+    QTest::newRow("Escape") << 0;
+    QTest::newRow("Alt+C") << 1;
+    QTest::newRow("click on Cancel") << 2;
+}
+
+void frmLocationTest::cancelAndEscapeLeaveThroughAFailingField() {
+    QFETCH(const int, way);
+    m_station->setStrCallsign(u"XQ9ZZ"_s);
+    Open();
+    Type(u"ABCDEFG"_s);
+    if (way == 0)
+        Press(Qt::Key_Escape);
+    else if (way == 1)
+        Press(Qt::Key_C, Qt::AltModifier);
+    else
+        QTest::mouseClick(m_window->findChild<QPushButton*>(u"cmdCancel"_s), Qt::LeftButton);
+    QTRY_VERIFY(!m_window->isVisible());
+    QVERIFY(m_presenter.messages.isEmpty());
+    QCOMPARE(m_window->result(), static_cast<int>(QDialog::Rejected));
+    QCOMPARE(m_station->strCallsign(), u"XQ9ZZ"_s);
+}
+
+void frmLocationTest::theCloseBoxChangesNothing() {
+    Open();
+    Type(u"ABCDEFG"_s);
+    PressCloseBox(*m_window);
+    QVERIFY(!m_window->isVisible());
+    QCOMPARE(m_presenter.messages.size(), 1);
+    QCOMPARE(m_station->strCallsign(), QString());
+}
+
+void frmLocationTest::anEmptiedLatitudeKeepsTheLocator() {
+    m_station->setStrLat(u"5130.00N"_s);
+    m_station->setStrLong(u"00030.00W"_s);
+    Open();
+    Press(Qt::Key_Tab);
+    Press(Qt::Key_Delete);
+    Press(Qt::Key_Tab);
+    QCOMPARE(Focus(), u"txtLong"_s);
+    QCOMPARE(Locator(), u"IO91SM"_s);
+    QVERIFY(m_presenter.messages.isEmpty());
+    Press(Qt::Key_Return);
+    QCOMPARE(m_station->strLat(), QString());
+    QCOMPARE(m_station->strLoc(), u"IO91SM"_s);
+}
+
+void frmLocationTest::aCommentIsTrimmedAndMayHoldAccents() {
+    Open();
+    Press(Qt::Key_M, Qt::AltModifier);
+    Paste(QStringLiteral(u"  Gr\u00fc\u00dfe f\u00fcr 5 \u20ac  "));
+    Press(Qt::Key_Return);
+    QVERIFY(!m_window->isVisible());
+    QCOMPARE(m_station->strComment(), QStringLiteral(u"Gr\u00fc\u00dfe f\u00fcr 5 \u20ac"));
+    Station again(*m_ini);
+    again.Load();
+    QCOMPARE(again.strComment(), m_station->strComment());
+}
+
+QTEST_MAIN(frmLocationTest)
+#include "frmLocationTest.moc"
