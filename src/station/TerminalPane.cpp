@@ -35,10 +35,6 @@ TerminalPane::TerminalPane(QWidget* parent)
     colours.setColor(QPalette::HighlightedText, Qt::black);
     setPalette(colours);
 
-    QTextCursor caret = textCursor();
-    caret.setKeepPositionOnInsert(true); // new text does not widen what the user has selected
-    setTextCursor(caret);
-
     m_refresh.setSingleShot(true);
     connect(&m_refresh, &QTimer::timeout, this, &TerminalPane::Refresh);
 }
@@ -83,6 +79,10 @@ void TerminalPane::Apply(const TerminalText::Change& change) {
     else
         editor.setPosition(static_cast<int>(change.cut), QTextCursor::KeepAnchor);
     editor.removeSelectedText();
+    QTextCursor selection = textCursor();
+    const int anchor = selection.anchor();
+    const int position = selection.position();
+
     editor.movePosition(QTextCursor::End);
     qsizetype at = 0;
     for (const TerminalText::Run& run : change.runs) {
@@ -92,4 +92,9 @@ void TerminalPane::Apply(const TerminalText::Change& change) {
         at += run.length;
     }
     editor.endEditBlock();
+
+    // New text does not widen what the user has selected up to the end.
+    selection.setPosition(anchor);
+    selection.setPosition(position, QTextCursor::KeepAnchor);
+    setTextCursor(selection);
 }

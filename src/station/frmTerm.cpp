@@ -47,6 +47,8 @@ QLineEdit* Field(const QString& name, int characters) {
 QLabel* LabelOf(QWidget* buddy, const QString& text) {
     auto* label = new QLabel(text);
     label->setBuddy(buddy);
+    label->setContentsMargins(0, 0, 3,
+                              0); // the underlined letter is drawn apart and takes a little more room
     return label;
 }
 
@@ -70,9 +72,11 @@ frmTerm::frmTerm(clsIni& cIni, const mb& messages, const Station& station, Unpro
     Build();
     BuildMenu();
     SetRules();
+    LoadFont();
+    const QFontMetrics metrics = rtbMon->fontMetrics();
+    resize(metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines);
 
     m_placement->Init(this, QStringLiteral("TERMINAL"), &m_cIni);
-    LoadFont();
     m_log.Load();
     mnuLogAllData->setChecked(m_log.IsLogging());
     LoadFields();
@@ -114,9 +118,6 @@ void frmTerm::Build() {
     layout->addWidget(LabelOf(txtTx, QStringLiteral("T&ransmit")));
     layout->addWidget(txtTx);
     setCentralWidget(inside);
-    const QFontMetrics metrics(FixedFont());
-    resize(metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines);
-
     const QList<QWidget*> order{txtTo, txtVia, txtPort, cmdAprs, cmdLoc, rtbMon, txtTx};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);

@@ -290,7 +290,7 @@ void frmLocationTest::theCloseBoxChangesNothing() {
     Type(u"ABCDEFG"_s);
     PressCloseBox(*m_window);
     QVERIFY(!m_window->isVisible());
-    QCOMPARE(m_presenter.messages.size(), 1);
+    QVERIFY(m_presenter.messages.isEmpty());
     QCOMPARE(m_station->strCallsign(), QString());
 }
 
