@@ -41,12 +41,15 @@ public:
         }
         const GeoPoint from = *m_last;
         m_last = to;
-        // Where the line crosses the edges of the tiles into which the map repeats.
+        // Where the line crosses the edges of the tiles into which the map repeats, in order along it.
         std::array<double, 6> cuts{};
         std::size_t count = 0;
         const auto cutAt = [&](double edge, double a, double b) {
-            if ((a < edge && b > edge) || (a > edge && b < edge))
-                cuts[count++] = (edge - a) / (b - a);
+            if (!((a < edge && b > edge) || (a > edge && b < edge)))
+                return;
+            cuts[count] = (edge - a) / (b - a);
+            for (std::size_t i = count++; i > 0 && cuts[i - 1] > cuts[i]; --i)
+                std::swap(cuts[i - 1], cuts[i]);
         };
         const auto cutAtMeridian = [&](double meridian) {
             const double low = std::min(from.longitude, to.longitude);
@@ -59,7 +62,6 @@ public:
             cutAtMeridian(0.0); // beyond a pole this is longitude 180
         cutAt(90.0, from.latitude, to.latitude);
         cutAt(-90.0, from.latitude, to.latitude);
-        std::sort(cuts.begin(), cuts.begin() + static_cast<std::ptrdiff_t>(count));
         double done = 0.0;
         for (std::size_t i = 0; i <= count; ++i) {
             const double next = i < count ? cuts[i] : 1.0;

@@ -16,6 +16,7 @@ constexpr int margin = 6;
 TimeBox::TimeBox(QWidget* parent)
     : QWidget(parent) {
     setCursor(Qt::SizeAllCursor);
+    parent->installEventFilter(this);
     FitText();
 }
 
@@ -31,16 +32,19 @@ void TimeBox::SetText(const QString& text) {
 void TimeBox::FitText() {
     const QFontMetrics metrics(font());
     resize(metrics.horizontalAdvance(m_text) + margin, metrics.height() + margin);
-    StayInside();
+    Settle();
 }
 
-void TimeBox::MoveToBottom() {
+// At the bottom in the middle, or where the user has put it as far as that lies on the map.
+void TimeBox::Settle() {
     const QWidget& map = *parentWidget();
-    MoveInside(QPoint((map.width() - width()) / 2, map.height() - height() - margin));
+    MoveInside(m_dragged ? pos() : QPoint((map.width() - width()) / 2, map.height() - height() - margin));
 }
 
-void TimeBox::StayInside() {
-    MoveInside(pos());
+bool TimeBox::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == parentWidget() && event->type() == QEvent::Resize)
+        Settle();
+    return QWidget::eventFilter(watched, event);
 }
 
 void TimeBox::MoveInside(const QPoint& place) {
@@ -66,8 +70,10 @@ void TimeBox::mousePressEvent(QMouseEvent* event) {
 }
 
 void TimeBox::mouseMoveEvent(QMouseEvent* event) {
-    if ((event->buttons() & Qt::LeftButton) != 0)
-        MoveInside(mapToParent(event->position().toPoint() - m_grip));
+    if ((event->buttons() & Qt::LeftButton) == 0)
+        return;
+    m_dragged = true;
+    MoveInside(mapToParent(event->position().toPoint() - m_grip));
 }
 
 void TimeBox::changeEvent(QEvent* event) {

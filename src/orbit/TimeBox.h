@@ -3,7 +3,8 @@
 #include <QPoint>
 #include <QWidget>
 
-/// The box on the map that shows the time. The user drags it with the left button; it stays on its parent.
+/// The box that shows the time at the bottom of the map, its parent, until the user drags it elsewhere on it
+/// with the left button.
 class TimeBox : public QWidget {
     Q_OBJECT
 public:
@@ -12,11 +13,7 @@ public:
     void SetText(const QString& text);
     const QString& Text() const { return m_text; }
 
-    /// Moves to the bottom of the parent, in the middle.
-    void MoveToBottom();
-
-    /// Moves back onto the parent, which has become smaller.
-    void StayInside();
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -26,8 +23,10 @@ protected:
 
 private:
     void FitText();
+    void Settle();
     void MoveInside(const QPoint& place);
 
     QString m_text;
     QPoint m_grip; // where the user holds it
+    bool m_dragged = false;
 };

@@ -60,7 +60,6 @@ frmMap::frmMap(const clsSats& cSats, const TrackedSatellites& satellites, clsIni
     RestorePosition();
     ShowCaption();
     Tick();
-    picTime->MoveToBottom();
     connect(Timer1, &QTimer::timeout, this, &frmMap::Tick);
     FollowClock();
 }
@@ -197,11 +196,6 @@ void frmMap::contextMenuEvent(QContextMenuEvent* event) {
 void frmMap::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::RightButton)
         mnuSpeed->popup(event->globalPosition().toPoint());
-}
-
-void frmMap::resizeEvent(QResizeEvent* event) {
-    QWidget::resizeEvent(event);
-    picTime->StayInside();
 }
 
 void frmMap::keyPressEvent(QKeyEvent* event) {

@@ -273,7 +273,11 @@ void frmMapTest::menuHasItsAccessKeys() {
 void frmMapTest::timeBoxIsDraggedAndStaysOnTheMap() {
     const Fixture f;
     TimeBox* box = f.Time();
-    QVERIFY(box->y() > f.Picture()->height() / 2); // at the bottom
+    for (const QSize size : {QSize(500, 250), QSize(640, 320)}) { // at the bottom, however large the map
+        f.map->resize(size);
+        QTRY_COMPARE(f.Picture()->size(), size);
+        QCOMPARE(box->geometry().bottom(), f.Picture()->height() - 7);
+    }
     const QPoint before = box->pos();
     QTest::mousePress(box, Qt::LeftButton, {}, QPoint(5, 5));
     QTest::mouseMove(box, QPoint(-45, -95));
