@@ -47,8 +47,9 @@ QLineEdit* Field(const QString& name, int characters) {
 QLabel* LabelOf(QWidget* buddy, const QString& text) {
     auto* label = new QLabel(text);
     label->setBuddy(buddy);
-    label->setContentsMargins(0, 0, 3,
-                              0); // the underlined letter is drawn apart and takes a little more room
+    QFont font = label->font();
+    font.setKerning(false); // the underlined letter is drawn apart: "To" would lose half of its "o"
+    label->setFont(font);
     return label;
 }
 
