@@ -98,3 +98,13 @@ function(qiran_fuzz NAME)
     math(EXPR patience "${QIRAN_FUZZ_SECONDS} + 120")
     set_tests_properties(${NAME} PROPERTIES LABELS fuzz TIMEOUT ${patience} ENVIRONMENT "ASAN_OPTIONS=quarantine_size_mb=16")
 endfunction()
+
+# qiran_plain_library(NAME files...)
+#
+# A library on the standard library alone. Optimised in every build: its tests take millions of its steps.
+function(qiran_plain_library NAME)
+    add_library(${NAME} STATIC ${ARGN})
+    set_target_properties(${NAME} PROPERTIES AUTOMOC OFF)
+    target_link_libraries(${NAME} PUBLIC qiran_flags)
+    target_compile_options(${NAME} PRIVATE $<$<CONFIG:Debug>:-O2>)
+endfunction()

@@ -1,0 +1,154 @@
+#include "orbit/math/PathPiece.h"
+
+#include <algorithm>
+
+namespace orbitmath {
+
+namespace {
+
+/// One step of de Casteljau's scheme after another: the value at x of the polynomial with these coefficients.
+template <typename T, std::size_t N>
+T Value(std::array<T, N> c, double x) {
+    for (std::size_t last = N - 1; last > 0; --last) {
+        for (std::size_t k = 0; k < last; ++k)
+            c[k] = c[k] + x * (c[k + 1] - c[k]);
+    }
+    return c[0];
+}
+
+/// The coefficients of the derivative with respect to x.
+template <typename T, std::size_t N>
+std::array<T, N - 1> Derivative(const std::array<T, N>& c) {
+    std::array<T, N - 1> d;
+    for (std::size_t k = 0; k + 1 < N; ++k)
+        d[k] = static_cast<double>(N - 1) * (c[k + 1] - c[k]);
+    return d;
+}
+
+using Quartic = std::array<double, 5>;
+
+int SignChanges(const Quartic& c) {
+    int changes = 0;
+    for (std::size_t k = 0; k + 1 < c.size(); ++k)
+        changes += (c[k] > 0) != (c[k + 1] > 0) ? 1 : 0;
+    return changes;
+}
+
+/// The roots of a quartic between 0 and 1, in order, by halving until a part holds one.
+void FindRoots(const Quartic& c, double from, double length, int depth, PathPiece::Extrema& found) {
+    const int changes = SignChanges(c);
+    if (changes == 0 || found.count == found.times.size())
+        return;
+    constexpr int deepest = 24;
+    if (depth >= deepest) {
+        if ((c.front() > 0) != (c.back() > 0))
+            found.times.at(found.count++) = from + 0.5 * length;
+        return;
+    }
+    if (changes == 1) {
+        double low = 0;
+        double high = 1;
+        const bool rising = c.back() > 0;
+        for (int k = 0; k < deepest; ++k) {
+            const double middle = 0.5 * (low + high);
+            ((Value(c, middle) > 0) == rising ? high : low) = middle;
+        }
+        found.times.at(found.count++) = from + 0.5 * (low + high) * length;
+        return;
+    }
+    Quartic left{};
+    Quartic right = c;
+    for (std::size_t level = 0; level < c.size(); ++level) {
+        left[level] = right[0];
+        for (std::size_t k = 0; k + 1 < c.size() - level; ++k)
+            right[k] = 0.5 * (right[k] + right[k + 1]);
+    }
+    // What is left of the scheme, read backwards, is the right half.
+    FindRoots(left, from, 0.5 * length, depth + 1, found);
+    FindRoots(right, from + 0.5 * length, 0.5 * length, depth + 1, found);
+}
+
+} // namespace
+
+PathPiece::PathPiece(const PathPoint& from, const PathPoint& to)
+    : m_start(from.time)
+    , m_length(to.time - from.time) {
+    const double fifth = m_length / 5;
+    const double twentieth = m_length * m_length / 20;
+    m_points = {
+        from.position,
+        from.position + fifth * from.velocity,
+        from.position + 2 * fifth * from.velocity + twentieth * from.acceleration,
+        to.position - 2 * fifth * to.velocity + twentieth * to.acceleration,
+        to.position - fifth * to.velocity,
+        to.position,
+    };
+
+    // A function's sixth derivative D leaves the piece wrong by up to D (length/2)^6 / 720 in its middle, and
+    // its third derivative at the ends by D length^3 / 120: 1/384 of the length's cube lies between the two.
+    const double cube = m_length * m_length * m_length;
+    const auto third = [&](std::size_t k) {
+        return 60 * (m_points[k + 3].z - 3 * m_points[k + 2].z + 3 * m_points[k + 1].z - m_points[k].z) /
+               cube;
+    };
+    const double lacking = std::max(std::abs(third(0) - from.upJerk), std::abs(third(2) - to.upJerk));
+    constexpr double margin = 4;
+    constexpr double modelError = 0.05; // km: what the acceleration leaves out
+    m_error = margin * lacking * cube / 384 + modelError;
+}
+
+double PathPiece::Lowest() const {
+    double least = m_points[0].z;
+    for (const Vector3& point : m_points)
+        least = std::min(least, point.z);
+    return least;
+}
+
+double PathPiece::Highest() const {
+    double greatest = m_points[0].z;
+    for (const Vector3& point : m_points)
+        greatest = std::max(greatest, point.z);
+    return greatest;
+}
+
+PathPoint PathPiece::At(double time) const {
+    const double x = (time - m_start) / m_length;
+    const auto first = Derivative(m_points);
+    PathPoint point;
+    point.time = time;
+    point.position = Value(m_points, x);
+    point.velocity = 1 / m_length * Value(first, x);
+    point.acceleration = 1 / (m_length * m_length) * Value(Derivative(first), x);
+    return point;
+}
+
+double PathPiece::HeightAt(double time) const {
+    return Value(m_points, (time - m_start) / m_length).z;
+}
+
+PathPiece::Extrema PathPiece::HeightExtrema() const {
+    Quartic derivative{};
+    for (std::size_t k = 0; k < derivative.size(); ++k)
+        derivative[k] = m_points[k + 1].z - m_points[k].z;
+    Extrema found;
+    FindRoots(derivative, 0, 1, 0, found);
+    for (std::size_t k = 0; k < found.count; ++k)
+        found.times.at(k) = m_start + found.times.at(k) * m_length;
+    return found;
+}
+
+ElevationSlope SlopeOf(const PathPoint& point) {
+    const double range = Length(point.position);
+    const double rangeRate = Dot(point.position, point.velocity) / range;
+    const double rangeAcceleration = (Dot(point.velocity, point.velocity) +
+                                      Dot(point.position, point.acceleration) - rangeRate * rangeRate) /
+                                     range;
+    ElevationSlope slope;
+    slope.sine = point.position.z / range;
+    slope.first = (point.velocity.z - slope.sine * rangeRate) / range;
+    slope.second =
+        (point.acceleration.z - 2 * slope.first * rangeRate - slope.sine * rangeAcceleration) / range;
+    return slope;
+}
+
+} // namespace orbitmath
