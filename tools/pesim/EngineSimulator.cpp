@@ -1,5 +1,6 @@
 #include "pesim/EngineSimulator.h"
 
+#include <QRandomGenerator>
 #include <QTcpSocket>
 #include <QTime>
 #include <QtEndian>
@@ -13,8 +14,9 @@ constexpr qint64 maxUnsentBytes = 1 << 20;
 
 // Free ports are looked for here: programs keep the port in 16 bits with a sign, and the system hands out
 // ports above.
-constexpr quint16 firstFreePort = 20000;
-constexpr quint16 lastFreePort = 32767;
+constexpr int firstFreePort = 10000;
+constexpr int lastFreePort = 32767;
+constexpr int maxAttempts = 1000;
 
 QByteArray ControlPart(const HeardFrame& heard) {
     const QByteArray length = QByteArray::number(heard.information.size());
@@ -54,9 +56,15 @@ EngineSimulator::~EngineSimulator() {
 }
 
 bool EngineSimulator::Listen(quint16 port) {
-    quint16 candidate = port != 0 ? port : firstFreePort;
-    while (!m_server.listen(QHostAddress::LocalHost, candidate)) {
-        if (port != 0 || candidate++ == lastFreePort)
+    // A random one: a simulator that closes its port for a while must not lose it to the next one that
+    // starts.
+    const auto candidate = [port] {
+        return port != 0 ? port
+                         : static_cast<quint16>(
+                               QRandomGenerator::global()->bounded(firstFreePort, lastFreePort + 1));
+    };
+    for (int attempt = 0; !m_server.listen(QHostAddress::LocalHost, candidate()); ++attempt) {
+        if (port != 0 || attempt == maxAttempts)
             return false;
     }
     m_port = m_server.serverPort();
