@@ -41,7 +41,8 @@ public:
     void AddToMonitor(const QString& text, qint16 kind);
 
 private:
-    void ShowShortForm(std::string_view header, std::string_view line);
+    void ShowInFull(QByteArrayView data, qint16 kind, std::string_view time);
+    void ShowShortForm(std::string_view header, std::string_view line, std::string_view time);
 
     const CallsignList& m_callsigns;
     TelemetryDecoder& m_decoder;

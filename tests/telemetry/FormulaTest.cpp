@@ -1,6 +1,7 @@
 #include "foundation/mb.h"
 #include "support/RecordingPresenter.h"
 #include "support/TemporaryProgramFolder.h"
+#include "telemetry/ChannelMap.h"
 #include "telemetry/FormulaFile.h"
 
 #include <QTest>
@@ -38,6 +39,7 @@ private Q_SLOTS:
     void unreadableFileIsToldAndFails();
     void aMebibyteLineAndManyCommentsAreRead();
     void whatIsNoTextIsSkipped();
+    void demonstrationFillsEveryCellPlausibly();
 
 private:
     struct Loaded {
@@ -342,6 +344,31 @@ void FormulaTest::whatIsNoTextIsSkipped() {
     const Loaded loaded = Load(content);
     QCOMPARE(loaded.outcome, FormulaLoad::Loaded);
     QCOMPARE(loaded.table.RowBound(), 0);
+}
+
+void FormulaTest::demonstrationFillsEveryCellPlausibly() {
+    const QString path = QFINDTESTDATA("../../data/demo/formula.txt");
+    const Loaded loaded = LoadPath(path);
+    QCOMPARE(loaded.outcome, FormulaLoad::Loaded);
+    ChannelMap map;
+    map.BuildChannelMap();
+    constexpr std::array<std::pair<double, double>, 3> plausible{
+        {{0, 12}, {-1000, 1000}, {-60, 100}}}; // by grid
+    for (int side = 0; side < ChannelMap::sides; ++side)
+        for (int type = 0; type < ChannelMap::frameTypes; ++type)
+            for (int channel = 0; channel < ChannelMap::channels; ++channel) {
+                const ChannelCell& cell = *map.At(side, type, channel);
+                const clsFormula* formula = loaded.table.At(side, type, cell.grid, cell.row);
+                QVERIFY(formula != nullptr);
+                const auto [least, most] = plausible[static_cast<std::size_t>(cell.grid)];
+                for (double raw = 20; raw <= 200; raw += 20) {
+                    const double value = formula->CalcValue(raw).value();
+                    QVERIFY(value >= least && value <= most);
+                }
+            }
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(file.readLine().contains("EXAMPLE"));
 }
 
 QTEST_GUILESS_MAIN(FormulaTest)

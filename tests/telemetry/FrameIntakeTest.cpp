@@ -1,6 +1,7 @@
 #include "telemetry/FrameIntake.h"
 
 #include "telemetry/DisplayKind.h"
+#include "telemetry/SecondTime.h"
 #include "telemetry/TelemetryRoom.h"
 
 #include <QTest>
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void kindOfTheFrameReachesTheHeader();
     void timeFollowsTheClock();
     void stringsBecomeWindows1252();
+    void timeIsAskedForOnceASecond();
 };
 
 namespace {
@@ -251,6 +253,29 @@ void FrameIntakeTest::stringsBecomeWindows1252() {
     TelemetryRoom room;
     room.intake.AddToMonitor(QStringLiteral("*** Zürich € \u4e2d"), DisplayKind::Status);
     QCOMPARE(room.monitor.Text().toByteArray(), QByteArray("*** Z\xFCrich \x80 ?\r\n"));
+}
+
+void FrameIntakeTest::timeIsAskedForOnceASecond() {
+    TestClock clock;
+    int asked = 0;
+    SecondTime time(clock, [&] {
+        ++asked;
+        return FromCalendar(clock.Utc());
+    });
+    const qint64 start = clock.Milliseconds();
+    for (const int milliseconds : {0, 1, 500}) {
+        clock.SetMilliseconds(start + milliseconds);
+        QCOMPARE(time.Now(), FromCalendar(clock.Utc()));
+    }
+    QCOMPARE(asked, 1);
+    for (const int milliseconds : {501, 999, 1500, 1501, 1000, 0}) { // to and fro
+        clock.SetMilliseconds(start + milliseconds);
+        QCOMPARE(time.Now(), FromCalendar(clock.Utc()));
+    }
+    QCOMPARE(asked, 5);
+    time.Forget();
+    time.Now();
+    QCOMPARE(asked, 6);
 }
 
 QTEST_GUILESS_MAIN(FrameIntakeTest)

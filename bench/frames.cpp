@@ -1,0 +1,350 @@
+// What a frame costs on its road, beside a bare loop that reads the same stream from a loopback socket and
+// splits its text with string views: the road without widgets (client, intake, header, decoder) and with the
+// true ones (monitor pane, grids, terminal). The three take turns in one run, for only their ratios hold from
+// one machine to the next.
+//
+//   frames [FRAMES]     ends with 1 when a ratio or a pace misses its mark
+
+#include "foundation/Clock.h"
+#include "foundation/ProgramFolder.h"
+#include "foundation/clsIni.h"
+#include "foundation/mb.h"
+#include "link/MERAGW.h"
+#include "link/UnprotoLink.h"
+#include "station/Station.h"
+#include "station/frmTerm.h"
+#include "telemetry/ByteViews.h"
+#include "telemetry/FormulaTable.h"
+#include "telemetry/FrameIntake.h"
+#include "telemetry/MonitorPane.h"
+#include "telemetry/SecondTime.h"
+#include "telemetry/TelemetryGridView.h"
+#include "telemetry/TipCell.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <arpa/inet.h>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <netinet/in.h>
+#include <optional>
+#include <string>
+#include <sys/socket.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t headerLength = 36;
+constexpr double mostWithoutWidgets = 5.0; // times the bare loop's cost a frame
+constexpr double mostWithWidgets = 100.0;
+constexpr double paceWithoutWidgets = 1'000'000.0; // frames a second
+constexpr double paceWithWidgets = 50'000.0;
+
+// One monitored frame on the wire.
+std::string Frame(std::string_view source, std::string_view path, std::string_view information) {
+    const std::string data = " 1:Fm " + std::string(source) + " To " + std::string(path) +
+                             " <UI pid=F0 Len=" + std::to_string(information.size()) + " PF=0 >[00:16:57]\r" +
+                             std::string(information) + "\r" + '\0';
+    std::string frame(headerLength, '\0');
+    frame[4] = 'U';
+    frame[6] = '\xF0';
+    source.copy(frame.data() + 8, 9);
+    path.substr(0, path.find(' ')).copy(frame.data() + 18, 9);
+    const auto length = static_cast<std::uint32_t>(data.size());
+    for (unsigned byte = 0; byte < 4; ++byte)
+        frame[28 + byte] = static_cast<char>(length >> (8 * byte) & 0xFFU);
+    return frame + data;
+}
+
+// Frames in the proportions of a pass: both sides and all frame types, and half of it other stations.
+struct Stream {
+    std::string bytes;
+    long frames = 0;
+
+    void Add(const std::string& frame) {
+        bytes += frame;
+        ++frames;
+    }
+};
+
+Stream MakeStream() {
+    Stream stream;
+    for (int i = 0; i < 4096; ++i) {
+        const std::string number = std::to_string(100 + i % 900);
+        const std::string type = std::to_string(i / 2 % 2) + std::to_string(i % 2);
+        stream.Add(Frame(i % 8 < 4 ? "XQ9ZZ-1" : "QIRAN-3", "APRS Via WIDE2-2",
+                         "T#" + number + ",142,108.5," + number + ",67,0,0,00" + type + "1111,0\n"));
+        stream.Add(Frame("N0CALL-7", "CQ Via QIRAN-1", "Hello from the coast, heard " + number + " today"));
+    }
+    return stream;
+}
+
+// An engine that answers nothing and sends at once all it has.
+class Sender {
+public:
+    Sender(const Stream& stream, long frames)
+        : m_listener(socket(AF_INET, SOCK_STREAM, 0)) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        // The settings' ports end at 32767, so one is looked for.
+        int port = 20000;
+        do
+            address.sin_port = htons(static_cast<std::uint16_t>(++port));
+        while (bind(m_listener, reinterpret_cast<const sockaddr*>(&address), length) != 0 && port < 32767);
+        m_port = static_cast<qint16>(port);
+        listen(m_listener, 1);
+        m_thread = std::thread([this, &stream, frames] {
+            const int peer = accept(m_listener, nullptr, nullptr);
+            for (long sent = 0; sent < frames; sent += stream.frames)
+                for (std::size_t at = 0; at < stream.bytes.size();) {
+                    const ssize_t count =
+                        send(peer, stream.bytes.data() + at, stream.bytes.size() - at, MSG_NOSIGNAL);
+                    if (count <= 0)
+                        std::abort();
+                    at += static_cast<std::size_t>(count);
+                }
+            // What the client asked is read before the end, so that the end is no reset.
+            shutdown(peer, SHUT_WR);
+            std::array<char, 4096> asked{};
+            while (recv(peer, asked.data(), asked.size(), 0) > 0) {
+            }
+            close(peer);
+        });
+    }
+    Sender(const Sender&) = delete;
+    Sender& operator=(const Sender&) = delete;
+    ~Sender() {
+        m_thread.join();
+        close(m_listener);
+    }
+
+    qint16 Port() const { return m_port; }
+
+private:
+    int m_listener;
+    qint16 m_port = 0;
+    std::thread m_thread;
+};
+
+double Seconds(clockid_t clock) {
+    timespec time{};
+    clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+struct Result {
+    long frames = 0;
+    double wall = 0.0; // seconds
+    double cpu = 0.0;  // seconds of the reading thread
+
+    double Cost() const { return cpu / static_cast<double>(frames); }
+    double Pace() const { return static_cast<double>(frames) / wall; }
+};
+
+class Stopwatch {
+public:
+    Result Read(long frames) const {
+        return {frames, Seconds(CLOCK_MONOTONIC) - m_wall, Seconds(CLOCK_THREAD_CPUTIME_ID) - m_cpu};
+    }
+
+private:
+    double m_wall = Seconds(CLOCK_MONOTONIC);
+    double m_cpu = Seconds(CLOCK_THREAD_CPUTIME_ID);
+};
+
+std::size_t Pieces(std::string_view text, char separator) {
+    std::size_t pieces = 1;
+    for (std::size_t at = text.find(separator); at != std::string_view::npos;
+         at = text.find(separator, at + 1))
+        ++pieces;
+    return pieces;
+}
+
+Result BareLoop(const Stream& stream, long frames) {
+    const Sender sender(stream, frames);
+    const int peer = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(sender.Port()));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (connect(peer, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+        std::abort();
+    const Stopwatch watch;
+    std::vector<char> buffer(128 * 1024);
+    std::size_t held = 0;
+    long seen = 0;
+    std::size_t pieces = 0;
+    for (ssize_t count = 0; (count = recv(peer, buffer.data() + held, buffer.size() - held, 0)) > 0;) {
+        held += static_cast<std::size_t>(count);
+        std::size_t at = 0;
+        while (held - at >= headerLength) {
+            std::uint32_t length = 0;
+            std::memcpy(&length, buffer.data() + at + 28, sizeof length);
+            if (held - at < headerLength + length)
+                break;
+            const std::string_view text(buffer.data() + at + headerLength, length - 1);
+            const std::size_t end = text.find('\r');
+            pieces += Pieces(text.substr(0, end), ' ');
+            pieces += Pieces(text.substr(end + 1, text.find('\r', end + 1) - end - 1), ',');
+            at += headerLength + length;
+            ++seen;
+        }
+        std::memmove(buffer.data(), buffer.data() + at, held - at);
+        held -= at;
+    }
+    const Result result = watch.Read(seen);
+    close(peer);
+    if (pieces == 0)
+        std::abort();
+    return result;
+}
+
+// Stands where messages would, and where frames would go out: the road under test only hears.
+class Nobody : public MessagePresenter, public UnprotoLink {
+public:
+    int ShowMessage(const Message&) override { return 1; }
+    void ShowHelp(QObject*, const QString&, HelpCommand) override {}
+    bool blnConectedToAgw() const override { return false; }
+    int PortCount() const override { return 0; }
+    void SendUnproto(qint16, const QString&, const QString&, const QString&) override {}
+};
+
+// The road from the client to the grids, as the program lays it.
+struct Road {
+    QTemporaryDir folder;
+    ProgramFolder program{folder.path(), QStringLiteral("frames")};
+    clsIni ini{program.IniFile()};
+    Clock clock;
+    SecondTime time{clock, [this] { return FromCalendar(clock.Utc()); }};
+    std::function<DateTime()> displayTime = [this] { return time.Now(); };
+    TelemetryGrids grids = MakeTelemetryGrids();
+    ChannelMap map;
+    FormulaTable formulae;
+    CallsignList callsigns{ini};
+    TelemetryDecoder decoder{map, formulae, grids, callsigns, displayTime};
+    MonitorText monitor;
+    FrameIntake intake{callsigns, decoder, monitor, displayTime};
+    MERAGW client;
+
+    explicit Road(bool onlyShowQiran) {
+        map.BuildChannelMap();
+        callsigns.LoadCallsigns();
+        intake.SetOnlyShowQiran(onlyShowQiran);
+        for (const auto& grid : grids)
+            for (const char* side : {"A", "B"})
+                for (const char* type : {"0", "1", "2", "3"})
+                    for (int row = 1; row <= grid->Rows(); ++row)
+                        formulae.StoreFormulaLine({side, type, grid->Tag(),
+                                                   grid->TextMatrix(row, TelemetryGrid::Name).toLatin1(),
+                                                   "1e-6", "1e-4", "1.25", "-12.5"},
+                                                  grids);
+    }
+
+    Result Run(const Stream& stream, long frames) {
+        const Sender sender(stream, frames);
+        long seen = 0;
+        QObject::connect(&client, &MERAGW::FrameArrival, &client, [&](const MonitoredFrame& frame) {
+            intake.FrameReceived(frame);
+            ++seen;
+        });
+        QObject::connect(&client, &MERAGW::Disconnected, qApp, &QCoreApplication::quit);
+        client.SetHost(QStringLiteral("127.0.0.1"));
+        client.SetPort(sender.Port());
+        client.Connect();
+        const Stopwatch watch;
+        QCoreApplication::exec();
+        const Result result = watch.Read(seen);
+        client.disconnect();
+        if (grids[0]->TextMatrix(1, TelemetryGrid::ValueA).isEmpty())
+            std::abort();
+        return result;
+    }
+};
+
+Result WithoutWidgets(const Stream& stream, long frames, bool onlyShowQiran) {
+    return Road(onlyShowQiran).Run(stream, frames);
+}
+
+Result WithWidgets(const Stream& stream, long frames, bool onlyShowQiran) {
+    Road road(onlyShowQiran);
+    Nobody nobody;
+    const mb messages(nobody);
+    const Station station(road.ini);
+    TipCell tipCell;
+    QWidget window;
+    auto* all = new QVBoxLayout(&window);
+    auto* row = new QHBoxLayout;
+    all->addWidget(new MonitorPane(road.monitor), 1);
+    all->addLayout(row);
+    for (const auto& grid : road.grids)
+        row->addWidget(new TelemetryGridView(*grid, tipCell));
+    window.resize(900, 600);
+    window.show();
+    frmTerm terminal(road.ini, messages, station, nobody, road.clock, road.program, ProgramVersion{});
+    terminal.show();
+    road.intake.SetTerminal([&](QByteArrayView text, qint16 kind) { terminal.ShowData(text, kind); });
+    return road.Run(stream, frames);
+}
+
+struct Contest {
+    const char* name;
+    double mostRatio;
+    double leastPace;
+    std::optional<Result> best;
+};
+
+void KeepBest(Contest& contest, const Result& result) {
+    if (!contest.best || result.Cost() < contest.best->Cost())
+        contest.best = result;
+}
+
+bool Report(const Contest& contest, const Result& bare) {
+    const Result& result = *contest.best;
+    const double ratio = result.Cost() / bare.Cost();
+    const bool isGood = ratio <= contest.mostRatio && result.Pace() >= contest.leastPace;
+    std::printf("%-42s %9.0f ns/frame %10.0f frames/s %7.2f x%s\n", contest.name, result.Cost() * 1e9,
+                result.Pace(), ratio, isGood ? "" : "   MISSED");
+    return isGood;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const long frames = std::max(argc > 1 ? std::atol(argv[1]) : 2'000'000L, 10'000L);
+    const Stream stream = MakeStream();
+
+    Contest bare{"bare loop", 1.0, 0.0, {}};
+    std::array<Contest, 4> contests{{
+        {"without widgets, only QIRAN shown", mostWithoutWidgets, paceWithoutWidgets, {}},
+        {"without widgets, every frame shown", mostWithoutWidgets, paceWithoutWidgets, {}},
+        {"with widgets, only QIRAN shown", mostWithWidgets, paceWithWidgets, {}},
+        {"with widgets, every frame shown", mostWithWidgets, paceWithWidgets, {}},
+    }};
+    for (int turn = 0; turn < 3; ++turn) {
+        KeepBest(bare, BareLoop(stream, frames));
+        KeepBest(contests[0], WithoutWidgets(stream, frames, true));
+        KeepBest(contests[1], WithoutWidgets(stream, frames, false));
+        KeepBest(contests[2], WithWidgets(stream, frames / 10, true));
+        KeepBest(contests[3], WithWidgets(stream, frames / 10, false));
+    }
+    std::printf("cost: time of the reading thread; pace: by the clock on the wall; best of 3\n");
+    Report(bare, *bare.best);
+    bool isGood = true;
+    for (const Contest& contest : contests)
+        isGood = Report(contest, *bare.best) && isGood;
+    return isGood ? 0 : 1;
+}
