@@ -46,6 +46,7 @@ private:
     void ReadBody();
     void Finished();
     void FinishWithStatus(int status);
+    bool Unpack();
     void Fail(int code, const QString& info);
     bool Disconnect();
     void DropReply();

@@ -15,6 +15,7 @@ public:
         bool closes = true;    ///< closes the connection when all is sent
         int dripInterval = 0;  ///< milliseconds between two bytes; 0: all at once
         qsizetype dripsAt = 0; ///< how many bytes are sent at once before the drip starts
+        int closesAfter = 0;   ///< milliseconds between the last byte and the end of the connection
     };
     using Script = std::function<Answer(const QByteArray& request)>;
 
@@ -76,7 +77,9 @@ private:
     void Send(QTcpSocket& socket, const Answer& answer) {
         if (answer.dripInterval == 0) {
             socket.write(answer.bytes);
-            if (answer.closes)
+            if (answer.closes && answer.closesAfter > 0)
+                QTimer::singleShot(answer.closesAfter, &socket, [&socket] { socket.disconnectFromHost(); });
+            else if (answer.closes)
                 socket.disconnectFromHost();
             return;
         }
