@@ -151,8 +151,11 @@ std::optional<Codes> ReadCodes(BitReader& bits) {
 bool Repeat(QByteArray& text, qsizetype distance, qsizetype length) {
     if (distance > text.size())
         return false;
-    for (qsizetype i = 0; i < length; ++i)
-        text += text[text.size() - distance];
+    const qsizetype end = text.size();
+    text.resize(end + length);
+    char* to = text.data() + end;
+    for (const char* from = to - distance; length > 0; --length)
+        *to++ = *from++;
     return true;
 }
 

@@ -61,7 +61,7 @@ HttpTransfer::HttpTransfer(QObject* parent)
 }
 
 HttpTransfer::~HttpTransfer() {
-    Cancel();
+    HttpTransfer::Cancel();
 }
 
 void HttpTransfer::Execute(const QString& url, const QString& operation) {
@@ -99,7 +99,7 @@ void HttpTransfer::Cancel() {
 }
 
 QByteArray HttpTransfer::GetChunk(qsizetype size) {
-    const QByteArray chunk = m_body.mid(m_taken, size);
+    QByteArray chunk = m_body.mid(m_taken, size);
     m_taken += chunk.size();
     return chunk;
 }

@@ -29,9 +29,8 @@ bool IsReserved(const QString& name) {
 QString PlainName(const QString& text) {
     QString name = AfterLastSeparator(QUrl::fromPercentEncoding(text.toUtf8()));
     for (QChar& character : name) {
-        if (!character.isPrint() && !character.isSurrogate())
-            character = u'_';
-        else if (QStringView(u"<>:\"|?*").contains(character))
+        const bool isUnseen = !character.isPrint() && !character.isSurrogate();
+        if (isUnseen || QStringView(u"<>:\"|?*").contains(character))
             character = u'_';
     }
     qsizetype start = 0;

@@ -147,7 +147,10 @@ private Q_SLOTS:
               "The file could not be stored: ",
               "The server has sent nothing for too long",
               "The file is larger than 64 MiB",
-              "The address is not valid"})
+              "The address is not valid",
+              "The file did not arrive whole",
+              "The packed file is damaged or too large",
+              "The server announced no sensible length"})
             QVERIFY2(text.contains(QString::fromUtf8(message)), message);
     }
 

@@ -18,7 +18,7 @@ public:
     }
     void Cancel() override { ++cancelled; }
     QByteArray GetChunk(qsizetype size) override {
-        const QByteArray chunk = body.left(size);
+        QByteArray chunk = body.left(size);
         body.remove(0, chunk.size());
         return chunk;
     }
