@@ -117,7 +117,7 @@ std::optional<LibraryPosition> KVRSatLib::Position(const std::string& object, do
     position.range = look.range;
     position.rangeRate = look.rangeRate;
     position.altitude = point.altitude;
-    position.phase = found.state.meanAnomaly * (256 / twoPi);
+    position.phase = Turned(found.state.meanAnomaly) * (256 / twoPi);
     return position;
 }
 

@@ -349,7 +349,7 @@ Propagation Propagator::WithPeriodics(const Mean& mean, const Inclined& inclined
     Propagation result;
     result.state.position = rk * earthRadius * along;
     result.state.velocity = kmPerSecond * (rDotK * along + rfDotK * across);
-    result.state.meanAnomaly = Turned(mean.meanAnomaly);
+    result.state.meanAnomaly = mean.meanAnomaly;
     if (!std::isfinite(Dot(result.state.position, result.state.velocity)))
         return Failed(PropagationError::OutOfRange);
     if (!(rk >= 1))

@@ -24,7 +24,7 @@ enum class PropagationError {
 struct StateVector {
     Vector3 position;       ///< km
     Vector3 velocity;       ///< km/s
-    double meanAnomaly = 0; ///< radians, 0 to 2 pi
+    double meanAnomaly = 0; ///< radians, counted on from the epoch: 2 pi more with each turn
 };
 
 /// A state, or the reason why there is none; then the state is all 0.

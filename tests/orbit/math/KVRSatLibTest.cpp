@@ -50,9 +50,152 @@ TEST_F(KVRSatLibTest, PositionAnswersByNumberAndByNameLine) {
     EXPECT_FALSE(m_library.Position("25545", time, 0));
 }
 
-TEST_F(KVRSatLibTest, ListPassesGivesItemsInTheirShape) {
+TEST_F(KVRSatLibTest, PassItemsBeginAtOrAfterTheStartAndSayWhatTheSearchFound) {
     const auto list = m_library.ListPasses("25544", now, 10, 3, 0, 0);
-    ASSERT_TRUE(list);
-    EXPECT_EQ(list->front(), '(');
-    EXPECT_EQ(list->back(), ')');
+    const auto found = m_library.Passes("25544", now, 10, 3);
+    ASSERT_TRUE(list && found);
+    ASSERT_GT(found->passes.size(), 10U);
+    std::istringstream items(*list);
+    std::size_t k = 0;
+    for (std::string item; std::getline(items, item, ','); ++k) {
+        ASSERT_LT(k, found->passes.size());
+        const orbitmath::Pass& pass = found->passes[k];
+        ASSERT_EQ(item.front(), '(');
+        ASSERT_EQ(item.back(), ')');
+        std::istringstream fields(item.substr(1, item.size() - 2));
+        std::string start;
+        double rise = 0;
+        double set = 0;
+        double highest = 0;
+        double duration = 0;
+        fields >> start >> rise >> set >> highest >> duration;
+        ASSERT_EQ(start.size(), 14U);
+        const double second = 1.0 / 86400;
+        const double startUtc = 46342 + std::stoi(start.substr(6, 2)) - 16 +
+                                (std::stoi(start.substr(8, 2)) * 3600 + std::stoi(start.substr(10, 2)) * 60 +
+                                 std::stoi(start.substr(12, 2))) *
+                                    second;
+        EXPECT_EQ(start.substr(0, 6), "202611");
+        EXPECT_GE(startUtc, pass.riseUtc - 1e-10);
+        EXPECT_LT(startUtc, pass.riseUtc + second);
+        EXPECT_NEAR(rise, pass.riseAzimuth / orbitmath::radiansPerDegree, 0.0051);
+        EXPECT_NEAR(set, pass.setAzimuth / orbitmath::radiansPerDegree, 0.0051);
+        EXPECT_NEAR(highest, pass.maxElevation / orbitmath::radiansPerDegree, 0.0051);
+        EXPECT_NEAR(startUtc + duration * second, pass.setUtc, 1.0001 * second);
+    }
+    EXPECT_EQ(k, found->passes.size());
+}
+
+TEST_F(KVRSatLibTest, APassIsListedUntilItBeginsAndNoLonger) {
+    const double rise = m_library.Passes("25544", now, 10, 3)->passes.at(2).riseUtc;
+    const double millisecond = 1.0 / 86400000;
+    const auto before = m_library.Passes("25544", rise - millisecond, 10, 1);
+    const auto after = m_library.Passes("25544", rise + millisecond, 10, 1);
+    EXPECT_NEAR(before->passes.at(0).riseUtc, rise, 1e-9);
+    EXPECT_GT(after->passes.at(0).riseUtc, rise + 0.01);
+}
+
+TEST_F(KVRSatLibTest, CountsBoundThePassesADayTimesTheDays) {
+    EXPECT_EQ(m_library.Passes("25544", now, 1, 3)->passes.size(), 3U);
+    EXPECT_EQ(m_library.ListPasses("25544", now, 0, 3, 0, 0), "");
+    EXPECT_EQ(m_library.ListPasses("25544", now, 10, 0, 0, 0), "");
+    EXPECT_EQ(m_library.ListPasses("25544", now, -1, -3, 0, 0), "");
+    EXPECT_TRUE(m_library.ListPasses("25544", now, 2147483647, 2, 0, 0));
+}
+
+TEST_F(KVRSatLibTest, TheNextPassIsStillListedInTheEveningAtSeventyNorth) {
+    ASSERT_TRUE(m_library.SetObserverLatitude(70));
+    std::ofstream(m_folder / "polar.txt")
+        << "POLAR\n"
+        << WithChecksum("1 90417U 26001A   26320.00000000  .00000000  00000-0  00000-0 0  999") << "\n"
+        << WithChecksum("2 90417  98.2000 100.0000 0001000   0.0000   0.0000 14.80000000    1") << "\n";
+    ASSERT_TRUE(m_library.SetElementFolder(m_folder.string()));
+    const auto found = m_library.Passes("90417", std::floor(now), 10, 2);
+    ASSERT_EQ(found->passes.size(), 20U);
+    EXPECT_GT(found->passes.back().riseUtc, std::floor(now) + 1);
+}
+
+TEST_F(KVRSatLibTest, WhatCannotBeAnsweredIsAFailure) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double time = m_library.ConvertTime(now).value();
+    EXPECT_FALSE(m_library.ListPasses("1", now, 10, 3, 0, 0));
+    EXPECT_FALSE(m_library.ElementsOf("1"));
+    for (const double bad : {nan, infinity, -infinity, 1e300}) {
+        EXPECT_FALSE(m_library.Position("25544", bad, 0)) << bad;
+        EXPECT_FALSE(m_library.ListPasses("25544", bad, 10, 3, 0, 0)) << bad;
+        EXPECT_FALSE(m_library.ConvertTime(bad)) << bad;
+        EXPECT_FALSE(m_library.SetObserverLatitude(bad)) << bad;
+        EXPECT_FALSE(m_library.SetObserverLongitude(bad)) << bad;
+    }
+    EXPECT_FALSE(m_library.Position("25544", time, nan));
+    EXPECT_FALSE(m_library.SetObserverLatitude(90.1));
+    EXPECT_FALSE(m_library.SetObserverLongitude(-1));
+    EXPECT_FALSE(m_library.SetElementFolder((m_folder / "nowhere").string()));
+    EXPECT_TRUE(m_library.Position("25544", time, 0)) << "a failing call changes nothing";
+}
+
+TEST_F(KVRSatLibTest, LibraryTimeIsTheJulianDateAndLosesLessThanATenthOfAMillisecond) {
+    EXPECT_EQ(m_library.ConvertTime(34981.5), 2450000.0); // 1995-10-09 12:00
+    EXPECT_EQ(m_library.ConvertTime(36526.5), 2451545.0); // 2000-01-01 12:00
+    for (int k = 0; k < 1000; ++k) {
+        const double utc = now + k * 0.001234567;
+        EXPECT_LT(std::abs(m_library.ConvertTime(utc).value() - 2415018.5 - utc) * 86400e3, 0.1);
+    }
+}
+
+TEST_F(KVRSatLibTest, InViewIsAnElevationGreaterThanTheThreshold) {
+    const auto found = m_library.Passes("25544", now, 10, 1);
+    const double top = m_library.ConvertTime(found->passes.at(0).highestUtc).value();
+    const auto position = m_library.Position("25544", top, 0);
+    const double degrees = position->elevation / orbitmath::radiansPerDegree;
+    EXPECT_TRUE(position->visible);
+    EXPECT_FALSE(m_library.Position("25544", top, degrees + 0.001)->visible);
+    EXPECT_TRUE(m_library.Position("25544", top, degrees - 0.001)->visible);
+}
+
+TEST_F(KVRSatLibTest, ValuesLieInTheirRangesAllTheWayRound) {
+    for (int k = 0; k < 2000; ++k) {
+        const auto p = m_library.Position("25544", m_library.ConvertTime(now + k * 0.0007).value(), 0);
+        ASSERT_TRUE(p);
+        EXPECT_TRUE(p->azimuth >= 0 && p->azimuth < orbitmath::twoPi);
+        EXPECT_TRUE(std::abs(p->elevation) <= orbitmath::pi / 2);
+        EXPECT_TRUE(p->phase >= 0 && p->phase < 256) << p->phase;
+        EXPECT_EQ(p->south, p->latitude < 0);
+        EXPECT_LT(std::abs(p->latitude), 52 * orbitmath::radiansPerDegree);
+        EXPECT_NEAR(p->altitude, 420, 30);
+        EXPECT_GT(p->range, p->altitude - 1);
+    }
+}
+
+TEST_F(KVRSatLibTest, TheRangeRateIsTheChangeOfTheRange) {
+    const double second = 1.0 / 86400;
+    for (int k = 0; k < 50; ++k) {
+        const double time = m_library.ConvertTime(now + k * 0.013).value();
+        const double later = time + 2 * second;
+        const double earlier = time - 2 * second;
+        const double slope =
+            (m_library.Position("25544", later, 0)->range - m_library.Position("25544", earlier, 0)->range) /
+            ((later - earlier) * 86400);
+        EXPECT_NEAR(m_library.Position("25544", time, 0)->rangeRate, slope, 0.001);
+    }
+}
+
+TEST_F(KVRSatLibTest, AnObserverUnderTheTrackSeesItOverhead) {
+    const double time = m_library.ConvertTime(now + 0.02).value();
+    const auto over = m_library.Position("25544", time, 0);
+    const double degree = orbitmath::radiansPerDegree;
+    ASSERT_TRUE(m_library.SetObserverLatitude(over->latitude / degree));
+    ASSERT_TRUE(m_library.SetObserverLongitude(orbitmath::Turned(over->longitude) / degree));
+    const auto seen = m_library.Position("25544", time, 0);
+    EXPECT_NEAR(seen->elevation / degree, 90, 1e-5);
+    EXPECT_NEAR(seen->range, seen->altitude, 1e-6);
+}
+
+TEST_F(KVRSatLibTest, ElementsSayTheirNameFileAndEpoch) {
+    const auto source = m_library.ElementsOf("25544");
+    ASSERT_TRUE(source);
+    EXPECT_EQ(source->name, "ISS (ZARYA)");
+    EXPECT_EQ(source->file, "iss.txt");
+    EXPECT_NEAR(source->epochUtc, 46342.51782528, 1e-9);
 }

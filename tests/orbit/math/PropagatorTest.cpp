@@ -89,3 +89,68 @@ TEST(PropagatorTest, AgreesWithTheOracleOnEverySetToAMillimetreAndGivesTheSameEr
     EXPECT_GT(states, 2000);
     RecordProperty("worstPositionKm", std::to_string(worstPosition));
 }
+
+TEST(PropagatorTest, AnyOrderOfTimesGivesTheSameBits) {
+    for (const GoldenSet& set : ReadGolden()) {
+        const Propagator propagator(ElementsOf(set));
+        std::vector<Propagation> forwards;
+        for (const GoldenState& golden : set.states)
+            forwards.push_back(propagator.At(golden.minutes));
+        for (std::size_t k = set.states.size(); k-- > 0;) {
+            const Propagation alone = Propagator(ElementsOf(set)).At(set.states[k].minutes);
+            const Propagation backwards = propagator.At(set.states[k].minutes);
+            ASSERT_EQ(alone.state.position, forwards[k].state.position);
+            ASSERT_EQ(backwards.state.position, forwards[k].state.position);
+            ASSERT_EQ(backwards.state.velocity, forwards[k].state.velocity);
+        }
+    }
+}
+
+TEST(PropagatorTest, HowFarItIsReadyDoesNotChangeAResonantOrbit) {
+    for (const GoldenSet& set : ReadGolden()) {
+        const Propagator ready(ElementsOf(set), 400 * 1440.0);
+        const Propagator unready(ElementsOf(set), 0);
+        for (const double minutes : {-500000.0, -720.0, -719.9, 0.0, 719.9, 720.0, 12345.6, 500000.0})
+            ASSERT_EQ(ready.At(minutes).state.position, unready.At(minutes).state.position) << set.line2;
+    }
+}
+
+TEST(PropagatorTest, WhatIsNoNumberIsAnErrorAndNeverPassedOn) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double infinity = std::numeric_limits<double>::infinity();
+    const Elements good = ElementsOf(ReadGolden().front());
+    for (const double bad : {nan, infinity, -infinity, 1e9})
+        EXPECT_EQ(Propagator(good).At(bad).error, PropagationError::OutOfRange);
+    for (double Elements::*field :
+         {&Elements::epochUtc, &Elements::inclination, &Elements::node, &Elements::eccentricity,
+          &Elements::argumentOfPerigee, &Elements::meanAnomaly, &Elements::meanMotion, &Elements::bstar}) {
+        Elements elements = good;
+        elements.*field = nan;
+        EXPECT_EQ(Propagator(elements).At(0).error, PropagationError::OutOfRange);
+    }
+    Elements still = good;
+    still.meanMotion = 0;
+    EXPECT_EQ(Propagator(still).At(0).error, PropagationError::OutOfRange);
+}
+
+TEST(PropagatorTest, RandomElementsGiveFiniteStatesOrErrors) {
+    std::mt19937 chance(7);
+    const auto between = [&](double a, double b) {
+        return std::uniform_real_distribution<double>(a, b)(chance);
+    };
+    for (int k = 0; k < 20000; ++k) {
+        Elements elements;
+        elements.epochUtc = between(20000, 57000);
+        elements.inclination = between(0, pi);
+        elements.node = between(0, twoPi);
+        elements.eccentricity = std::pow(between(0, 1), 3) * 0.9999999;
+        elements.argumentOfPerigee = between(0, twoPi);
+        elements.meanAnomaly = between(0, twoPi);
+        elements.meanMotion = between(1e-8, 20) * twoPi / 1440;
+        elements.bstar = between(-1, 1) * std::pow(10, between(-6, 1));
+        const Propagation found = Propagator(elements, 0).At(between(-1e5, 1e5));
+        const double sum = Dot(found.state.position, found.state.velocity) + found.state.meanAnomaly;
+        ASSERT_TRUE(std::isfinite(sum));
+        ASSERT_TRUE(found || found.state.position == Vector3{});
+    }
+}

@@ -1,0 +1,260 @@
+#include "orbit/math/PassSearch.h"
+
+#include "TestElements.h"
+#include "orbit/math/SiderealTime.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <vector>
+
+using namespace orbitmath;
+using namespace testelements;
+
+namespace {
+
+constexpr double secondsPerDay = 86400;
+constexpr double tenMilliseconds = 0.01 / secondsPerDay;
+
+/// The sky over a station, asked moment by moment.
+class Sky {
+public:
+    Sky(const Elements& elements, double latitude, double longitude, double start)
+        : propagator(elements)
+        , observer(latitude, longitude)
+        , m_start(start) {}
+
+    /// Radians, `seconds` after the start.
+    double Elevation(double seconds) const {
+        const double utc = m_start + seconds / secondsPerDay;
+        const double minutes = (m_start - propagator.GetElements().epochUtc) * 1440 + seconds / 60;
+        const Propagation found = propagator.At(minutes);
+        EXPECT_TRUE(found);
+        return observer.Look(ToEarth(found.state, SiderealTime(utc))).elevation;
+    }
+
+    double Crossing(double before, double after) const {
+        const bool rising = Elevation(after) > 0;
+        for (int k = 0; k < 30; ++k) {
+            const double middle = 0.5 * (before + after);
+            ((Elevation(middle) > 0) == rising ? after : before) = middle;
+        }
+        return 0.5 * (before + after);
+    }
+
+    /// Every crossing of the horizon by a scan that knows nothing of orbits but how fast an elevation can
+    /// grow at most (radians a second, `fastest`): steps of `step` seconds wherever it is above -3 degrees,
+    /// farther ones only as far as it could not have come up to that in the meantime.
+    std::vector<Pass> Scan(double days, double step, double fastest) const {
+        const double careful = -3 * radiansPerDegree;
+        std::vector<Pass> passes;
+        double before = Elevation(0);
+        bool counts = false; // the pass under way began after the start
+        double rise = 0;
+        for (double time = 0; time < days * secondsPerDay || counts;) {
+            const double next = time + std::max(step, (careful - before) / fastest);
+            const double elevation = Elevation(next);
+            if (before <= 0 && elevation > 0) {
+                rise = Crossing(time, next);
+                counts = rise < days * secondsPerDay;
+            } else if (before > 0 && elevation <= 0 && counts) {
+                Pass pass;
+                pass.riseUtc = m_start + rise / secondsPerDay;
+                pass.setUtc = m_start + Crossing(time, next) / secondsPerDay;
+                passes.push_back(pass);
+                counts = false;
+            }
+            before = elevation;
+            time = next;
+        }
+        return passes;
+    }
+
+    PassList Find(double days, std::size_t most = 1000) const {
+        return FindPasses(propagator, observer, m_start, days, most);
+    }
+
+    const Propagator propagator;
+    const Observer observer;
+
+private:
+    double m_start;
+};
+
+/// Compares the passes found with those of a scan; answers how many there were.
+std::size_t CompareWithScan(const Sky& sky, double days, double step, double fastest) {
+    const std::vector<Pass> found = sky.Find(days).passes;
+    const std::vector<Pass> scanned = sky.Scan(days, step, fastest);
+    EXPECT_EQ(found.size(), scanned.size());
+    for (std::size_t k = 0; k < std::min(found.size(), scanned.size()); ++k) {
+        EXPECT_NEAR(found[k].riseUtc, scanned[k].riseUtc, tenMilliseconds);
+        EXPECT_NEAR(found[k].setUtc, scanned[k].setUtc, tenMilliseconds);
+        EXPECT_TRUE(found[k].sets);
+    }
+    return scanned.size();
+}
+
+Elements StationLike() {
+    return Orbit(51.64, 208.9, 0.00067, 70, 25, 15.4956);
+}
+
+Elements PolarLike() {
+    return Orbit(97.7, 30, 0.0012, 210, 100, 14.92);
+}
+
+} // namespace
+
+TEST(PassSearchTest, EightyRunsAgreeWithABruteForceScanToTenMilliseconds) {
+    std::size_t passes = 0;
+    for (int station = 0; station < 40; ++station) {
+        const double latitude = -65 + station * 130.0 / 39;
+        const double longitude = station == 7 ? 180 : station == 23 ? -179.99 : -180 + station * 47 % 360;
+        const double season = station % 4 * 91.3;
+        for (Elements elements : {StationLike(), PolarLike()}) {
+            elements.epochUtc += season;
+            elements.bstar = 1e-4;
+            const double start = elements.epochUtc - 2 + station * 0.137;
+            // At 400 km overhead 7.7 km/s are 1.1 degrees a second; near the horizon it is a twentieth.
+            passes += CompareWithScan(Sky(elements, latitude, longitude, start), 3, 0.1, 0.02);
+        }
+    }
+    EXPECT_GT(passes, 1200U);
+}
+
+TEST(PassSearchTest, EccentricAndHighOrbitsAgreeWithAScan) {
+    std::size_t passes = 0;
+    for (int k = 0; k < 6; ++k) {
+        const double start = 46342.3 + k;
+        passes += CompareWithScan(
+            Sky(Orbit(63.4, 60.0 * k, 0.72, 270, 40.0 * k, 2.006), 10.0 * k, 33.0 * k, start), 4, 2, 0.02);
+        passes += CompareWithScan(
+            Sky(Orbit(5 + 30 * k, 77.0 * k, 0.3, 20, 90, 8), 60 - 25 * k, 70.0 * k, start), 2, 1, 0.02);
+        passes += CompareWithScan(Sky(Orbit(8, 50.0 * k, 0.1, 10, 60.0 * k, 1.02), 70, 25.0 * k, start), 6, 5,
+                                  0.001);
+    }
+    EXPECT_GT(passes, 60U);
+}
+
+TEST(PassSearchTest, AtTheHighestPointTheElevationStandsStill) {
+    for (double latitude = -80; latitude <= 80; latitude += 20) {
+        const double start = 46343;
+        const Sky sky(StationLike(), latitude, 10, start);
+        for (const Pass& pass : sky.Find(3).passes) {
+            const double top = (pass.highestUtc - start) * secondsPerDay;
+            const double elevation = sky.Elevation(top);
+            EXPECT_NEAR(elevation, pass.maxElevation, 1e-7);
+            // The parabola through three points has its top within ten milliseconds of the one found.
+            const double before = sky.Elevation(top - 0.5);
+            const double after = sky.Elevation(top + 0.5);
+            const double bend = before - 2 * elevation + after;
+            EXPECT_LT(bend, 0);
+            if (pass.maxElevation < 80 * radiansPerDegree) {
+                EXPECT_NEAR(0.25 * (before - after) / bend, 0, 0.01);
+            }
+        }
+    }
+}
+
+TEST(PassSearchTest, AGrazingPassOfSomeSecondsIsFoundAndANearMissIsNot) {
+    // Going north from the last latitude that still sees a certain orbit, passes become as short as one
+    // likes.
+    const double start = 46342.2;
+    const auto highest = [&](double latitude) {
+        double best = -1;
+        const Sky sky(Orbit(30, 100, 0.0005, 0, 0, 15.2), latitude, 40, start);
+        for (double t = 0; t < 5700; t += 1)
+            best = std::max(best, sky.Elevation(t));
+        return best;
+    };
+    double seeing = 20;
+    double blind = 80;
+    for (int k = 0; k < 24; ++k) {
+        const double middle = 0.5 * (seeing + blind);
+        (highest(middle) > 0 ? seeing : blind) = middle;
+    }
+    const double oneOrbit = 5700 / secondsPerDay;
+    bool tiny = false;
+    for (const double offset : {1e-1, 1e-2, 1e-3, 1e-4, 3e-5, 1e-5}) {
+        const Sky sky(Orbit(30, 100, 0.0005, 0, 0, 15.2), seeing - offset, 40, start);
+        const std::vector<Pass> passes = sky.Find(oneOrbit).passes;
+        ASSERT_EQ(passes.size(), 1U) << offset;
+        const double seconds = (passes[0].setUtc - passes[0].riseUtc) * secondsPerDay;
+        tiny = tiny || (seconds > 0.5 && seconds < 5);
+        const Sky missed(Orbit(30, 100, 0.0005, 0, 0, 15.2), blind + offset, 40, start);
+        EXPECT_TRUE(missed.Find(oneOrbit).passes.empty()) << offset;
+    }
+    EXPECT_TRUE(tiny);
+}
+
+TEST(PassSearchTest, APassUnderWayAtTheStartDoesNotCount) {
+    const Sky sky(StationLike(), 50, 10, 46343);
+    const std::vector<Pass> all = sky.Find(1).passes;
+    ASSERT_GT(all.size(), 2U);
+    const double during = 0.5 * (all[0].riseUtc + all[0].setUtc);
+    const std::vector<Pass> later = Sky(StationLike(), 50, 10, during).Find(1).passes;
+    EXPECT_NEAR(later.at(0).riseUtc, all[1].riseUtc, tenMilliseconds);
+    EXPECT_GE(later.at(0).riseUtc, during);
+}
+
+TEST(PassSearchTest, APassLongerThanADayIsOnePass) {
+    // A near-geostationary object drifts over the sky in a week.
+    for (double anomaly = 0; anomaly < 360; anomaly += 90) {
+        const Sky sky(Orbit(0.5, 0, 0.001, 0, anomaly, 1.04), 45, 10, 46343);
+        const PassList found = sky.Find(25);
+        ASSERT_FALSE(found.passes.empty());
+        EXPECT_GT(found.passes[0].setUtc - found.passes[0].riseUtc, 5);
+        EXPECT_LT(found.propagations, 3000);
+        const double middle =
+            (0.5 * (found.passes[0].riseUtc + found.passes[0].setUtc) - 46343) * secondsPerDay;
+        EXPECT_GT(sky.Elevation(middle), 0);
+    }
+}
+
+TEST(PassSearchTest, WhatNeverSetsOrNeverRisesHasNoPassesAndCostsLittle) {
+    int above = 0;
+    int below = 0;
+    for (double longitude = -180; longitude < 180; longitude += 20) {
+        const Sky sky(Orbit(0.02, 0, 0.0001, 0, 0, 1.00273), 20, longitude, 46343);
+        const PassList found = sky.Find(10);
+        if (std::abs(sky.Elevation(0)) < 3 * radiansPerDegree)
+            continue;
+        ++(sky.Elevation(0) > 0 ? above : below);
+        EXPECT_TRUE(found.passes.empty());
+        EXPECT_LT(found.propagations, 2000);
+    }
+    EXPECT_GT(above, 3);
+    EXPECT_GT(below, 3);
+    EXPECT_TRUE(Sky(Orbit(10, 0, 0.001, 0, 0, 15), 80, 0, 46343).Find(30).passes.empty());
+}
+
+TEST(PassSearchTest, TheSearchIsAsCheapAsTheGeometryAllows) {
+    int propagations = 0;
+    std::size_t passes = 0;
+    for (double latitude = 0; latitude <= 80; latitude += 80.0 / 9) {
+        for (const Elements& elements : {PolarLike(), Orbit(0.5, 0, 0.001, 0, 0, 15)}) {
+            const PassList found = Sky(elements, latitude, 10, 46343).Find(3);
+            propagations += found.propagations;
+            passes += found.passes.size();
+        }
+    }
+    EXPECT_LT(propagations, 60 * static_cast<int>(passes));
+}
+
+TEST(PassSearchTest, NoMoreThanAskedForAndInTimeOrder) {
+    const Sky sky(PolarLike(), 78, 15, 46343);
+    EXPECT_EQ(sky.Find(3, 5).passes.size(), 5U);
+    EXPECT_TRUE(sky.Find(3, 0).passes.empty());
+    const std::vector<Pass> all = sky.Find(3).passes;
+    EXPECT_GT(all.size(), 35U); // a polar station sees nearly every one of 44 orbits
+    for (std::size_t k = 1; k < all.size(); ++k)
+        EXPECT_GT(all[k].riseUtc, all[k - 1].setUtc);
+}
+
+TEST(PassSearchTest, ElementsThatGiveNoPositionAreAnError) {
+    Elements decayed = StationLike();
+    decayed.meanMotion *= 1.2;
+    EXPECT_EQ(Sky(decayed, 50, 10, 46343).Find(3).error, PropagationError::Decayed);
+    EXPECT_NE(Sky(StationLike(), 50, 10, std::numeric_limits<double>::quiet_NaN()).Find(3).error,
+              PropagationError::None);
+    EXPECT_NE(Sky(StationLike(), 50, 10, 1e12).Find(3).error, PropagationError::None);
+}
