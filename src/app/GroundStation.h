@@ -1,0 +1,51 @@
+#pragma once
+
+#include "foundation/ProgramFolder.h"
+#include "foundation/Settings.h"
+#include "link/AgwLink.h"
+#include "link/AgwSettings.h"
+#include "orbit/TrackedSatellites.h"
+#include "orbit/clsSats.h"
+#include "station/Station.h"
+#include "telemetry/CallsignList.h"
+#include "telemetry/FrameIntake.h"
+#include "telemetry/MonitorText.h"
+#include "telemetry/TelemetryDecoder.h"
+
+class Clock;
+
+/// What telemetry is decoded with and into.
+struct TelemetryTables {
+    ChannelMap channelMap;
+    TelemetryGrids grids = MakeTelemetryGrids();
+    FormulaTable formulae;
+};
+
+/// The objects of a running program below its windows, wired to each other. Declared in the order of their
+/// making.
+struct GroundStation {
+    /// All arguments must outlive the station; `window` is where its timers are found by name.
+    GroundStation(const ProgramFolder& folder, const Clock& clock, const TelemetryTables& tables,
+                  MonitorText& monitor, QObject* window);
+
+    clsIni cIni;
+    clsSats cSats;
+    TrackedSatellites satellites;
+    Station station;
+    AgwSettings agw;
+    AgwLink link;
+    CallsignList callsigns;
+    TelemetryDecoder decoder;
+    FrameIntake intake;
+
+    /// Reads the display options, the station and the packet engine's address, and removes keys of an older
+    /// layout.
+    void LoadSettings();
+
+    /// Inverts the option, saves it, and answers what it is now.
+    bool ToggleLocalTime();
+    bool ToggleOnlyShowQiran();
+
+private:
+    void SaveOption(const Setting& setting, bool value);
+};

@@ -1,0 +1,54 @@
+#include "app/Texts.h"
+
+#include "app/Version.h"
+
+namespace Texts {
+
+QString Caption(const QString& title) {
+    return QStringLiteral("%1    V%2.%3%4%5")
+        .arg(title)
+        .arg(::Version::major)
+        .arg(::Version::minor)
+        .arg(::Version::revision)
+        .arg(QStringView(::Version::fileDescription));
+}
+
+QString VersionNumber() {
+    return QStringLiteral("%1.%2.%3").arg(::Version::major).arg(::Version::minor).arg(::Version::revision);
+}
+
+QString Version() {
+    return QStringLiteral("Version %1.%2 revision %3")
+        .arg(::Version::major)
+        .arg(::Version::minor)
+        .arg(::Version::revision);
+}
+
+QString CubeExplanation() {
+    return QStringLiteral("The satellite is a cube.\r\n"
+                          "X+, X-, Y+, Y-, Z+ and Z- refer to the six sides of the cube.");
+}
+
+QString PositionUnknown() {
+    return QStringLiteral(
+        "Pass predictions will not be not available until you input your latitude and longitude in  "
+        "'Station Information'.");
+}
+
+QString CannotSave(const QString& file, const QString& reason) {
+    return QStringLiteral("*** The settings cannot be saved in %1 - %2\r\n").arg(file, reason);
+}
+
+QString WhereFormulaeBelong(const QString& path) {
+    return QStringLiteral(
+               "QiranDecode: put the satellite's calibration formulae into the file %1\n"
+               "An example to begin with is formula.example.txt among the files that came with the "
+               "program.\n")
+        .arg(path);
+}
+
+QString AlreadyRunning() {
+    return QStringLiteral("QiranDecode is already running. ");
+}
+
+} // namespace Texts

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+
+/// Texts of the main window that depend on what the program found at start-up.
+namespace Texts {
+
+/// The window caption: the program's title, its version and the version record's file description. The
+/// version is major, ".", minor and the revision with no point before it.
+QString Caption(const QString& title);
+
+/// The version as "2.4.2".
+QString VersionNumber();
+
+/// The version for people, as in the about box.
+QString Version();
+
+/// What stands under the grids.
+QString CubeExplanation();
+
+/// The warning that pass predictions need the station's position.
+QString PositionUnknown();
+
+/// The monitor line that settings are lost, and why.
+QString CannotSave(const QString& file, const QString& reason);
+
+/// For standard error: where a formula file is to be put, and where an example is.
+QString WhereFormulaeBelong(const QString& path);
+
+/// The notice of a second start in the same folder.
+QString AlreadyRunning();
+
+} // namespace Texts

@@ -1,0 +1,276 @@
+#include "app/frmQIRAN.h"
+
+#include "app/MainMenuView.h"
+#include "app/Texts.h"
+#include "app/Version.h"
+#include "app/frmAbout.h"
+#include "foundation/PlaceWindow.h"
+#include "foundation/Settings.h"
+#include "foundation/Twips.h"
+#include "foundation/mb.h"
+#include "keps/HttpTransfer.h"
+#include "keps/frmDownload.h"
+#include "link/frmAgwpeSetup.h"
+#include "orbit/framLocation.h"
+#include "orbit/frmMap.h"
+#include "orbit/frmPass.h"
+#include "station/frmLocation.h"
+#include "station/frmTerm.h"
+#include "telemetry/FormulaFile.h"
+#include "telemetry/MonitorPane.h"
+#include "telemetry/TelemetryFiles.h"
+#include "telemetry/TelemetryGridView.h"
+#include "telemetry/frmCalls.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFile>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenuBar>
+#include <QVBoxLayout>
+
+#include <cstdio>
+
+frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages)
+    : m_folder(folder)
+    , m_clock(clock)
+    , m_messages(messages)
+    , m_instance(folder)
+    , m_menu(std::make_unique<MainMenuView>(*menuBar()))
+    , m_timer1(this) {
+    setObjectName(QStringLiteral("frmQIRAN"));
+    setWindowTitle(QStringLiteral("QIRAN Telemetry Decoder"));
+    m_timer1.setObjectName(QStringLiteral("Timer1"));
+    m_timer1.setInterval(1000);
+    connect(&m_timer1, &QTimer::timeout, this, [this] { m_framLocation->Tick(); });
+    LayOut();
+    ConnectMenu(*m_menu);
+}
+
+frmQIRAN::~frmQIRAN() {
+    Unload();
+}
+
+void frmQIRAN::LayOut() {
+    auto* grids = new QHBoxLayout;
+    for (const auto& grid : m_tables.grids)
+        grids->addWidget(new TelemetryGridView(*grid, m_tipCell));
+    Label2 = new QLabel;
+    Label2->setObjectName(QStringLiteral("Label2"));
+    Label2->setTextFormat(Qt::PlainText);
+    txtMon = new MonitorPane(m_monitor);
+
+    auto* telemetry = new QVBoxLayout;
+    telemetry->addLayout(grids);
+    telemetry->addWidget(Label2);
+    m_side = new QVBoxLayout;
+    auto* upper = new QHBoxLayout;
+    upper->addLayout(telemetry, 1);
+    upper->addLayout(m_side);
+    auto* centre = new QWidget;
+    auto* layout = new QVBoxLayout(centre);
+    layout->addLayout(upper);
+    layout->addWidget(txtMon, 1);
+    setCentralWidget(centre);
+}
+
+void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
+    const auto entry = [this](const QAction* action, void (frmQIRAN::*operation)()) {
+        connect(action, &QAction::triggered, this, operation);
+    };
+    entry(menu.mnuTerminal, &frmQIRAN::ShowTerminal);
+    entry(menu.mnuMap, &frmQIRAN::ShowMap);
+    entry(menu.mnuLocation, &frmQIRAN::ShowStationInformation);
+    entry(menu.mnuAGWPESetup, &frmQIRAN::ShowAgwpeSetup);
+    entry(menu.mnuCallsigns, &frmQIRAN::ShowCallsigns);
+    entry(menu.mnuDownloadKeps, &frmQIRAN::DownloadKeps);
+    connect(menu.mnuUseLocalTime, &QAction::triggered, this, [this] {
+        m_ground->ToggleLocalTime();
+        SetDueCaption();
+        m_framLocation->Refresh();
+    });
+    connect(menu.mnuOnlyShowQIRAN, &QAction::triggered, this,
+            [this] { m_menu->mnuOnlyShowQIRAN->setChecked(m_ground->ToggleOnlyShowQiran()); });
+    connect(menu.mnuHelpContents, &QAction::triggered, this, [this] { m_messages.HelpContents(); });
+    connect(menu.mnuAbout, &QAction::triggered, this, [this] { frmAbout(this).exec(); });
+    connect(menu.mnuExit, &QAction::triggered, this, &QWidget::close);
+}
+
+bool frmQIRAN::Load() {
+    if (m_instance.IsAnotherRunning()) {
+        m_messages.MessageBox(this, Texts::AlreadyRunning(), MessageStyle::Information);
+        return false;
+    }
+    setWindowTitle(Texts::Caption(windowTitle()));
+    m_messages.SetUpHelp(this, m_folder.Path());
+    Label2->setText(Texts::CubeExplanation());
+    if (!LoadFormulaTable())
+        return false;
+    m_ground = std::make_unique<GroundStation>(m_folder, m_clock, m_tables, m_monitor, this);
+    m_messages.SetTitle(QStringLiteral("QIRAN Telemetry Decoder"));
+    LoadSettings();
+    m_ground->callsigns.LoadCallsigns();
+    PrepareTracking();
+    LoadTerminal();
+    connect(&m_ground->link, &AgwLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
+    m_ground->link.Connect();
+    m_framLocation->Tick(true);
+    m_timer1.start();
+    show();
+    WarnOfWhatIsMissing();
+    return true;
+}
+
+bool frmQIRAN::LoadFormulaTable() {
+    m_tables.channelMap.BuildChannelMap();
+    const QString path = m_folder.File(QStringLiteral("formula.txt"));
+    const FormulaLoad result = LoadFormulae(path, m_tables.grids, m_tables.formulae, m_messages, this);
+    if (result == FormulaLoad::Failed && !QFile::exists(path))
+        std::fprintf(stderr, "%s", Texts::WhereFormulaeBelong(path).toLocal8Bit().constData());
+    return result == FormulaLoad::Loaded;
+}
+
+void frmQIRAN::LoadSettings() {
+    m_ground->satellites.LoadSettings(m_ground->cIni);
+    PlaceWindow();
+    m_ground->LoadSettings();
+    m_menu->mnuOnlyShowQIRAN->setChecked(m_ground->intake.OnlyShowQiran());
+}
+
+void frmQIRAN::PlaceWindow() {
+    adjustSize();
+    CentreOnScreen(this);
+    const auto place = [this](const Setting& setting, int pixels) {
+        return Twips::PixelsOf(Settings::ReadOr(m_ground->cIni, setting, Twips::TextOf(pixels, *this)),
+                               *this);
+    };
+    const int left = place(Settings::left, x());
+    const int top = place(Settings::top, y());
+    if (WindowsCanBePlaced())
+        move(left, top);
+}
+
+void frmQIRAN::PrepareTracking() {
+    m_framLocation = new framLocation(m_ground->cSats, m_ground->satellites);
+    m_side->addWidget(m_framLocation);
+    m_side->addStretch();
+    connect(m_framLocation, &framLocation::SatChanged, this, [this] {
+        if (m_map)
+            m_map->SatHasChanged();
+    });
+    connect(m_framLocation, &framLocation::PassInfoRequested, this, &frmQIRAN::ShowPassPredictions);
+    connect(&m_ground->station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
+    LoadElements();
+    ApplyStationPosition();
+    SetDueCaption();
+}
+
+void frmQIRAN::LoadElements() {
+    m_ground->cSats.setStrKeplerPath(m_folder.KepsFolder());
+    m_framLocation->FindInKeps(m_folder.KepsFolder());
+}
+
+void frmQIRAN::ApplyStationPosition() {
+    m_framLocation->ApplyStationPosition(m_ground->station.dblLat(), m_ground->station.dblLong());
+}
+
+void frmQIRAN::SetDueCaption() {
+    m_framLocation->SetDueCaption();
+    m_menu->mnuUseLocalTime->setChecked(m_ground->cSats.blnLocalTime());
+}
+
+void frmQIRAN::ShowPassPredictions() {
+    frmPass(m_ground->cSats, m_ground->satellites, this).exec();
+}
+
+void frmQIRAN::LoadTerminal() {
+    m_terminal = std::make_unique<frmTerm>(m_ground->cIni, m_messages, m_ground->station, m_ground->link,
+                                           m_clock, m_folder,
+                                           ProgramVersion{Version::major, Version::minor, Version::revision});
+    m_ground->intake.SetTerminal(
+        [this](QByteArrayView text, qint16 kind) { m_terminal->ShowData(text, kind); });
+    connect(m_terminal.get(), &frmTerm::ImUnloading, this, [this] {
+        m_ground->intake.SetTerminal({});
+        m_terminal.release()->deleteLater(); // it is still about its own closing
+    });
+}
+
+void frmQIRAN::ShowTerminal() {
+    if (!m_terminal)
+        LoadTerminal();
+    m_terminal->BringForward();
+}
+
+void frmQIRAN::ShowMap() {
+    if (!m_map) {
+        m_map = new frmMap(m_ground->cSats, m_ground->satellites, m_ground->cIni, m_messages, m_folder);
+        m_map->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_map, &frmMap::ChangeSatRequested, m_framLocation, &framLocation::ChangeSat);
+        connect(m_map, &frmMap::ImUnloading, this, [this] { m_map.clear(); });
+    }
+    m_map->setWindowState(m_map->windowState() & ~Qt::WindowMinimized);
+    m_map->show();
+    m_map->raise();
+    m_map->activateWindow();
+}
+
+void frmQIRAN::ShowStationInformation() {
+    frmLocation(m_ground->station, m_messages, this).exec();
+}
+
+void frmQIRAN::ShowAgwpeSetup() {
+    frmAgwpeSetup(m_ground->agw, m_ground->link, m_messages, this).exec();
+}
+
+void frmQIRAN::ShowCallsigns() {
+    frmCalls(m_ground->callsigns, m_messages, this).DoCalls();
+}
+
+void frmQIRAN::DownloadKeps() {
+    HttpTransfer inet;
+    if (!frmDownload(m_folder, m_ground->cIni, m_messages, inet, this).DownloadKeps())
+        return;
+    LoadElements();
+    m_framLocation->Refresh();
+}
+
+void frmQIRAN::WarnOfWhatIsMissing() {
+    if (!m_ground->station.PositionKnown())
+        m_messages.MessageBox(this, Texts::PositionUnknown(), MessageStyle::Information);
+    if (const QString missing = m_ground->satellites.NoKepsMessage(); !missing.isEmpty())
+        m_messages.MessageBox(this, missing, MessageStyle::Information);
+}
+
+void frmQIRAN::PurgeTelemetryFiles() {
+    TelemetryFiles::PurgeTelemetryFiles(m_folder.Path());
+}
+
+void frmQIRAN::closeEvent(QCloseEvent* event) {
+    Unload();
+    event->accept();
+    QApplication::quit();
+}
+
+void frmQIRAN::Unload() {
+    if (!m_ground)
+        return;
+    m_timer1.stop();
+    m_ground->link.Stop();
+    m_ground->intake.SetTerminal({});
+    m_terminal.reset();
+    if (frmMap* map = m_map) {
+        map->close();
+        delete map;
+    }
+    if (!isMinimized()) {
+        if (WindowsCanBePlaced()) {
+            Settings::Save(m_ground->cIni, Settings::left, Twips::TextOf(x(), *this));
+            Settings::Save(m_ground->cIni, Settings::top, Twips::TextOf(y(), *this));
+        }
+        m_ground->satellites.SaveSettings(m_ground->cIni);
+    }
+    m_messages.HelpQuit();
+    m_ground.reset();
+}

@@ -1,0 +1,69 @@
+#include "app/CommandLine.h"
+#include "app/ReportPresenter.h"
+#include "app/frmQIRAN.h"
+#include "foundation/Clock.h"
+#include "foundation/HelpKey.h"
+#include "foundation/MessageBoxPresenter.h"
+#include "foundation/mb.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QIcon>
+
+#include <csignal>
+#include <cstdio>
+
+namespace {
+
+int Print(std::FILE* stream, const QString& text, int code) {
+    std::fputs(text.toLocal8Bit().constData(), stream);
+    return code;
+}
+
+// Settled before the window system is asked for anything, so that --help works without a display.
+CommandLine ReadArguments(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    return CommandLine::Read(arguments);
+}
+
+int Run(const CommandLine& line, const QString& executable) {
+    const ProgramFolder folder(line.folder.isEmpty() ? QApplication::applicationDirPath() : line.folder,
+                               QFileInfo(executable).completeBaseName());
+    const Clock clock;
+    const QString helpFile = folder.File(QStringLiteral("qirandecode.HLP"));
+    if (line.reportFolder.isEmpty()) {
+        MessageBoxPresenter presenter(helpFile);
+        const HelpKey helpKey(qApp, presenter);
+        mb messages(presenter);
+        frmQIRAN window(folder, clock, messages);
+        return window.Load() ? QApplication::exec() : 1;
+    }
+    ReportPresenter presenter(helpFile, line.reportFolder);
+    mb messages(presenter);
+    frmQIRAN window(folder, clock, messages);
+    if (!window.Load())
+        return 1;
+    presenter.ReportAfter(window, line.reportSeconds);
+    return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const CommandLine line = ReadArguments(argc, argv);
+    if (line.action == CommandLine::Action::Print)
+        return Print(stdout, line.text, 0);
+    if (line.action == CommandLine::Action::Fail)
+        return Print(stderr, line.text, 2);
+
+    // A write beyond the limit of a file's size is to fail like any other that finds no room.
+    std::signal(SIGXFSZ, SIG_IGN);
+
+    QApplication::setApplicationName(QStringLiteral("QiranDecode"));
+    QApplication::setApplicationDisplayName(QStringLiteral("QIRAN Telemetry Decoder"));
+    QApplication application(argc, argv);
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/qirandecode.png")));
+    return Run(line, QApplication::applicationFilePath());
+}
