@@ -39,12 +39,18 @@ std::string Stamp(std::int64_t seconds) {
            Digits(clock.minutes().count(), 2) + Digits(clock.seconds().count(), 2);
 }
 
-std::string Item(const Pass& pass) {
+void AppendItem(const Pass& pass, std::string& list) {
     const auto start = static_cast<std::int64_t>(std::ceil(pass.riseUtc * secondsPerDay));
     const auto duration = static_cast<std::int64_t>((pass.setUtc - pass.riseUtc) * secondsPerDay);
-    return "(" + Stamp(start) + " " + TwoDecimals(pass.riseAzimuth / radiansPerDegree) + " " +
-           TwoDecimals(pass.setAzimuth / radiansPerDegree) + " " +
-           TwoDecimals(pass.maxElevation / radiansPerDegree) + " " + std::to_string(duration) + ")";
+    list += list.empty() ? "(" : ",(";
+    list += Stamp(start);
+    for (const double angle : {pass.riseAzimuth, pass.setAzimuth, pass.maxElevation}) {
+        list += ' ';
+        list += TwoDecimals(angle / radiansPerDegree);
+    }
+    list += ' ';
+    list += std::to_string(duration);
+    list += ')';
 }
 
 } // namespace
@@ -61,6 +67,7 @@ bool KVRSatLib::SetElementFolder(const std::string& path) {
         return false;
     m_folder = std::move(*folder);
     m_propagators.clear();
+    m_last = {};
     return true;
 }
 
@@ -80,27 +87,35 @@ bool KVRSatLib::SetObserverLongitude(double degreesEast) {
     return true;
 }
 
-const Propagator& KVRSatLib::PropagatorOf(const Elements& elements, double utc) {
-    const auto known = m_propagators.find(elements.number);
-    if (known != m_propagators.end())
-        return known->second;
-    // Ready for as far as the clock is away from the epoch: old elements are asked for again and again.
-    constexpr double tenDays = 10 * 1440;
-    constexpr double sixtyDays = 60 * 1440;
-    const double ready = std::abs(utc - elements.epochUtc) * 1440 + tenDays;
-    return m_propagators
-        .emplace(elements.number, Propagator(elements, std::clamp(ready, sixtyDays, Propagator::farthest)))
-        .first->second;
+const KVRSatLib::Tracked* KVRSatLib::Track(const std::string& object, double utc) {
+    if (m_last.set && m_last.object == object)
+        return &m_last;
+    const ElementSet* set = m_folder.Find(object);
+    if (!set)
+        return nullptr;
+    const Elements& elements = set->elements;
+    auto known = m_propagators.find(elements.number);
+    if (known == m_propagators.end()) {
+        // Ready for as far as the clock is away from the epoch: old elements are asked for again and again.
+        constexpr double tenDays = 10 * 1440;
+        constexpr double sixtyDays = 60 * 1440;
+        const double ready =
+            std::clamp(std::abs(utc - elements.epochUtc) * 1440 + tenDays, sixtyDays, Propagator::farthest);
+        known = m_propagators.emplace(elements.number, Propagator(elements, ready)).first;
+    }
+    m_last = {object, set, &known->second};
+    return &m_last;
 }
 
 std::optional<LibraryPosition> KVRSatLib::Position(const std::string& object, double libraryTime,
                                                    double thresholdDegrees) {
-    const ElementSet* set = m_folder.Find(object);
     const double utc = libraryTime - julianDateOfZero;
-    if (!set || !std::isfinite(utc) || std::isnan(thresholdDegrees))
+    if (!std::isfinite(utc) || std::isnan(thresholdDegrees))
         return {};
-    const Elements& elements = set->elements;
-    const Propagation found = PropagatorOf(elements, utc).At((utc - elements.epochUtc) * 1440);
+    const Tracked* tracked = Track(object, utc);
+    if (!tracked)
+        return {};
+    const Propagation found = tracked->propagator->At((utc - tracked->set->elements.epochUtc) * 1440);
     if (!found)
         return {};
     const EarthState earth = ToEarth(found.state, SiderealTime(utc));
@@ -123,12 +138,11 @@ std::optional<LibraryPosition> KVRSatLib::Position(const std::string& object, do
 
 std::optional<PassList> KVRSatLib::Passes(const std::string& object, double startUtc, int passesPerDay,
                                           int days) {
-    const ElementSet* set = m_folder.Find(object);
-    if (!set || !std::isfinite(startUtc))
+    const Tracked* tracked = std::isfinite(startUtc) ? Track(object, startUtc) : nullptr;
+    if (!tracked)
         return {};
     const std::int64_t most = std::int64_t{std::max(passesPerDay, 0)} * std::max(days, 0);
-    return FindPasses(PropagatorOf(set->elements, startUtc), m_observer, startUtc, days,
-                      static_cast<std::size_t>(most));
+    return FindPasses(*tracked->propagator, m_observer, startUtc, days, static_cast<std::size_t>(most));
 }
 
 std::optional<std::string> KVRSatLib::ListPasses(const std::string& object, double startUtc, int passesPerDay,
@@ -139,7 +153,7 @@ std::optional<std::string> KVRSatLib::ListPasses(const std::string& object, doub
         return {};
     std::string list;
     for (const Pass& pass : found->passes)
-        list += (list.empty() ? "" : ",") + Item(pass);
+        AppendItem(pass, list);
     return list;
 }
 

@@ -44,7 +44,15 @@ public:
                                               int days);
 
 private:
-    const orbitmath::Propagator& PropagatorOf(const orbitmath::Elements& elements, double utc);
+    /// An object that has been asked for.
+    struct Tracked {
+        std::string object; ///< as the caller names it
+        const orbitmath::ElementSet* set = nullptr;
+        const orbitmath::Propagator* propagator = nullptr;
+    };
+
+    /// Nothing when the object is unknown. `utc` is the time it is asked for.
+    const Tracked* Track(const std::string& object, double utc);
 
     orbitmath::ElementFolder::Report m_report;
     orbitmath::ElementFolder m_folder;
@@ -53,4 +61,5 @@ private:
     orbitmath::Observer m_observer{0, 0};
     /// Made when an object is first asked for: a folder may hold a hundred times more than are.
     std::unordered_map<std::uint32_t, orbitmath::Propagator> m_propagators;
+    Tracked m_last; ///< the same object is asked for many times on end
 };

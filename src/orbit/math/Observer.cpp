@@ -4,6 +4,16 @@
 
 namespace orbitmath {
 
+namespace {
+
+/// The angle of a direction whose sine and cosine are known. The arc sine is quick, and good where it is not
+/// steep.
+double AngleOf(double sine, double cosine) {
+    return std::abs(sine) < 0.9 ? std::asin(sine) : std::atan2(sine, cosine);
+}
+
+} // namespace
+
 EarthState ToEarth(const StateVector& state, double siderealTime) {
     const SinCos theta = SinCos::Of(siderealTime);
     const Vector3& r = state.position;
@@ -18,27 +28,24 @@ EarthState ToEarth(const StateVector& state, double siderealTime) {
 Geodetic ToGeodetic(const Vector3& position) {
     using namespace wgs84;
     constexpr double secondEccentricity2 = eccentricity2 / (1 - eccentricity2);
-    const double p = std::sqrt(position.x * position.x + position.y * position.y);
-    // The latitude as a direction (along p, along z), and the reduced latitude likewise.
-    double alongP = p * (1 - flattening);
-    double alongZ = position.z;
-    double reducedP = p * (1 - flattening);
-    double reducedZ = position.z;
-    for (int k = 0; k < 2; ++k) {
-        const double perLength = 1 / std::sqrt(reducedP * reducedP + reducedZ * reducedZ);
-        const double cosReduced = reducedP * perLength;
-        const double sinReduced = reducedZ * perLength;
-        alongZ = position.z + secondEccentricity2 * polarRadius * sinReduced * sinReduced * sinReduced;
-        alongP = p - eccentricity2 * equatorialRadius * cosReduced * cosReduced * cosReduced;
-        reducedP = alongP;
-        reducedZ = alongZ * (1 - flattening);
-    }
+    const double p2 = position.x * position.x + position.y * position.y;
+    const double p = std::sqrt(p2);
+    const double r = std::sqrt(p2 + position.z * position.z);
+    // The reduced latitude as a direction, then the latitude as one (along p, along z).
+    const double reducedZ = (1 - flattening) * position.z * (r + secondEccentricity2 * polarRadius);
+    const double reducedP = p * r;
+    const double perReduced = 1 / std::sqrt(reducedP * reducedP + reducedZ * reducedZ);
+    const double cosReduced = reducedP * perReduced;
+    const double sinReduced = reducedZ * perReduced;
+    const double alongZ =
+        position.z + secondEccentricity2 * polarRadius * sinReduced * sinReduced * sinReduced;
+    const double alongP = p - eccentricity2 * equatorialRadius * cosReduced * cosReduced * cosReduced;
     const double perLength = 1 / std::sqrt(alongP * alongP + alongZ * alongZ);
     const double sine = alongZ * perLength;
     const double cosine = alongP * perLength;
 
     Geodetic point;
-    point.latitude = std::atan2(alongZ, alongP);
+    point.latitude = AngleOf(sine, cosine);
     point.longitude = std::atan2(position.y, position.x);
     point.altitude =
         p * cosine + position.z * sine - equatorialRadius * std::sqrt(1 - eccentricity2 * sine * sine);
@@ -71,8 +78,9 @@ LookAngles Observer::Look(const EarthState& object) const {
     const Vector3 local = ToLocal(line);
     LookAngles look;
     look.azimuth = AzimuthOf(local);
-    look.elevation = ElevationOf(local);
     look.range = Length(line);
+    const double across = std::sqrt(local.x * local.x + local.y * local.y);
+    look.elevation = look.range > 0 ? AngleOf(local.z / look.range, across / look.range) : 0;
     look.rangeRate = look.range > 0 ? Dot(line, object.velocity) / look.range : 0;
     return look;
 }

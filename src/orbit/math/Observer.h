@@ -31,7 +31,7 @@ struct Geodetic {
     double altitude = 0;  ///< km
 };
 
-/// The point under (or over) which a place lies. Bowring's iteration, twice: exact to 1e-11 radians from the
+/// The point under (or over) which a place lies. Bowring's formula of 1985: exact to 1e-10 radians from the
 /// surface to the moon.
 Geodetic ToGeodetic(const Vector3& position);
 

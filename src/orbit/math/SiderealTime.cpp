@@ -9,7 +9,7 @@ double SiderealTime(double utc) {
     constexpr double secondsPerDay = 86400;
     const double t = (utc - j2000) / 36525;
     const double seconds = 67310.54841 + t * (876600 * 3600.0 + 8640184.812866 + t * (0.093104 - t * 6.2e-6));
-    return Turned(std::fmod(seconds, secondsPerDay) * (twoPi / secondsPerDay));
+    return twoPi * (seconds / secondsPerDay - std::floor(seconds / secondsPerDay));
 }
 
 } // namespace orbitmath

@@ -43,9 +43,8 @@ struct SinCos {
 
 /// `angle` turned into 0 (included) to 2 pi (excluded).
 inline double Turned(double angle) {
-    const double rest = std::fmod(angle, twoPi);
-    const double turned = rest < 0 ? rest + twoPi : rest;
-    return turned < twoPi ? turned : 0;
+    const double turned = angle - twoPi * std::floor(angle * (1 / twoPi));
+    return turned >= 0 && turned < twoPi ? turned : 0; // rounding may overshoot by a last digit
 }
 
 } // namespace orbitmath
