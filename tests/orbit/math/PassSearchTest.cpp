@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <limits>
+#include <sstream>
+#include <string>
 #include <vector>
 
 using namespace orbitmath;
@@ -257,4 +260,52 @@ TEST(PassSearchTest, ElementsThatGiveNoPositionAreAnError) {
     EXPECT_NE(Sky(StationLike(), 50, 10, std::numeric_limits<double>::quiet_NaN()).Find(3).error,
               PropagationError::None);
     EXPECT_NE(Sky(StationLike(), 50, 10, 1e12).Find(3).error, PropagationError::None);
+}
+
+// The tolerances are derived in golden/make_passes.py.
+TEST(PassSearchTest, TenRunsAgreeWithSkyfield) {
+    std::ifstream file(ORBIT_GOLDEN "/passes.txt");
+    std::vector<Pass> passes;
+    double start = 0;
+    std::size_t next = 0;
+    int runs = 0;
+    int compared = 0;
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream words(line);
+        std::string first;
+        if (line.starts_with("run ")) {
+            double latitude = 0;
+            double longitude = 0;
+            words >> first >> latitude >> longitude >> start;
+            std::string line1;
+            std::string line2;
+            std::getline(file, line1);
+            std::getline(file, line2);
+            const auto read = ReadElements(line1, line2);
+            ASSERT_TRUE(std::holds_alternative<Elements>(read));
+            EXPECT_EQ(next, passes.size()) << "a pass too many in the run before";
+            passes = Sky(std::get<Elements>(read), latitude, longitude, start).Find(3).passes;
+            if (!passes.empty() && passes.back().setUtc > start + 3)
+                passes.pop_back();
+            next = 0;
+            ++runs;
+        } else if (!line.starts_with('#')) {
+            double rise = 0;
+            double highest = 0;
+            double set = 0;
+            double elevation = 0;
+            words >> rise >> highest >> set >> elevation;
+            ASSERT_LT(next, passes.size()) << line;
+            const Pass& pass = passes[next++];
+            const double crossing = elevation < 1 ? 0.05 : 0.005;
+            EXPECT_NEAR((pass.riseUtc - start) * secondsPerDay, rise, crossing);
+            EXPECT_NEAR((pass.highestUtc - start) * secondsPerDay, highest, 0.05);
+            EXPECT_NEAR((pass.setUtc - start) * secondsPerDay, set, crossing);
+            EXPECT_NEAR(pass.maxElevation / radiansPerDegree, elevation, elevation > 80 ? 0.055 : 0.001);
+            ++compared;
+        }
+    }
+    EXPECT_EQ(next, passes.size());
+    EXPECT_EQ(runs, 10);
+    EXPECT_GT(compared, 150);
 }
