@@ -12,8 +12,9 @@ GroundStation::GroundStation(const ProgramFolder& folder, const Clock& clock, co
     , agw(cIni)
     , link(agw, window)
     , callsigns(cIni)
-    , decoder(tables.channelMap, tables.formulae, tables.grids, callsigns, [this] { return cSats.datTime(); })
-    , intake(callsigns, decoder, monitor, [this] { return cSats.datTime(); }) {
+    , frameTime(clock, [this] { return cSats.datTime(); })
+    , decoder(tables.channelMap, tables.formulae, tables.grids, callsigns, [this] { return frameTime.Now(); })
+    , intake(callsigns, decoder, monitor, [this] { return frameTime.Now(); }) {
     cIni.SetWriteFailed([this](const QString& file, const QString& reason) {
         intake.AddToMonitor(Texts::CannotSave(file, reason), DisplayKind::Status);
     });
@@ -39,6 +40,7 @@ void GroundStation::LoadSettings() {
 
 bool GroundStation::ToggleLocalTime() {
     cSats.setBlnLocalTime(!cSats.blnLocalTime());
+    frameTime.Forget();
     SaveOption(Settings::useLocalTime, cSats.blnLocalTime());
     return cSats.blnLocalTime();
 }

@@ -10,6 +10,7 @@
 #include "telemetry/CallsignList.h"
 #include "telemetry/FrameIntake.h"
 #include "telemetry/MonitorText.h"
+#include "telemetry/SecondTime.h"
 #include "telemetry/TelemetryDecoder.h"
 
 class Clock;
@@ -35,6 +36,7 @@ struct GroundStation {
     AgwSettings agw;
     AgwLink link;
     CallsignList callsigns;
+    SecondTime frameTime;
     TelemetryDecoder decoder;
     FrameIntake intake;
 
