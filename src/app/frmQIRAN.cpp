@@ -56,7 +56,7 @@ frmQIRAN::~frmQIRAN() {
 void frmQIRAN::LayOut() {
     auto* grids = new QHBoxLayout;
     for (const auto& grid : m_tables.grids)
-        grids->addWidget(new TelemetryGridView(*grid, m_tipCell));
+        grids->addWidget(new TelemetryGridView(*grid, m_tipCell), 0, Qt::AlignTop);
     Label2 = new QLabel;
     Label2->setObjectName(QStringLiteral("Label2"));
     Label2->setTextFormat(Qt::PlainText);

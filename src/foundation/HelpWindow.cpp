@@ -87,8 +87,9 @@ HelpWindow::HelpWindow(QWidget* parent)
     panes->setObjectName(QStringLiteral("picPanes"));
     panes->addWidget(m_contents);
     panes->addWidget(m_page);
-    panes->setStretchFactor(0, 1);
-    panes->setStretchFactor(1, 3);
+    panes->setStretchFactor(1, 1);
+    const int character = fontMetrics().averageCharWidth();
+    panes->setSizes({38 * character, 82 * character}); // headings in full, pages in lines that read well
     panes->setChildrenCollapsible(false);
     auto* column = new QVBoxLayout(this);
     column->addLayout(bar);
