@@ -11,6 +11,7 @@ import shutil
 import signal
 import socket
 import subprocess
+import threading
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -18,11 +19,15 @@ SETTINGS_FILE = "QiranDecode.INI"
 
 
 def free_port():
-    """A TCP port of the loopback interface that nobody uses at this moment, and that the program's settings can hold."""
+    """A TCP port that nobody uses at this moment, of those that the program takes: it knows none above 32767."""
     while True:
-        with socket.socket() as probe, contextlib.suppress(OSError):
-            probe.bind(("127.0.0.1", random.randrange(10000, 32768)))
-            return probe.getsockname()[1]
+        port = random.randrange(10000, 32768)
+        with socket.socket() as probe:
+            try:
+                probe.bind(("", port))
+                return port
+            except OSError:
+                continue
 
 
 def wait_for(condition, what, seconds=30.0, alive=None):
@@ -72,6 +77,51 @@ def running(command, **options):
             if stream is not None:
                 with contextlib.suppress(OSError):
                     stream.close()
+
+
+class Simulator:
+    """The packet engine simulator, playing a script; what it says of the program is in `lines`."""
+
+    def __init__(self, program, script=None, loop=False, port=None):
+        command = [str(program), "--port", str(port or free_port())]
+        if script:
+            command += ["--script", str(script)]
+        if loop:
+            command += ["--loop"]
+        self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, bufsize=1)
+        self.lines = []
+        told = self.process.stdout.readline().split()
+        if len(told) != 2 or told[0] != "listening":
+            end(self.process)
+            raise RuntimeError("the packet engine simulator did not start")
+        self.port = int(told[1])
+        self._reader = threading.Thread(target=self._read, daemon=True)
+        self._reader.start()
+
+    def _read(self):
+        for line in self.process.stdout:
+            self.lines.append(line.rstrip("\n"))
+
+    def tell(self, *commands):
+        """Commands of its script language, carried out at once."""
+        for command in commands:
+            self.process.stdin.write(command + "\n")
+        self.process.stdin.flush()
+
+    def frames(self, kind):
+        """What programs have sent so far of one kind: pairs of header and data, as bytes."""
+        whole = [bytes.fromhex(line.split()[2]) for line in list(self.lines) if line.startswith("frame ")]
+        return [(frame[:36], frame[36:]) for frame in whole if chr(frame[4]) == kind]
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        end(self.process)
+        self._reader.join(5)
+        with contextlib.suppress(OSError):
+            self.process.stdin.close()
+        self.process.stdout.close()
 
 
 @contextlib.contextmanager
@@ -157,19 +207,21 @@ def read_settings(path):
 class Report:
     """What the program printed at the end of a run with --demo-report."""
 
+    HEADS = {"POWER": "gTlm0", "CURRENT": "gTlm1", "TEMPS": "gTlm2"}
+
     def __init__(self, text):
         self.grids = {}
-        self.monitor = ""
-        block, lines = None, {}
+        texts = {"Monitor:": [], "Terminal:": []}
+        into = None
         for line in text.splitlines():
-            if line.startswith("== "):
-                block = line[3:].strip()
-                lines[block] = []
-            elif block is not None:
-                lines[block].append(line)
-        for name, rows in lines.items():
-            if name.startswith("gTlm"):
-                cells = [row.split("\t") for row in rows if row]
-                self.grids[name] = {row[0]: (row[1], row[2]) for row in cells[1:]}
-            elif name == "txtMon":
-                self.monitor = "\n".join(rows)
+            cells = (line[:10].strip(), line[11:21].strip(), line[22:32].strip())
+            if line in texts:
+                into = texts[line]
+            elif cells[0] in self.HEADS and cells[1:] == ("A", "B"):
+                into = self.grids[self.HEADS[cells[0]]] = {}
+            elif isinstance(into, list):
+                into.append(line)
+            elif into is not None and cells[0]:
+                into[cells[0]] = cells[1:]
+        self.monitor = "\n".join(texts["Monitor:"])
+        self.terminal = "\n".join(texts["Terminal:"])

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QObject>
+
+class QSocketNotifier;
+
+/// Requests of the system that the program end (SIGTERM, SIGINT, SIGHUP), as events of the window's thread,
+/// so that it ends the way it does when its user closes it. Made before any other thread is started.
+class EndRequests : public QObject {
+    Q_OBJECT
+
+public:
+    explicit EndRequests(QObject* parent = nullptr);
+    ~EndRequests() override;
+
+Q_SIGNALS:
+    void Requested();
+
+private:
+    void Read();
+
+    int m_descriptor = -1; ///< below 0: the system gave none, and its signals end the program as ever
+    QSocketNotifier* m_notifier = nullptr;
+};

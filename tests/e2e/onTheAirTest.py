@@ -1,0 +1,114 @@
+#!/usr/bin/env python3
+"""A user at the keys sends a line, both beacons and a line through two digipeaters, and sees them come back."""
+
+import re
+import subprocess
+import sys
+import unittest
+
+import rig
+from direwolf_air import DirewolfAir
+from station import SIMULATOR, StationTest
+
+CALLSIGN = "N0CALL-7"
+STATION = {
+    ("SETUP", "CALLSIGN"): CALLSIGN, ("SETUP", "LATITUDE"): "5130.00N", ("SETUP", "LONGITUDE"): "00007.50W",
+    ("SETUP", "LOCATOR"): "IO91WM", ("SETUP", "COMMENT"): "On the air",
+}
+
+
+def enter_station(program):
+    """Fills in the station's information from the main window, by keys alone."""
+    program.activate("QIRAN Telemetry Decoder")
+    program.key("alt+o", "t")
+    dialog = program.activate("Station Information")
+    for field in (CALLSIGN.lower(), "51.30N", "000.07.50W", "On the air"):
+        program.key("ctrl+a")
+        program.type(field)
+        program.key("Tab")
+    program.key("alt+o")
+    program.wait_until_gone(dialog)
+
+
+def send_everything(program):
+    """From the terminal: a line, both beacons, and a line through two digipeaters."""
+    program.activate("QIRAN Telemetry Decoder")
+    program.key("alt+t")
+    program.activate("Terminal")
+    program.key("alt+v", "ctrl+a", "BackSpace", "alt+r")
+    program.type("Hello to all on the ground")
+    program.key("Return")
+    program.key("alt+a")
+    program.key("alt+l")
+    program.key("alt+v", "ctrl+a")
+    program.type("qiran-1 wide2-2")
+    program.key("alt+r")
+    program.type("Through two digipeaters")
+    program.key("Return")
+
+
+class OnTheAir(StationTest):
+    def test_what_a_user_sends_is_transmitted_and_comes_back_in_cyan_and_in_the_log(self):
+        with DirewolfAir() as engine:
+            program = self.start(engine.port, {key: "" for key in STATION})
+            program.wait_for_text("*** AGW-Connected to - localhost")
+            enter_station(program)
+            settings = rig.read_settings(program.folder / rig.SETTINGS_FILE)
+            self.assertEqual({key: settings[key] for key in STATION}, STATION)
+            send_everything(program)
+            sent = {
+                "Hello to all on the ground": "CQ",
+                "!5130.00N/00007.50W-On the air": "APQ36Q",
+                ">IO91WM/- On the air": "APQ36Q",
+                "Through two digipeaters": "CQ,QIRAN-1,WIDE2-2",
+            }
+            packets = {}
+            for text, path in sent.items():
+                found = program.wait_for_line(
+                    rf"^\d\d:\d\d:\d\dT ({CALLSIGN}>{re.escape(path)}) Port=1 <UI [^>]*>:\r\n{re.escape(text)}\r$")
+                packets[text] = f"{found.group(1)}:{text}"
+            report = program.end()
+            log = program.log().decode("cp1252")
+
+        self.assertEqual([line for line in log.splitlines() if line], [line for line in report.terminal.splitlines() if line])
+        for text in sent:
+            self.assertIn(text, report.monitor)
+        self.assertTrue(self.cyan(program.pictures / "frmTerm.png"), "nothing cyan in the terminal's picture")
+        position = self.decode_aprs(packets["!5130.00N/00007.50W-On the air"])
+        self.assertRegex(position, r"N 51 30\.0000, W 000 07\.5000")
+        self.assertRegex(self.decode_aprs(packets[">IO91WM/- On the air"]), r"Grid square = IO91WM")
+
+    def test_the_engine_gets_the_frames_to_the_byte(self):
+        with rig.Simulator(SIMULATOR) as engine:
+            program = self.start(engine.port, STATION)
+            program.wait_for_text("*** AGW-Connected to - localhost")
+            send_everything(program)
+            plain = rig.wait_for(lambda: len(engine.frames("M")) == 3 and engine.frames("M"), "three frames without a path")
+            routed = rig.wait_for(lambda: engine.frames("V"), "a frame with a path")
+            program.wait_for_text("Through two digipeaters")
+            program.end()
+
+        def header(kind, to, length):
+            return (bytes([0, 0, 0, 0, ord(kind), 0, 0xF0, 0]) + CALLSIGN.encode().ljust(10, b"\0")
+                    + to.encode().ljust(10, b"\0") + length.to_bytes(4, "little") + bytes(4))
+
+        expected = [("CQ", b"Hello to all on the ground\r"), ("APQ36Q", b"!5130.00N/00007.50W-On the air\r"),
+                    ("APQ36Q", b">IO91WM/- On the air\r")]
+        self.assertEqual(plain, [(header("M", to, len(data)), data) for to, data in expected])
+        path = b"\x02" + b"QIRAN-1".ljust(10, b"\0") + b"WIDE2-2".ljust(10, b"\0")
+        data = path + b"Through two digipeaters\r"
+        self.assertEqual(routed, [(header("V", "CQ", len(data)), data)])
+
+    @staticmethod
+    def cyan(picture):
+        colours = subprocess.run(["convert", picture, "-format", "%c", "histogram:info:"], capture_output=True, text=True,
+                                 check=True).stdout
+        return "#00FFFF" in colours.upper()
+
+    @staticmethod
+    def decode_aprs(packet):
+        return subprocess.run(["decode_aprs"], input=packet + "\n", capture_output=True, text=True, timeout=30).stdout
+
+
+if __name__ == "__main__":
+    sys.exit(unittest.main(verbosity=2))
