@@ -18,13 +18,19 @@ sigset_t Wanted() {
 
 } // namespace
 
+void EndRequests::Hold() {
+    const sigset_t wanted = Wanted();
+    pthread_sigmask(SIG_BLOCK, &wanted, nullptr);
+}
+
 EndRequests::EndRequests(QObject* parent)
     : QObject(parent) {
     const sigset_t wanted = Wanted();
     m_descriptor = signalfd(-1, &wanted, SFD_CLOEXEC | SFD_NONBLOCK);
-    if (m_descriptor < 0)
+    if (m_descriptor < 0) {
+        pthread_sigmask(SIG_UNBLOCK, &wanted, nullptr);
         return;
-    pthread_sigmask(SIG_BLOCK, &wanted, nullptr);
+    }
     m_notifier = new QSocketNotifier(m_descriptor, QSocketNotifier::Read, this);
     connect(m_notifier, &QSocketNotifier::activated, this, &EndRequests::Read);
 }

@@ -10,6 +10,10 @@ class EndRequests : public QObject {
     Q_OBJECT
 
 public:
+    /// Keeps such signals from ending the process meanwhile. Called before any other thread is started (the
+    /// window system's connection has one), since each thread inherits what its maker holds back.
+    static void Hold();
+
     explicit EndRequests(QObject* parent = nullptr);
     ~EndRequests() override;
 

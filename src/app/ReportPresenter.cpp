@@ -34,6 +34,14 @@ void PrintGrid(const QTableView& grid) {
     PrintLine({});
 }
 
+// The terminal is a window of its own, which may never have been shown.
+QString TerminalText() {
+    for (const QWidget* window : QApplication::topLevelWidgets())
+        if (const auto* pane = window->findChild<QWidget*>(QStringLiteral("rtbMon")))
+            return pane->property("plainText").toString();
+    return {};
+}
+
 void Settle() {
     QEventLoop loop;
     QTimer::singleShot(settleMilliseconds, &loop, &QEventLoop::quit);
@@ -56,9 +64,13 @@ void ReportPresenter::ReportAfter(QMainWindow& window, int seconds) {
 }
 
 void ReportPresenter::Report(QMainWindow& window) {
+    if (std::exchange(m_reporting, true))
+        return;
     QDir().mkpath(m_pictureFolder);
     PrintLine(QStringLiteral("Monitor:"));
     PrintLine(window.findChild<QPlainTextEdit*>(QStringLiteral("txtMon"))->toPlainText());
+    PrintLine(QStringLiteral("Terminal:"));
+    PrintLine(TerminalText());
     for (const QString& name : {QStringLiteral("gTlm0"), QStringLiteral("gTlm1"), QStringLiteral("gTlm2")})
         PrintGrid(*window.findChild<QTableView*>(name));
     Save(window);

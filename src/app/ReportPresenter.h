@@ -19,10 +19,13 @@ public:
     /// Reports on `window` after `seconds`, then closes it.
     void ReportAfter(QMainWindow& window, int seconds);
 
-private:
+    /// Reports at once, unless a report has begun, then closes `window`.
     void Report(QMainWindow& window);
+
+private:
     void OpenAndSave(const std::function<void()>& open);
     void Save(QWidget& window);
 
     QString m_pictureFolder;
+    bool m_reporting = false;
 };

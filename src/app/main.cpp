@@ -1,4 +1,5 @@
 #include "app/CommandLine.h"
+#include "app/EndRequests.h"
 #include "app/ReportPresenter.h"
 #include "app/frmQIRAN.h"
 #include "foundation/Clock.h"
@@ -28,16 +29,26 @@ CommandLine ReadArguments(int argc, char** argv) {
     return CommandLine::Read(arguments);
 }
 
+// As the user would: what is open on top first, then the window itself.
+void End(QMainWindow& window) {
+    while (QWidget* modal = QApplication::activeModalWidget())
+        if (!modal->close())
+            break;
+    window.close();
+}
+
 int Run(const CommandLine& line, const QString& executable) {
     const ProgramFolder folder(line.folder.isEmpty() ? QApplication::applicationDirPath() : line.folder,
                                QFileInfo(executable).completeBaseName());
     const Clock clock;
+    const EndRequests requests;
     const QString helpFile = folder.File(QStringLiteral("qirandecode.HLP"));
     if (line.reportFolder.isEmpty()) {
         MessageBoxPresenter presenter(helpFile);
         const HelpKey helpKey(qApp, presenter);
         mb messages(presenter);
         frmQIRAN window(folder, clock, messages);
+        QObject::connect(&requests, &EndRequests::Requested, &window, [&window] { End(window); });
         return window.Load() ? QApplication::exec() : 1;
     }
     ReportPresenter presenter(helpFile, line.reportFolder);
@@ -45,6 +56,7 @@ int Run(const CommandLine& line, const QString& executable) {
     frmQIRAN window(folder, clock, messages);
     if (!window.Load())
         return 1;
+    QObject::connect(&requests, &EndRequests::Requested, &window, [&] { presenter.Report(window); });
     presenter.ReportAfter(window, line.reportSeconds);
     return QApplication::exec();
 }
@@ -61,6 +73,7 @@ int main(int argc, char** argv) {
     // A write beyond the limit of a file's size is to fail like any other that finds no room.
     std::signal(SIGXFSZ, SIG_IGN);
 
+    EndRequests::Hold();
     QApplication::setApplicationName(QStringLiteral("QiranDecode"));
     QApplication::setApplicationDisplayName(QStringLiteral("QIRAN Telemetry Decoder"));
     QApplication application(argc, argv);

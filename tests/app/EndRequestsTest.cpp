@@ -19,6 +19,7 @@ private Q_SLOTS:
 
     void EverySignalThatAsksForTheEndIsAnEvent() {
         QFETCH(const int, signal);
+        EndRequests::Hold();
         EndRequests requests;
         QSignalSpy requested(&requests, &EndRequests::Requested);
         QCOMPARE(kill(getpid(), signal), 0);
@@ -26,6 +27,7 @@ private Q_SLOTS:
     }
 
     void NothingIsRequestedWithoutASignal() {
+        EndRequests::Hold();
         EndRequests requests;
         QSignalSpy requested(&requests, &EndRequests::Requested);
         QTest::qWait(0);
@@ -33,12 +35,20 @@ private Q_SLOTS:
     }
 
     void AfterItsEndTheSignalsAreTheSystemsAgain() {
-        { EndRequests requests; }
+        EndRequests::Hold();
+        { const EndRequests requests; }
         sigset_t blocked;
         pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
         QCOMPARE(sigismember(&blocked, SIGTERM), 0);
     }
 };
 
-QTEST_GUILESS_MAIN(EndRequestsTest)
+// As in the program: held back before Qt Test starts its own thread, which would let them through.
+int main(int argc, char** argv) {
+    EndRequests::Hold();
+    QCoreApplication application(argc, argv);
+    EndRequestsTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "EndRequestsTest.moc"

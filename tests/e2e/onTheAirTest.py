@@ -6,9 +6,8 @@ import subprocess
 import sys
 import unittest
 
-import rig
 from direwolf_air import DirewolfAir
-from station import SIMULATOR, StationTest
+from station import SIMULATOR, StationTest, rig
 
 CALLSIGN = "N0CALL-7"
 STATION = {

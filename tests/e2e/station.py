@@ -109,7 +109,7 @@ class StationTest(unittest.TestCase):
         environment = display.__enter__()
         self.addCleanup(display.__exit__, None, None, None)
         home = self.scratch / "home"
-        home.mkdir()
+        home.mkdir(mode=0o700)
         self.environment = environment | {"HOME": str(home), "XDG_RUNTIME_DIR": str(home), "TZ": "UTC",
                                           "QT_ACCESSIBILITY": "0"}
         manager = rig.running(["openbox", "--sm-disable"], env=self.environment, stdout=subprocess.DEVNULL,
