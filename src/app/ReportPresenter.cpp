@@ -34,7 +34,7 @@ void PrintGrid(const QTableView& grid) {
     PrintLine({});
 }
 
-// The terminal is a window of its own, which may never have been shown.
+// The terminal is a window of its own, and fills its pane only once it has been shown.
 QString TerminalText() {
     for (const QWidget* window : QApplication::topLevelWidgets())
         if (const auto* pane = window->findChild<QWidget*>(QStringLiteral("rtbMon")))
@@ -69,8 +69,6 @@ void ReportPresenter::Report(QMainWindow& window) {
     QDir().mkpath(m_pictureFolder);
     PrintLine(QStringLiteral("Monitor:"));
     PrintLine(window.findChild<QPlainTextEdit*>(QStringLiteral("txtMon"))->toPlainText());
-    PrintLine(QStringLiteral("Terminal:"));
-    PrintLine(TerminalText());
     for (const QString& name : {QStringLiteral("gTlm0"), QStringLiteral("gTlm1"), QStringLiteral("gTlm2")})
         PrintGrid(*window.findChild<QTableView*>(name));
     Save(window);
@@ -80,6 +78,8 @@ void ReportPresenter::Report(QMainWindow& window) {
           QStringLiteral("mnuHelpContents"), QStringLiteral("mnuAbout")})
         OpenAndSave([&] { window.findChild<QAction*>(name)->trigger(); });
     OpenAndSave([&] { window.findChild<QPushButton*>(QStringLiteral("cmdPassInfo"))->click(); });
+    PrintLine(QStringLiteral("Terminal:"));
+    PrintLine(TerminalText());
     std::fflush(stdout);
     window.close();
 }
