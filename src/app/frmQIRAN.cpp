@@ -109,6 +109,9 @@ bool frmQIRAN::Load() {
     if (!LoadFormulaTable())
         return false;
     m_ground = std::make_unique<GroundStation>(m_folder, m_clock, m_tables, m_monitor, this);
+    m_framLocation = new framLocation(m_ground->cSats, m_ground->satellites);
+    m_side->addWidget(m_framLocation);
+    m_side->addStretch();
     m_messages.SetTitle(QStringLiteral("QIRAN Telemetry Decoder"));
     LoadSettings();
     m_ground->callsigns.LoadCallsigns();
@@ -140,7 +143,7 @@ void frmQIRAN::LoadSettings() {
 }
 
 void frmQIRAN::PlaceWindow() {
-    adjustSize();
+    resize(sizeHint());
     CentreOnScreen(this);
     const auto place = [this](const Setting& setting, int pixels) {
         return Twips::PixelsOf(Settings::ReadOr(m_ground->cIni, setting, Twips::TextOf(pixels, *this)),
@@ -153,9 +156,6 @@ void frmQIRAN::PlaceWindow() {
 }
 
 void frmQIRAN::PrepareTracking() {
-    m_framLocation = new framLocation(m_ground->cSats, m_ground->satellites);
-    m_side->addWidget(m_framLocation);
-    m_side->addStretch();
     connect(m_framLocation, &framLocation::SatChanged, this, [this] {
         if (m_map)
             m_map->SatHasChanged();

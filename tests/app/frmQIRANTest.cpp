@@ -1,10 +1,13 @@
 #include "app/MainWindowRig.h"
+#include "foundation/Twips.h"
 #include "orbit/framLocation.h"
+#include "support/Screenshots.h"
 #include "telemetry/TelemetryGrid.h"
 
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -19,6 +22,7 @@ private Q_SLOTS:
     void aBadStoredPortBecomes8000();
     void theCaptionCarriesTheVersion();
     void theLabelExplainsTheCube();
+    void aFirstStartCentresTheWindow();
     void aLatitudeOfZeroCountsAsUnknownAndWarns();
     void aKnownPositionWarnsOfNothing();
     void missingElementsAreNamed();
@@ -132,6 +136,17 @@ void frmQIRANTest::theLabelExplainsTheCube() {
              u"The satellite is a cube.\r\nX+, X-, Y+, Y-, Z+ and Z- refer to the six sides of the cube."_s);
 }
 
+void frmQIRANTest::aFirstStartCentresTheWindow() {
+    MainWindowRig rig;
+    QVERIFY(rig.Start());
+    const QRect screen = rig.window->screen()->availableGeometry();
+    // The tracking panel's caption, which comes later, may widen the window a little.
+    QVERIFY2(qAbs(rig.window->frameGeometry().center().x() - screen.center().x()) <= 8,
+             qPrintable(QString::number(rig.window->frameGeometry().center().x())));
+    QCOMPARE(Twips::PixelsOf(rig.Get("SETUP", "LEFT"), *rig.window), rig.window->x());
+    QCOMPARE(Twips::PixelsOf(rig.Get("SETUP", "TOP"), *rig.window), rig.window->y());
+}
+
 void frmQIRANTest::aLatitudeOfZeroCountsAsUnknownAndWarns() {
     MainWindowRig rig;
     rig.Set("SETUP", "LATITUDE", u"0000.00N"_s);
@@ -235,6 +250,7 @@ void frmQIRANTest::aFrameGoesAllTheWayToTheGrids() {
         rig.Monitor().contains(u"12:00:00 XQ9ZZ-1>APRS,WIDE2-2:\nT#001,10,20,30,40,0,0,00101111,0"_s));
     QVERIFY(!rig.Monitor().contains(u"nobody"_s));
     QCOMPARE(rig.Monitor().count(u"XQ9ZZ-1"_s), 1);
+    Screenshots::Take(*rig.window, u"frmQIRAN"_s);
 }
 
 void frmQIRANTest::everyFrameIsShownInFullAndStillDecodedWithTheOptionOff() {
