@@ -117,7 +117,7 @@ QString clsIni::GetIniStringWriteDefault(const QString& section, const QString& 
                                          const QString& defaultValue, const QString& file) {
     if (PathOf(file).isEmpty())
         return {};
-    const QString stored = GetIniString(section, key, absent.toString(), file);
+    QString stored = GetIniString(section, key, absent.toString(), file);
     if (stored != absent)
         return stored;
     const bool quoted = defaultValue.startsWith(u' ') || defaultValue.endsWith(u' ');
