@@ -115,7 +115,7 @@ std::vector<Elements> SetsIn(std::string_view text) {
     std::vector<Elements> sets;
     ElementFile file([&](const Elements& elements, std::string_view name) {
         CheckElements(elements);
-        Require(name.size() <= 64 && name.find_first_of("\r\n") == std::string_view::npos, "a name is short");
+        Require(name.size() <= 64 && name.find('\n') == std::string_view::npos, "a name is short");
         sets.push_back(elements);
     });
     std::istringstream stream{std::string(text)};

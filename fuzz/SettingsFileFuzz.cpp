@@ -20,8 +20,15 @@ namespace {
 using Names = std::pair<QString, QString>;
 using Values = std::map<Names, std::optional<QString>>;
 
-QString Folded(const QString& name) {
-    return name.trimmed().toCaseFolded();
+// A name as a line of the file holds it.
+QString Name(QString name) {
+    for (const char16_t c : {u'\0', u'\r', u'\n'})
+        name.replace(QChar(c), u' ');
+    return Text::FromBytes(Text::ToBytes(name).trimmed());
+}
+
+bool Same(const QString& a, const QString& b) {
+    return Name(a).compare(Name(b), Qt::CaseInsensitive) == 0;
 }
 
 // Every section and key that anything in the input names.
@@ -62,7 +69,7 @@ QString AsRead(const QString& value) {
 }
 
 bool CanBeWritten(const QString& section, const QString& key) {
-    const QString name = Folded(QString(key).replace(QChar(0), u' ').replace(u'\r', u' '));
+    const QString name = Name(key);
     return !section.contains(u']') && !name.isEmpty() && !name.contains(u'=') && !name.startsWith(u';') &&
            !name.startsWith(u'[');
 }
@@ -119,8 +126,8 @@ bool Make(IniText& text, const Change& change) {
 void CheckValue(const Change& change, const Names& names, const std::optional<QString>& before,
                 const std::optional<QString>& after) {
     const bool canBeWritten = CanBeWritten(change.section, change.key);
-    const bool sameSection = Folded(names.first) == Folded(change.section);
-    const bool sameKey = sameSection && Folded(names.second) == Folded(change.key);
+    const bool sameSection = Same(names.first, change.section);
+    const bool sameKey = sameSection && Same(names.second, change.key);
     if (change.sign == '=' && sameKey && canBeWritten)
         Require(after == AsRead(change.value), "what was written is read back");
     else if (change.sign == '-' && sameKey)

@@ -16,7 +16,7 @@ std::optional<QString> HeaderName(QByteArrayView line) {
     if (!line.startsWith('['))
         return std::nullopt;
     const qsizetype end = line.indexOf(']');
-    return Text::FromBytes(line.sliced(1, (end < 0 ? line.size() : end) - 1)).trimmed();
+    return Text::FromBytes(line.sliced(1, (end < 0 ? line.size() : end) - 1).trimmed());
 }
 
 // The key of a "key=value" line; empty for any other line.
@@ -24,11 +24,19 @@ QString KeyOf(QByteArrayView line) {
     const qsizetype equals = line.indexOf('=');
     if (equals < 0 || line.trimmed().startsWith(';'))
         return {};
-    return Text::FromBytes(line.first(equals)).trimmed();
+    return Text::FromBytes(line.first(equals).trimmed());
 }
 
 bool Same(const QString& a, const QString& b) {
     return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+// The form of a name that it shares with those, and only those, that are the same.
+QString Folded(const QString& name) {
+    QString folded = name;
+    for (QChar& c : folded)
+        c = c.toCaseFolded();
+    return folded;
 }
 
 QByteArray OneLine(const QString& text) {
@@ -111,7 +119,7 @@ QList<IniText::Entry> IniText::Entries(const QString& section) const {
     if (const std::optional<Range> range = Find(section))
         for (qsizetype i = range->first + 1; i < range->second; ++i)
             if (const QString key = KeyOf(m_lines[i]); !key.isEmpty()) {
-                const QString folded = key.toCaseFolded();
+                const QString folded = Folded(key);
                 const qsizetype line = first.value(folded, i);
                 first.insert(folded, line);
                 entries.append({key, ValueIn(line)});
@@ -172,7 +180,7 @@ void IniText::ReplaceSection(const QString& section, const QList<Entry>& entries
         if (!IsKey(name))
             continue;
         const QByteArray line = Line(name, value);
-        const QString folded = name.toCaseFolded();
+        const QString folded = Folded(name);
         if (const auto found = first.constFind(folded); found != first.cend()) {
             lines[*found] = line;
         } else {

@@ -70,6 +70,8 @@ private Q_SLOTS:
     void deletingTakesEveryEqualSectionAndKey();
     void savingASectionReplacesItInPlace();
     void savingASectionOutweighsAnEqualOneBelow();
+    void keysThatDifferInMoreThanCaseStayTwo();
+    void namesMayEndInANoBreakSpace();
     void fileWithoutFinalLineEndIsReadAndContinued();
     void byteOrderMarkIsPassedOver();
     void lineFeedsAloneAreRead();
@@ -308,6 +310,24 @@ void clsIniTest::savingASectionOutweighsAnEqualOneBelow() {
     Write("[C]\r\nold=1\r\n[B]\r\n[C]\r\nolder=2\r\n");
     m_ini->SaveSection(S("C"), {{S("new"), S("3")}});
     QCOMPARE(Bytes(), "[C]\r\nnew=3\r\n[B]\r\n");
+}
+
+void clsIniTest::keysThatDifferInMoreThanCaseStayTwo() {
+    const QString sharp = QStringLiteral("STRA\u00DFE");
+    m_ini->SaveSection(S("A"), {{sharp, S("1")}, {S("strasse"), S("2")}});
+    QCOMPARE(m_ini->GetIniString(S("A"), sharp, {}), S("1"));
+    QCOMPARE(Get("A", "strasse"), S("2"));
+    const auto [keys, values] = m_ini->LoadAllKeysInSection(S("A"));
+    QCOMPARE(keys, QStringList({QString(), sharp, S("strasse")}));
+    QCOMPARE(values, QStringList({QString(), S("1"), S("2")}));
+}
+
+void clsIniTest::namesMayEndInANoBreakSpace() {
+    const QString name = QStringLiteral("x\u00A0");
+    m_ini->SaveIniString(name, name, S("1"));
+    m_ini->SaveIniString(name, name, S("2"));
+    QCOMPARE(m_ini->GetIniString(name, name, {}), S("2"));
+    QCOMPARE(Bytes(), "[x\xA0]\r\nx\xA0=2\r\n");
 }
 
 void clsIniTest::fileWithoutFinalLineEndIsReadAndContinued() {
