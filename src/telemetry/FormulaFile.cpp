@@ -28,7 +28,7 @@ std::optional<QByteArray> ReadFile(const QString& path, QString& reason) {
         reason = file.errorString();
         return std::nullopt;
     }
-    QByteArray bytes = file.read(largestFile + 1);
+    QByteArray bytes = file.read(std::min(file.size(), largestFile) + 1); // room for as much is made at once
     if (file.error() != QFileDevice::NoError)
         reason = file.errorString();
     else if (bytes.size() > largestFile)
