@@ -55,7 +55,7 @@ public:
         return false;
     }
 
-    void Open() {
+    void Present() {
         show();
         activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(this));
@@ -129,7 +129,7 @@ private:
 
 void FieldGuardTest::init() {
     m_dialog = std::make_unique<Dialog>();
-    m_dialog->Open();
+    m_dialog->Present();
 }
 
 void FieldGuardTest::cleanup() {

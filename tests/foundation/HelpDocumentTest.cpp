@@ -116,8 +116,8 @@ private Q_SLOTS:
         for (const char* message :
              {"QiranDecode is already running.",
               "An error occurred loading the formulae. The error message is '",
-              "Pass predictions will not be not available until you input your latitude and longitude in "
-              "'Station Information'.",
+              ("Pass predictions will not be not available until you input your latitude and longitude in "
+               "'Station Information'."),
               "No Keps found for QIRAN and ISS.",
               "*** AGW-Connected to - ",
               "*** AGWPE V",

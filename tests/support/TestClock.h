@@ -2,6 +2,8 @@
 
 #include "foundation/Clock.h"
 
+#include <cmath>
+
 /// A clock that stands still where a test sets it. Time zones are the operating system's (set TZ) unless the
 /// test gives a fixed offset.
 class TestClock : public Clock {
@@ -10,7 +12,7 @@ public:
 
     /// Sets UTC, to the nearest millisecond.
     void Set(DateTime utc) {
-        m_milliseconds = static_cast<qint64>((utc - DateOf(1970, 1, 1)) * secondsPerDay * 1000.0 + 0.5);
+        m_milliseconds = std::llround((utc - DateOf(1970, 1, 1)) * secondsPerDay * 1000.0);
     }
     void SetMilliseconds(qint64 sinceEpoch) { m_milliseconds = sinceEpoch; }
     void Advance(double seconds) { m_milliseconds += static_cast<qint64>(seconds * 1000.0); }
