@@ -88,7 +88,8 @@ endfunction()
 #
 # One libFuzzer target from NAME.cpp with its seeds in corpus/NAME. Its test runs over the seeds and then for
 # QIRAN_FUZZ_SECONDS more; what it finds new stays in the build folder. An input that
-# takes over one second or 256 MiB fails (the sanitizers' own memory is allowed for).
+# takes over one second or 256 MiB fails (the sanitizers' own memory is allowed for: it is kept small, for the call
+# stacks that they remember would else pass the limit after some minutes).
 function(qiran_fuzz NAME)
     cmake_parse_arguments(PARSE_ARGV 1 FUZZ "" "" "LINKS")
     add_executable(${NAME} ${NAME}.cpp)
@@ -102,7 +103,7 @@ function(qiran_fuzz NAME)
                              ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${NAME}
     )
     math(EXPR patience "${QIRAN_FUZZ_SECONDS} + 120")
-    set_tests_properties(${NAME} PROPERTIES LABELS fuzz TIMEOUT ${patience} ENVIRONMENT "ASAN_OPTIONS=quarantine_size_mb=16")
+    set_tests_properties(${NAME} PROPERTIES LABELS fuzz TIMEOUT ${patience} ENVIRONMENT "ASAN_OPTIONS=quarantine_size_mb=16:malloc_context_size=2")
 endfunction()
 
 # qiran_plain_library(NAME files...)
