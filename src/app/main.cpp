@@ -13,6 +13,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <sys/stat.h>
 
 namespace {
 
@@ -72,6 +73,8 @@ int main(int argc, char** argv) {
 
     // A write beyond the limit of a file's size is to fail like any other that finds no room.
     std::signal(SIGXFSZ, SIG_IGN);
+    // Settings hold a password, logs what was heard: whatever the program makes is for its owner alone.
+    umask(S_IRWXG | S_IRWXO);
 
     EndRequests::Hold();
     QApplication::setApplicationName(QStringLiteral("QiranDecode"));

@@ -48,6 +48,12 @@ QString Install(const QString& from, const QString& to) {
         if (target.write(piece) != piece.size())
             return target.errorString();
     }
+    // commit() alone would put a file in place that the disk has taken only in part.
+    if (!target.flush() || target.size() != source.size()) {
+        const QString reason = target.errorString();
+        target.cancelWriting();
+        return reason;
+    }
     return target.commit() ? QString() : target.errorString();
 }
 

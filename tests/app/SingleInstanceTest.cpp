@@ -2,6 +2,7 @@
 
 #include "support/TemporaryProgramFolder.h"
 
+#include <QDateTime>
 #include <QTest>
 
 class SingleInstanceTest : public QObject {
@@ -11,6 +12,8 @@ private Q_SLOTS:
     void twoFoldersRunSideBySide();
     void theLockOfACrashedRunDoesNotBlock();
     void aFolderThatTakesNoLockDoesNotBlock();
+    void anOldLockThatNamesNobodyDoesNotBlock();
+    void aFolderInTheLocksPlaceDoesNotBlock();
 };
 
 void SingleInstanceTest::aSecondInstanceOfAFolderKnowsOfTheFirst() {
@@ -46,6 +49,29 @@ void SingleInstanceTest::theLockOfACrashedRunDoesNotBlock() {
 void SingleInstanceTest::aFolderThatTakesNoLockDoesNotBlock() {
     SingleInstance instance(ProgramFolder(QStringLiteral("/proc"), QStringLiteral("QiranDecode")));
     QVERIFY(!instance.IsAnotherRunning());
+}
+
+void SingleInstanceTest::anOldLockThatNamesNobodyDoesNotBlock() {
+    const TemporaryProgramFolder folder;
+    const QString name = QStringLiteral("QiranDecode.lock");
+    folder.Write(name, "");
+    QVERIFY(SingleInstance(folder.Program()).IsAnotherRunning()); // may be in the making
+    {
+        QFile lock(folder.File(name));
+        QVERIFY(lock.open(QIODevice::ReadWrite));
+        QVERIFY(
+            lock.setFileTime(QDateTime::currentDateTime().addSecs(-60), QFileDevice::FileModificationTime));
+    }
+    SingleInstance first(folder.Program());
+    SingleInstance second(folder.Program());
+    QVERIFY(!first.IsAnotherRunning());
+    QVERIFY(second.IsAnotherRunning());
+}
+
+void SingleInstanceTest::aFolderInTheLocksPlaceDoesNotBlock() {
+    const TemporaryProgramFolder folder;
+    QVERIFY(QDir().mkdir(folder.File(QStringLiteral("QiranDecode.lock"))));
+    QVERIFY(!SingleInstance(folder.Program()).IsAnotherRunning());
 }
 
 QTEST_GUILESS_MAIN(SingleInstanceTest)

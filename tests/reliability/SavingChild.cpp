@@ -1,0 +1,71 @@
+// A process that does nothing but save, for tests that kill it or take its disk away.
+//
+// SavingChild FOLDER        saves, logs and stores elements until it is killed; prints each number as soon as
+//                           the log has taken its line
+// SavingChild FOLDER once   does each once, and prints what could not be saved
+
+#include "foundation/Clock.h"
+#include "foundation/ProgramFolder.h"
+#include "foundation/clsIni.h"
+#include "keps/ConvertKepsFile.h"
+#include "station/TrafficLog.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <csignal>
+#include <cstdio>
+
+namespace {
+
+constexpr int keyCount = 40;
+constexpr int elementLines = 3000;
+
+void Say(const QByteArray& line) {
+    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stdout);
+    std::fputc('\n', stdout);
+    std::fflush(stdout);
+}
+
+void SaveSettings(clsIni& ini, int round) {
+    for (int key = 0; key < keyCount; ++key)
+        ini.SaveIniString(QStringLiteral("SETUP"), QStringLiteral("KEY_%1").arg(key), QString::number(round));
+}
+
+void StoreElements(const ProgramFolder& folder, int round) {
+    QFile source(KepsFiles::Target(folder));
+    const QByteArray elements =
+        QByteArray(68, static_cast<char>('A' + round % 26)).append('\n').repeated(elementLines);
+    if (!source.open(QIODevice::WriteOnly) || source.write(elements) != elements.size() || !source.flush()) {
+        Say("elements: nothing fetched");
+        return;
+    }
+    source.close();
+    const KepsConversion stored =
+        ConvertKepsFile(folder, source.fileName(), QStringLiteral("amateur.txt"), 0);
+    if (!stored.error.isEmpty())
+        Say("elements: " + stored.error.toUtf8());
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    std::signal(SIGXFSZ, SIG_IGN); // as the program does
+    const QStringList arguments = QCoreApplication::arguments();
+    const ProgramFolder folder(arguments.value(1), QStringLiteral("QiranDecode"));
+    const bool once = arguments.size() > 2;
+    const Clock clock;
+    clsIni ini(folder.IniFile());
+    ini.SetWriteFailed([](const QString&, const QString& reason) { Say("settings: " + reason.toUtf8()); });
+    TrafficLog log(ini, clock, folder);
+    if (!once)
+        log.ToggleLogging();
+    for (int round = 0; !once || round == 0; ++round) {
+        log.WriteTrafficLog("line " + QByteArray::number(round) + "\r\n");
+        Say(QByteArray::number(round));
+        SaveSettings(ini, round);
+        StoreElements(folder, round);
+    }
+    return 0;
+}

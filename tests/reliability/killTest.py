@@ -1,0 +1,109 @@
+#!/usr/bin/env python3
+"""Kills the program, and a process that only saves, at random moments, and looks at what is left behind.
+
+Usage: killTest.py SAVING_CHILD PROGRAM. QIRAN_LONG=1 in the environment runs 300 moments instead of 60.
+"""
+
+import os
+import pathlib
+import random
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
+import rig  # noqa: E402
+from engine import Engine  # noqa: E402
+
+CHILD, PROGRAM = sys.argv[1:3]
+MOMENTS = 300 if os.environ.get("QIRAN_LONG") else 60
+SEED = int(os.environ.get("QIRAN_SEED", random.randrange(2**31)))
+KEYS = 40
+ELEMENTS = {(letter.encode() * 68 + b"\r\n") * 3000 for letter in "ABCDEFGHIJKLMNOPQRSTUVWXYZ"}
+
+
+def log_text(folder):
+    return b"".join(path.read_bytes() for path in sorted(folder.glob("LOGS/*.TXT")))
+
+
+class KillTest(unittest.TestCase):
+    def setUp(self):
+        self.random = random.Random(SEED)
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder, True)
+
+    def start_and_stop(self, port):
+        """The next start works: the program comes up in the folder and connects."""
+        with Engine(port) as engine, rig.running(
+                [PROGRAM, "--folder", self.folder, "--demo-report", self.folder / "report", "--demo-seconds", "3600"],
+                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as program:
+            rig.wait_for(engine.monitoring, "the next start connects", alive=program)
+
+    def test_a_process_that_saves_leaves_every_file_whole(self):
+        settings = self.folder / rig.SETTINGS_FILE
+        rig.write_settings(settings, {("SETUP", f"KEY_{key}"): "-1" for key in range(KEYS)} | {("OTHER", "MINE"): "x"})
+        kills = 0
+        for moment in range(MOMENTS):
+            shutil.rmtree(self.folder / "LOGS", ignore_errors=True)
+            (self.folder / "Keps").mkdir(exist_ok=True)
+            with subprocess.Popen([CHILD, self.folder], stdout=subprocess.PIPE) as child:
+                time.sleep(self.random.uniform(0.005, 0.15))
+                child.kill()
+                said = child.stdout.read()
+            kills += 1
+            where = f"moment {moment}, seed {SEED}"
+            found = rig.read_settings(settings)
+            self.assertEqual(found.get(("OTHER", "MINE")), "x", where)
+            for key in range(KEYS):
+                self.assertRegex(found.get(("SETUP", f"KEY_{key}"), "absent"), r"^(-1|\d+)$", where)
+            elements = self.folder / "Keps" / "amateur.txt"
+            if elements.exists():
+                self.assertIn(elements.read_bytes(), ELEMENTS, where)
+            shown = [line for line in said.split(b"\n")[:-1] if line.isdigit()]
+            logged = log_text(self.folder).split(b"\r\n")
+            for number in shown:
+                self.assertEqual(logged[int(number)], b"line " + number, where)
+        print(f"{kills} kills while saving, seed {SEED}")
+
+    def test_the_program_leaves_settings_and_log_whole_and_starts_again(self):
+        port = rig.free_port()
+        rig.make_program_folder(self.folder, port, settings={
+            ("TERMINAL", "LOGGING"): "True", ("SETUP", "ONLY_SHOW_QIRAN"): "FALSE"})
+        self.start_and_stop(port)
+        keys = set(rig.read_settings(self.folder / rig.SETTINGS_FILE))
+        moments = MOMENTS // 6
+        for moment in range(moments):
+            where = f"moment {moment}, seed {SEED}"
+            shutil.rmtree(self.folder / "LOGS", ignore_errors=True)
+            with Engine(port) as engine:
+                program = subprocess.Popen(
+                    [PROGRAM, "--folder", self.folder, "--demo-report", self.folder / "report"],
+                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                if moment % 2:  # while it logs; otherwise anywhere in its start
+                    rig.wait_for(engine.monitoring, "it connects", alive=program)
+                end = time.monotonic() + self.random.uniform(0.0, 0.4)
+                sent = []
+                while time.monotonic() < end:
+                    if engine.monitoring():
+                        engine.heard(b"G0ABC", b"number %d." % len(sent))
+                        sent.append(time.monotonic())
+                    time.sleep(0.001)
+                program.kill()
+                killed = time.monotonic()
+                program.wait()
+            self.assertLessEqual(keys, set(rig.read_settings(self.folder / rig.SETTINGS_FILE)), where)
+            text = log_text(self.folder)
+            numbers = [int(part.split(b".")[0]) for part in text.split(b"number ")[1:] if b"." in part]
+            self.assertEqual(numbers, list(range(len(numbers))), where)
+            # What had been on its way for longer than this was shown, even on a busy machine.
+            due = sum(1 for at in sent if killed - at > 1.0)
+            self.assertGreaterEqual(len(numbers), due, where)
+        self.start_and_stop(port)
+        print(f"{moments} kills of the program, seed {SEED}")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:], verbosity=2)

@@ -1,0 +1,192 @@
+#!/usr/bin/env python3
+"""The program among others: many starts at once, a folder that falls apart, an engine that vanishes.
+
+Usage: programFaultsTest.py SAVING_CHILD PROGRAM. QIRAN_LONG=1 in the environment waits the real 30 seconds of a
+retry and the two minutes after which a vanished engine is given up.
+"""
+
+import os
+import pathlib
+import shutil
+import stat
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
+import rig  # noqa: E402
+from engine import Engine  # noqa: E402
+
+PROGRAM = sys.argv[2]
+LONG = bool(os.environ.get("QIRAN_LONG"))
+ALREADY = "QiranDecode is already running. "
+
+
+class ProgramFaultsTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder, True)
+        self.port = rig.free_port()
+        self.program_folder = rig.make_program_folder(self.folder / "program", self.port, settings={
+            ("TERMINAL", "LOGGING"): "True", ("SETUP", "ONLY_SHOW_QIRAN"): "FALSE",
+            ("AGWPE", "LOGIN_ID"): "somebody", ("AGWPE", "PASSWORD"): "hush-hush"})
+
+    def start(self, seconds=2, prefix=(), **options):
+        return rig.running(
+            [*prefix, PROGRAM, "--folder", self.program_folder, "--demo-report", self.folder / "report",
+             "--demo-seconds", str(seconds)],
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options)
+
+    def finish(self, program):
+        said, errors = (stream.decode() for stream in program.communicate(timeout=180))
+        return said, errors
+
+    def test_of_twenty_starts_at_once_one_runs_and_the_others_say_so(self):
+        programs = [self.start(seconds=20 if LONG else 12) for _ in range(20)]
+        running = [program.__enter__() for program in programs]
+        try:
+            ended = [program for program in running]
+            rig.wait_for(lambda: sum(program.poll() is not None for program in running) >= 19, "the others end", 60)
+            self.assertEqual(sum(program.poll() is None for program in running), 1)
+            for program in ended:
+                if program.poll() is not None:
+                    self.assertEqual(program.returncode, 1)
+                    self.assertIn(ALREADY, program.stderr.read().decode())
+        finally:
+            for program in programs:
+                program.__exit__(None, None, None)
+
+    def test_everything_it_makes_is_for_its_owner_alone(self):
+        (self.program_folder / rig.SETTINGS_FILE).unlink()
+        rig.write_settings(self.program_folder / rig.SETTINGS_FILE, {("AGWPE", "HOST_PORT"): self.port,
+                                                                     ("TERMINAL", "LOGGING"): "True"})
+        there = set(self.program_folder.rglob("*"))
+        found = {}
+        def look():
+            for path in set(self.program_folder.rglob("*")) - there:
+                found[path.name] = stat.S_IMODE(path.stat().st_mode)
+            return engine.monitoring()
+        with Engine(self.port) as engine, self.start(preexec_fn=lambda: os.umask(0)) as program:
+            rig.wait_for(look, "it connects", alive=program)
+            engine.heard(b"G0ABC", b"a frame")
+            time.sleep(0.3)
+            look()
+            self.finish(program)
+        self.assertIn("QiranDecode.lock", found)
+        self.assertTrue(any(name.endswith(".TXT") for name in found), found)
+        self.assertEqual({name: oct(mode) for name, mode in found.items() if mode & 0o077}, {})
+
+    def test_the_password_goes_to_the_engine_and_nowhere_else(self):
+        with Engine(self.port) as engine, self.start() as program:
+            rig.wait_for(engine.monitoring, "it connects", alive=program)
+            process = pathlib.Path("/proc", str(program.pid))
+            shown = (process / "cmdline").read_bytes() + (process / "environ").read_bytes()
+            said, errors = self.finish(program)
+            self.assertIn(b"hush-hush", engine.received)
+        self.assertNotIn(b"hush-hush", shown)
+        self.assertNotIn("hush-hush", said + errors)
+        for log in (self.program_folder / "LOGS").glob("*"):
+            self.assertNotIn(b"hush-hush", log.read_bytes())
+
+    def test_it_starts_or_says_why_whatever_is_missing_unreadable_or_a_directory(self):
+        whole = self.folder / "whole"
+        shutil.copytree(self.program_folder, whole)
+        for name in ("QiranDecode.INI", "formula.txt", "Keps", "LOGS", "world.gif", "qirandecode.HLP", "QiranDecode.lock"):
+            for fault in ("missing", "a directory", "a file", "a dangling link", "a link to itself", "garbage"):
+                with self.subTest(name=name, fault=fault):
+                    shutil.rmtree(self.program_folder)
+                    shutil.copytree(whole, self.program_folder)
+                    path = self.program_folder / name
+                    if path.is_dir():
+                        shutil.rmtree(path)
+                    else:
+                        path.unlink(missing_ok=True)
+                    if fault == "a directory":
+                        path.mkdir()
+                    elif fault == "a file":
+                        path.write_bytes(b"")
+                    elif fault == "a dangling link":
+                        path.symlink_to("nowhere")
+                    elif fault == "a link to itself":
+                        path.symlink_to(name)
+                    elif fault == "garbage":
+                        path.write_bytes(bytes(range(256)) * 300)
+                    if path.is_file():
+                        os.utime(path, (1, 1))  # an empty lock of this moment is a start under way
+                    with self.start(seconds=1) as program:
+                        said, errors = self.finish(program)
+                    # A crash has a negative code or one of the shell's; 1 is a start that said why not.
+                    self.assertIn(program.returncode, (0, 1), errors)
+                    if program.returncode == 1:
+                        self.assertEqual(name, "formula.txt")
+                        self.assertTrue(errors or fault in ("a file", "garbage"), "it says why")
+
+    def test_it_goes_on_when_its_folder_falls_apart(self):
+        with Engine(self.port) as engine, self.start(seconds=4) as program:
+            rig.wait_for(engine.monitoring, "it connects", alive=program)
+            engine.heard(b"G0ABC", b"before")
+            for path in sorted(self.program_folder.iterdir()):
+                if path.is_dir():
+                    shutil.rmtree(path)
+                    path.write_bytes(b"")
+                else:
+                    path.unlink()
+                    path.mkdir()
+            engine.heard(b"G0ABC", b"afterwards")
+            said, errors = self.finish(program)
+        self.assertEqual(program.returncode, 0, errors)
+        self.assertIn("afterwards", said)
+
+    def test_it_goes_on_when_its_folder_is_gone(self):
+        with Engine(self.port) as engine, self.start(seconds=4) as program:
+            rig.wait_for(engine.monitoring, "it connects", alive=program)
+            shutil.rmtree(self.program_folder)
+            engine.heard(b"G0ABC", b"afterwards")
+            said, errors = self.finish(program)
+        self.assertEqual(program.returncode, 0, errors)
+        self.assertIn("afterwards", said)
+
+    @unittest.skipUnless(LONG, "takes half a minute; set QIRAN_LONG=1")
+    def test_it_is_connected_again_within_31_seconds_of_the_engines_return(self):
+        with Engine(self.port) as engine, self.start(seconds=60) as program:
+            rig.wait_for(engine.monitoring, "it connects", alive=program)
+            engine.__exit__()
+            time.sleep(0.5)
+            with Engine(self.port) as again:
+                back = time.monotonic()
+                rig.wait_for(again.monitoring, "it connects again", 31, alive=program)
+                print(f"connected again {time.monotonic() - back:.1f} s after the engine's return")
+                self.assertEqual(again.connections, 1)
+
+    @unittest.skipUnless(LONG, "takes three minutes; set QIRAN_LONG=1")
+    def test_an_engine_that_vanishes_without_closing_is_given_up_and_found_again(self):
+        name = f"qiran{os.getpid() % 10000}"
+        def ip(*words, check=True):
+            return subprocess.run(["ip", *words], check=check, stderr=subprocess.DEVNULL).returncode
+        if shutil.which("ip") is None or ip("netns", "add", name, check=False) != 0:
+            self.skipTest("this machine gives us no network namespace")
+        self.addCleanup(ip, "netns", "del", name, check=False)
+        ip("link", "add", f"{name}a", "type", "veth", "peer", "name", f"{name}b", "netns", name)
+        ip("addr", "add", "10.213.77.1/30", "dev", f"{name}a")
+        ip("link", "set", f"{name}a", "up")
+        ip("-n", name, "addr", "add", "10.213.77.2/30", "dev", f"{name}b")
+        ip("-n", name, "link", "set", f"{name}b", "up")
+        rig.write_settings(self.program_folder / rig.SETTINGS_FILE, {("AGWPE", "HOST_ADDRESS"): "10.213.77.1"})
+        with Engine(self.port, "10.213.77.1") as engine, \
+                self.start(seconds=330, prefix=("ip", "netns", "exec", name)) as program:
+            rig.wait_for(engine.monitoring, "it connects", alive=program)
+            ip("link", "set", f"{name}a", "down")
+            time.sleep(150)
+            ip("link", "set", f"{name}a", "up")
+            back = time.monotonic()
+            rig.wait_for(lambda: engine.connections >= 2, "it connects again", 60, alive=program)
+            print(f"connected again {time.monotonic() - back:.1f} s after the link's return")
+            said, _ = self.finish(program)
+            self.assertIn("*** AGW-Error with connection to 10.213.77.1", said)
+            self.assertEqual(said.count("*** AGW-Disconnected from"), 1)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:], verbosity=2)
