@@ -80,7 +80,8 @@ public:
     }
     ~Flood() {
         Stop();
-        shutdown(m_client, SHUT_RDWR); // frees a send that waits
+        shutdown(m_server, SHUT_RDWR); // frees an accept or a send that waits
+        shutdown(m_client, SHUT_RDWR);
         m_thread.join();
         close(m_client);
         close(m_server);
