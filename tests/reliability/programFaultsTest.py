@@ -179,7 +179,7 @@ class ProgramFaultsTest(unittest.TestCase):
         ip("-n", name, "link", "set", f"{name}b", "up")
         rig.write_settings(self.program_folder / rig.SETTINGS_FILE, {("AGWPE", "HOST_ADDRESS"): "10.213.77.1"})
         with Engine(self.port, "10.213.77.1") as engine, \
-                self.start(seconds=330, prefix=("ip", "netns", "exec", name)) as program:
+                self.start(seconds=220, prefix=("ip", "netns", "exec", name)) as program:
             rig.wait_for(engine.monitoring, "it connects", alive=program)
             ip("link", "set", f"{name}a", "down")
             time.sleep(150)
