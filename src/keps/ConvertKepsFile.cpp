@@ -50,7 +50,7 @@ QString Install(const QString& from, const QString& to) {
     }
     // commit() alone would put a file in place that the disk has taken only in part.
     if (!target.flush() || target.size() != source.size()) {
-        const QString reason = target.errorString();
+        QString reason = target.errorString();
         target.cancelWriting();
         return reason;
     }

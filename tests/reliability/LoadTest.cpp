@@ -121,7 +121,7 @@ private:
     std::atomic<int> m_sent = 0;
 };
 
-QByteArray WithChecksum(QByteArray line) {
+QByteArray WithChecksum(const QByteArray& line) {
     int sum = 0;
     for (const char c : line)
         sum += c >= '0' && c <= '9' ? c - '0' : c == '-' ? 1 : 0;
