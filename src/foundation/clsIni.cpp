@@ -125,6 +125,13 @@ QString clsIni::GetIniStringWriteDefault(const QString& section, const QString& 
     return defaultValue;
 }
 
+QList<std::pair<QString, QString>> clsIni::LoadSection(const QString& section, const QString& file) const {
+    QList<std::pair<QString, QString>> values = Load(PathOf(file)).Entries(section);
+    for (auto& [key, value] : values)
+        value.truncate(longestValue);
+    return values;
+}
+
 void clsIni::SaveSection(const QString& section, const QList<std::pair<QString, QString>>& values,
                          const QString& file) {
     QList<std::pair<QString, QString>> stored = values;

@@ -47,6 +47,10 @@ public:
     QString GetIniStringWriteDefault(const QString& section, const QString& key, const QString& defaultValue,
                                      const QString& file = {});
 
+    /// All keys of a section with their values, in file order, however many they are. For what the program
+    /// writes back with SaveSection: a key not read would be lost there.
+    QList<std::pair<QString, QString>> LoadSection(const QString& section, const QString& file = {}) const;
+
     /// Replaces a section by these keys and values in one write, so that no crash leaves half of them.
     void SaveSection(const QString& section, const QList<std::pair<QString, QString>>& values,
                      const QString& file = {});

@@ -34,10 +34,9 @@ void Save(clsIni& ini, const QList<clsCallsign>& callsigns) {
 }
 
 QList<clsCallsign> Stored(const clsIni& ini) {
-    const clsIni::KeyTable table = ini.LoadAllKeysInSection(SectionName());
     QList<clsCallsign> callsigns;
-    for (qsizetype i = 1; i < table[0].size(); ++i)
-        callsigns.append({table[0][i], table[1][i]});
+    for (const auto& [key, value] : ini.LoadSection(SectionName()))
+        callsigns.append({key, value});
     return callsigns;
 }
 

@@ -68,6 +68,7 @@ private Q_SLOTS:
     void newKeyStandsAtTheEndOfItsSection();
     void firstOfTwoEqualSectionsCounts();
     void deletingTakesEveryEqualSectionAndKey();
+    void wholeSectionIsLoadedHoweverLong();
     void savingASectionReplacesItInPlace();
     void savingASectionOutweighsAnEqualOneBelow();
     void keysThatDifferInMoreThanCaseStayTwo();
@@ -95,7 +96,7 @@ private Q_SLOTS:
     void folderInPlaceOfTheFileIsReported();
     void oversizedFileIsNeverOverwritten();
     void fileSizeLimitLeavesTheOldFileWhole();
-    void fullDiskLeavesTheOldFileWhole();
+    void linkToWhatIsNoFileIsReported();
     void killedWriterLeavesAWholeFile();
 
 private:
@@ -296,6 +297,21 @@ void clsIniTest::deletingTakesEveryEqualSectionAndKey() {
     QCOMPARE(Get("A", "b"), S("?"));
     m_ini->DeleteSection(S("A"));
     QCOMPARE(Bytes(), "[B]\r\nx=1\r\n");
+}
+
+void clsIniTest::wholeSectionIsLoadedHoweverLong() {
+    QList<std::pair<QString, QString>> values;
+    for (int i = 0; i < 5000; ++i)
+        values.append({QStringLiteral("key%1").arg(i), QString::number(i)});
+    m_ini->SaveSection(S("A"), values);
+    QCOMPARE(m_ini->LoadSection(S("A")), values);
+    QVERIFY(m_ini->LoadSection(S("B")).isEmpty());
+
+    Write("[A]\r\nlong=" + QByteArray(600, 'v') + "\r\nquoted=\" x\"\r\n");
+    values = m_ini->LoadSection(S("a"));
+    QCOMPARE(values.size(), 2);
+    QCOMPARE(values[0].second.size(), 499);
+    QCOMPARE(values[1].second, S(" x"));
 }
 
 void clsIniTest::savingASectionReplacesItInPlace() {
@@ -564,15 +580,19 @@ void clsIniTest::fileSizeLimitLeavesTheOldFileWhole() {
     QCOMPARE(Bytes(), before + "c=1\r\n");
 }
 
-void clsIniTest::fullDiskLeavesTheOldFileWhole() {
-    // /dev/full has no room: whatever the reason, a target that takes no bytes stays what it was.
-    QVERIFY(QFile::link(S("/dev/full"), m_folder->IniFile()));
+void clsIniTest::linkToWhatIsNoFileIsReported() {
+    // A link of the user's may lead to a device, and who runs as root could replace that by a file.
+    const QString target = m_folder->File(S("socket"));
+    QCOMPARE(mknod(QFile::encodeName(target).constData(), S_IFSOCK | 0600, 0), 0);
+    QVERIFY(QFile::link(target, m_folder->IniFile()));
     int failures = 0;
     m_ini->SetWriteFailed([&](const QString&, const QString&) { ++failures; });
     Save("A", "b", "1");
     QCOMPARE(failures, 1);
     QVERIFY(QFileInfo(m_folder->IniFile()).isSymLink());
-    QVERIFY(QFile::exists(S("/dev/full")));
+    struct stat state {};
+    QCOMPARE(stat(QFile::encodeName(target).constData(), &state), 0);
+    QVERIFY(S_ISSOCK(state.st_mode));
 }
 
 void clsIniTest::killedWriterLeavesAWholeFile() {

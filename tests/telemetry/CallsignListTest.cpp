@@ -19,7 +19,7 @@ private Q_SLOTS:
     void assigningLeavesOtherSectionsAlone();
     void readingGivesACopy();
     void findsExactlyAndTheFirst();
-    void fiveThousandCallsignsAreSavedAndFoundQuickly();
+    void fiveThousandCallsignsAreSavedLoadedAndFoundQuickly();
     void itemTexts_data();
     void itemTexts();
     void itemsReadBack();
@@ -149,7 +149,7 @@ void CallsignListTest::findsExactlyAndTheFirst() {
         QVERIFY2(list.Find(other) == nullptr, other);
 }
 
-void CallsignListTest::fiveThousandCallsignsAreSavedAndFoundQuickly() {
+void CallsignListTest::fiveThousandCallsignsAreSavedLoadedAndFoundQuickly() {
     const TemporaryProgramFolder folder;
     clsIni ini(folder.IniFile());
     CallsignList list(ini);
@@ -162,6 +162,11 @@ void CallsignListTest::fiveThousandCallsignsAreSavedAndFoundQuickly() {
     list.setCCallsigns(callsigns);
     QVERIFY2(time.elapsed() < 1000, "saving is slow");
     QCOMPARE(folder.Read(Q("QiranDecode.INI")).count('\n'), 5001);
+    time.restart();
+    CallsignList loaded(ini);
+    loaded.LoadCallsigns();
+    QVERIFY2(time.elapsed() < 1000, "loading is slow");
+    QCOMPARE(Texts(loaded.cCallsigns()), Texts(callsigns)); // all: what is not loaded, the next save removes
     time.restart();
     for (int i = 0; i < 200000; ++i)
         QVERIFY(list.Find("X0312-7") != nullptr && list.Find("Y0312-7") == nullptr);
