@@ -1,4 +1,5 @@
 #include "app/MainWindowRig.h"
+#include "telemetry/TelemetryGrid.h"
 
 #include <QLineEdit>
 #include <QListWidget>
@@ -16,6 +17,7 @@ private Q_SLOTS:
     void theInactiveEntriesAreGreyed();
     void onlyShowQiranTwiceRestoresMarkAndSetting();
     void useLocalTimeWritesTrueAfterAFirstStart();
+    void useLocalTimeHoldsFromTheNextFrame();
     void everyEntryIsReachedByItsAccessKeys_data();
     void everyEntryIsReachedByItsAccessKeys();
     void theMapOpensOnceAndIsBroughtBackFromMinimised();
@@ -124,6 +126,22 @@ void frmQIRANMenuTest::useLocalTimeWritesTrueAfterAFirstStart() {
     QVERIFY(entry->isChecked());
     QCOMPARE(rig.Get("SETUP", "USE_LOCAL_TIME"), u"TRUE"_s);
     QCOMPARE(rig.Find<QLabel>("labDueCap")->text().remove(u'&'), u"Due (local)"_s);
+}
+
+void frmQIRANMenuTest::useLocalTimeHoldsFromTheNextFrame() {
+    MainWindowRig rig;
+    rig.clock.Set(DateOf(2026, 11, 21) + 0.5); // and stands there
+    rig.clock.SetOffsetHours(3);
+    QVERIFY(rig.Start());
+    QTRY_COMPARE(rig.engine.MonitoringCount(), 1);
+    const HeardFrame heard{
+        .from = "XQ9ZZ-1", .to = "APRS", .via = {}, .information = "T#1,10,20,30,40,0,0,00101111,0"};
+    rig.engine.SendHeard(heard);
+    QTRY_VERIFY(rig.Monitor().contains(u"12:00:00 XQ9ZZ-1>APRS:"_s));
+    rig.Find<QAction>("mnuUseLocalTime")->trigger();
+    rig.engine.SendHeard(heard);
+    QTRY_VERIFY(rig.Monitor().contains(u"15:00:00 XQ9ZZ-1>APRS:"_s));
+    QTRY_COMPARE(rig.Cell("gTlm2", 1, TelemetryGrid::LabelA), u"T#1  2026-Nov-21 15:00"_s);
 }
 
 void frmQIRANMenuTest::everyEntryIsReachedByItsAccessKeys_data() {

@@ -24,6 +24,7 @@ private Q_SLOTS:
     void lineEndsOfTheInformation_data();
     void lineEndsOfTheInformation();
     void satelliteFrameWithoutInformationLineIsNotDecoded();
+    void aLineFeedEndsTheHeaderOfASatelliteFrameToo();
     void emptyFrameIsHarmless();
     void frameWithoutCrIsShownAsItIs();
     void unparsableHeaderIsShownUnchanged();
@@ -188,6 +189,18 @@ void FrameIntakeTest::satelliteFrameWithoutInformationLineIsNotDecoded() {
     QCOMPARE(room.FilledCells(), 0);
     QCOMPARE(room.terminal.size(), 1U);
     QCOMPARE(room.terminal[0].first, QByteArray("1:Fm XQ9ZZ To APRS <UI pid=F0 Len=0 >\r\n\r\n"));
+}
+
+void FrameIntakeTest::aLineFeedEndsTheHeaderOfASatelliteFrameToo() {
+    for (const QByteArray& end : {QByteArray("\n"), QByteArray("\r\n")}) {
+        TelemetryRoom room;
+        room.intake.FrameReceived(
+            {1, "XQ9ZZ", "APRS",
+             " 1:Fm XQ9ZZ To APRS <UI pid=F0 Len=31 >" + end + "T#001,10,20,30,40,0,0,00101111,0\r"});
+        QCOMPARE(room.monitor.Text().toByteArray(),
+                 QByteArray("14:07:09 XQ9ZZ>APRS:\r\nT#001,10,20,30,40,0,0,00101111,0\r\n"));
+        QCOMPARE(room.FilledCells(), 8);
+    }
 }
 
 void FrameIntakeTest::emptyFrameIsHarmless() {

@@ -58,7 +58,8 @@ void MonitorHeaderTest::fullForm_data() {
     row("Fm inside the callsign", "1:Fm XFm1 To B <UI>", 2, "12:00:01R XFm1>B Port=1 <UI>:");
     row("To inside the callsign: the first one counts", "1:Fm QTo1 To B <UI>", 2,
         "12:00:01R > To B Port=1 <UI>:");
-    row("> before the control part", "1:Fm A>B To C <UI >", 2, "12:00:01R A>B>C Port=1 <UI>:");
+    row("> before the control part", "1:Fm A>B To C <UI >[12:00:01]", 2, "12:00:01R A>B>C Port=1 <UI>:");
+    row("< before To", "1:Fm A<B To C <UI >", 2, "12:00:01R A<B>C Port=1 <UI>:");
     row("empty source", "1:Fm To B <UI>", 2, "1:Fm To B <UI>"); // one too short for a source
     row("the colon may stand anywhere", "Fm A To B <UI>[12:00:01]", 2, "12:00:01R A>B Port=0 <UI>:");
 }
