@@ -37,6 +37,7 @@ private Q_SLOTS:
     void enterInTheListLoadsTheEditor();
     void anySideButALoadsAsB();
     void deleteRemovesAndSelectsTheNext();
+    void deleteInTheMiddleSelectsTheOneThatTookItsPlace();
     void deleteOfTheLastSelectsTheNewLast();
     void okSavesTheListAndCloses();
     void okRefusesAnEmptyList();
@@ -261,6 +262,14 @@ void frmCallsTest::deleteRemovesAndSelectsTheNext() {
              QStringList({QStringLiteral("QIRAN       Side B"), QStringLiteral("NODIGI      Side A")}));
     QCOMPARE(m_list->currentRow(), 0);
     QVERIFY(m_list->item(0)->isSelected());
+}
+
+void frmCallsTest::deleteInTheMiddleSelectsTheOneThatTookItsPlace() {
+    ClickItem(1);
+    const QString next = m_list->item(2)->text();
+    QTest::keyClick(m_list, Qt::Key_Delete);
+    QCOMPARE(m_list->currentRow(), 1);
+    QCOMPARE(m_list->currentItem()->text(), next);
 }
 
 void frmCallsTest::deleteOfTheLastSelectsTheNewLast() {
