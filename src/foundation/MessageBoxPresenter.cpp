@@ -72,6 +72,8 @@ int MessageBoxPresenter::ShowMessage(const Message& message) {
         QPushButton* help = box->addButton(QMessageBox::Help);
         help->setObjectName(QStringLiteral("cmdHelp"));
         help->setShortcut(Qt::Key_F1);
+        if (kind == 0)
+            box->setEscapeButton(QMessageBox::Ok); // with a second button Qt would know of no way out
         // The box stays open while the help is read.
         QObject::disconnect(help, &QPushButton::clicked, nullptr, nullptr);
         QObject::connect(help, &QPushButton::clicked, box,

@@ -99,6 +99,7 @@ private Q_SLOTS:
     void messageBoxAnswersTheButtonPressed();
     void messageBoxHasAHelpButtonOnlyWithAContextId();
     void helpButtonOpensItsTopicAndLeavesTheBoxOpen();
+    void escapeClosesABoxWithAHelpButton();
     void everyContextIdHasAnAnchor();
     void pictures();
 
@@ -404,6 +405,18 @@ void HelpTest::helpButtonOpensItsTopicAndLeavesTheBoxOpen() {
         box.button(QMessageBox::Ok)->click();
     });
     QCOMPARE(topic, u"Packet engine"_s);
+    QCOMPARE(answer, 1);
+}
+
+void HelpTest::escapeClosesABoxWithAHelpButton() {
+    const Message message{nullptr, u"x"_s, MessageStyle::HelpButton, u"c"_s, HelpTopics::packetEngine};
+    bool closed = false;
+    const int answer = WithBox(message, [&](QMessageBox& box) {
+        QTest::keyClick(&box, Qt::Key_Escape);
+        closed = !box.isVisible();
+        box.button(QMessageBox::Ok)->click(); // where it still stands
+    });
+    QVERIFY(closed);
     QCOMPARE(answer, 1);
 }
 
