@@ -8,10 +8,19 @@
 #include "support/TestClock.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QRandomGenerator>
 #include <QTableView>
+
+/// A window of the program that is in sight; null when there is none of this name.
+inline QWidget* WindowNamed(const QString& name) {
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (window->objectName() == name && window->isVisible())
+            return window;
+    return nullptr;
+}
 
 /// The true main window in a temporary program folder, a simulated packet engine beside it, and a recorder in
 /// the user's place at message boxes.

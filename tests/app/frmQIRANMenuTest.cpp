@@ -39,13 +39,6 @@ QStringList Describe(const QList<QAction*>& actions, const QString& indent = {})
     return lines;
 }
 
-QWidget* WindowNamed(const QString& name) {
-    for (QWidget* window : QApplication::topLevelWidgets())
-        if (window->objectName() == name && window->isVisible())
-            return window;
-    return nullptr;
-}
-
 // Where access keys are heard.
 void Activate(frmQIRAN& window) {
     window.activateWindow();

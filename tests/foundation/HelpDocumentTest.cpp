@@ -99,7 +99,8 @@ private Q_SLOTS:
                                  "txtInfo",
                                  "cmdChangeSat",
                                  "cmdPassInfo",
-                                 "picMap"})
+                                 "picMap",
+                                 "mbMessage"})
             QVERIFY2(m_window->HasTopic(QString::fromUtf8(name)), name);
         QVERIFY(!m_window->HasTopic(QStringLiteral("txtPort"))); // two windows have one
     }
@@ -129,6 +130,7 @@ private Q_SLOTS:
               "'Port' must be a numeric value between 1 and 32767",
               " is not a valid callsign.",
               "You cannot delete all the callsigns.",
+              "cannot be shown. The map has a plain background instead.",
               "That is not a valid callsign.",
               "I can't make that into a valid latitude.",
               "I can't make that into a valid longitude.",
