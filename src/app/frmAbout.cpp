@@ -67,5 +67,5 @@ frmAbout::frmAbout(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(body);
     layout->addWidget(buttons);
-    setMinimumWidth(fontMetrics().averageCharWidth() * 64);
+    layout->addStrut(fontMetrics().averageCharWidth() * 64); // the width for which the texts are broken
 }
