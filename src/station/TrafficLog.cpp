@@ -82,10 +82,8 @@ void TrafficLog::Append(QByteArrayView text) {
 }
 
 void TrafficLog::CloseWhenIdle() {
-    if (m_isLogging && m_clock.Milliseconds() - m_lastMilliseconds > idleMilliseconds) {
+    if (m_isLogging && m_clock.Milliseconds() - m_lastMilliseconds > idleMilliseconds)
         CloseTrafficLog();
-        NoteActivity(Today());
-    }
 }
 
 DateTime TrafficLog::Today() const {
