@@ -12,6 +12,7 @@ private Q_SLOTS:
     void a71CharacterLineStays();
     void the72ndCharacterBreaksAtTheLastBlank_data();
     void the72ndCharacterBreaksAtTheLastBlank();
+    void ofSeveralBlanksTheLastWithinReachBreaks();
     void a200CharacterWordIsCut();
     void lineEndsEndLines_data();
     void lineEndsEndLines();
@@ -56,6 +57,14 @@ void LineWrapTest::the72ndCharacterBreaksAtTheLastBlank() {
     QTEST(static_cast<int>(wrap.rest.size()), "rest");
     QVERIFY(text.startsWith(wrap.lines[0]));
     QVERIFY(text.endsWith(wrap.rest));
+}
+
+void LineWrapTest::ofSeveralBlanksTheLastWithinReachBreaks() {
+    QString text(80, u'x');
+    for (const int position : {60, 73, 74})
+        text[position - 1] = u' ';
+    QCOMPARE(WrapLines(text).lines, QStringList{text.first(72)});
+    QCOMPARE(WrapLines(text).rest, text.sliced(73));
 }
 
 void LineWrapTest::a200CharacterWordIsCut() {

@@ -135,9 +135,15 @@ void PositionTextTest::aPositionHasALocator_data() {
     QTest::newRow("Null Island") << "0000.00N"
                                  << "00000.00E"
                                  << "JJ00AA";
-    QTest::newRow("just south-west of it") << "0000.01S"
-                                           << "00000.01W"
-                                           << "II99XX";
+    QTest::newRow("just below a subsquare of two and a half minutes") << "0002.49N"
+                                                                      << "00004.99E"
+                                                                      << "JJ00AA";
+    QTest::newRow("on its edge") << "0002.50N"
+                                 << "00005.00E"
+                                 << "JJ00BB";
+    QTest::newRow("just south-west of Null Island") << "0000.01S"
+                                                    << "00000.01W"
+                                                    << "II99XX";
     QTest::newRow("south pole, date line west") << "9000.00S"
                                                 << "18000.00W"
                                                 << "AA00AA";
