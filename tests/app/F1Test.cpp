@@ -74,7 +74,7 @@ QString F1Test::Press(QWidget* target) {
     QTest::keyClick(target, Qt::Key_F1);
     (void)QTest::qWaitFor(
         [] { return WindowNamed(QStringLiteral("frmHelp")) != nullptr; }); // a button is down a while
-    const QString topics = HelpShows();
+    QString topics = HelpShows();
     if (QWidget* help = WindowNamed(QStringLiteral("frmHelp")))
         help->close();
     return topics;
