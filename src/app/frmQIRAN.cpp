@@ -162,8 +162,8 @@ void frmQIRAN::PrepareTracking() {
     });
     connect(m_framLocation, &framLocation::PassInfoRequested, this, &frmQIRAN::ShowPassPredictions);
     connect(&m_ground->station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
-    LoadElements();
     ApplyStationPosition();
+    LoadElements();
     SetDueCaption();
 }
 

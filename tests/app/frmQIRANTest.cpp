@@ -26,6 +26,7 @@ private Q_SLOTS:
     void aLatitudeOfZeroCountsAsUnknownAndWarns();
     void aKnownPositionWarnsOfNothing();
     void missingElementsAreNamed();
+    void realElementsAreTrackedAtOnceAndByEveryTenthTick();
     void closingWhileMinimisedKeepsThePlace();
     void closingSavesThePlaceAndTheSatellite();
     void aSecondStartInTheSameFolderSaysSoAndEnds();
@@ -178,6 +179,34 @@ void frmQIRANTest::missingElementsAreNamed() {
     QCOMPARE(rig.presenter.messages.last().text, u"No Keps found for ISS."_s);
     QCOMPARE(rig.presenter.messages.last().style, MessageStyle::Information);
     QCOMPARE(rig.Find<QGroupBox>("framLocation")->title(), u"QIRAN (CUBE) Current Location"_s);
+}
+
+void frmQIRANTest::realElementsAreTrackedAtOnceAndByEveryTenthTick() {
+    MainWindowRig rig;
+    rig.Set("SETUP", "LATITUDE", u"5130.00N"_s);
+    rig.Set("SETUP", "LONGITUDE", u"00030.00W"_s);
+    rig.folder.Write(u"Keps/amateur.txt"_s,
+                     "QIRAN\r\n"
+                     "1 90417U 06001A   26325.00000000  .00000200  00000+0  10000-3 0  9991\r\n"
+                     "2 90417  98.1800 215.4000 0011500  92.3000 268.0000 14.57400000  4126\r\n"
+                     "ISS (ZARYA)\r\n"
+                     "1 25544U 98067A   26325.00000000  .00011000  00000+0  20000-3 0  9994\r\n"
+                     "2 25544  51.6400 120.5000 0004200  61.0000 299.2000 15.49600000 50001\r\n");
+    QVERIFY(rig.Start());
+    QCOMPARE(rig.presenter.Texts(), QStringList());
+    const QString first = rig.Find<QLabel>("labLat")->text();
+    QVERIFY2(first.endsWith(u'N') || first.endsWith(u'S'), qPrintable(first));
+    QVERIFY(rig.Find<QLabel>("labDue")->text() != u"-"_s);
+
+    auto* timer = rig.Find<QTimer>("Timer1");
+    QVERIFY(timer->isActive());
+    QCOMPARE(timer->interval(), 1000);
+    timer->setInterval(1); // the tenth tick, not ten seconds, is the rule
+    rig.clock.Advance(60.0);
+    QTRY_VERIFY(rig.Find<QLabel>("labLat")->text() != first);
+
+    rig.Find<QPushButton>("cmdChangeSat")->click();
+    QCOMPARE(rig.Find<QGroupBox>("framLocation")->title(), u"ISS Current Location"_s);
 }
 
 void frmQIRANTest::closingWhileMinimisedKeepsThePlace() {
