@@ -68,14 +68,12 @@ void FindRoots(const Quartic& c, double from, double length, int depth, PathPiec
     FindRoots(right, from + 0.5 * length, 0.5 * length, depth + 1, found);
 }
 
-} // namespace
-
-PathPiece::PathPiece(const PathPoint& from, const PathPoint& to)
-    : m_start(from.time)
-    , m_length(to.time - from.time) {
-    const double fifth = m_length / 5;
-    const double twentieth = m_length * m_length / 20;
-    m_points = {
+// The control points of the quintic with the two points' positions, velocities and accelerations.
+std::array<Vector3, 6> ControlPoints(const PathPoint& from, const PathPoint& to) {
+    const double length = to.time - from.time;
+    const double fifth = length / 5;
+    const double twentieth = length * length / 20;
+    return {
         from.position,
         from.position + fifth * from.velocity,
         from.position + 2 * fifth * from.velocity + twentieth * from.acceleration,
@@ -83,7 +81,14 @@ PathPiece::PathPiece(const PathPoint& from, const PathPoint& to)
         to.position - fifth * to.velocity,
         to.position,
     };
+}
 
+} // namespace
+
+PathPiece::PathPiece(const PathPoint& from, const PathPoint& to)
+    : m_start(from.time)
+    , m_length(to.time - from.time)
+    , m_points(ControlPoints(from, to)) {
     // A function's sixth derivative D leaves the piece wrong by up to D (length/2)^6 / 720 in its middle, and
     // its third derivative at the ends by D length^3 / 120: 1/384 of the length's cube lies between the two.
     const double cube = m_length * m_length * m_length;
