@@ -59,15 +59,11 @@ std::optional<FormulaTable::Fields> SplitFormulaLine(std::string_view line) {
     line = Trimmed(line);
     if (!line.starts_with('A') && !line.starts_with('B'))
         return std::nullopt;
+    const auto untrimmed = SplitAtCommas<FormulaTable::fieldsInLine>(line);
+    if (!untrimmed)
+        return std::nullopt;
     FormulaTable::Fields fields;
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        const std::size_t comma = line.find(',');
-        const bool isLast = i + 1 == fields.size();
-        if (isLast != (comma == std::string_view::npos))
-            return std::nullopt;
-        fields[i] = Trimmed(line.substr(0, comma));
-        line.remove_prefix(isLast ? line.size() : comma + 1);
-    }
+    std::ranges::transform(*untrimmed, fields.begin(), Trimmed);
     return fields;
 }
 

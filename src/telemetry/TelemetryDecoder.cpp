@@ -3,26 +3,9 @@
 #include "foundation/Text.h"
 #include "telemetry/ByteViews.h"
 
-#include <array>
-#include <optional>
 #include <utility>
 
 namespace {
-
-using Fields = std::array<std::string_view, 9>;
-
-std::optional<Fields> SplitLine(std::string_view line) {
-    Fields fields;
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        const std::size_t comma = line.find(',');
-        const bool isLast = i + 1 == fields.size();
-        if (isLast != (comma == std::string_view::npos))
-            return std::nullopt;
-        fields[i] = line.substr(0, comma);
-        line.remove_prefix(isLast ? line.size() : comma + 1);
-    }
-    return fields;
-}
 
 // The value of one character; 0 for one that the field lacks.
 double DigitAt(std::string_view field, std::size_t at) {
@@ -41,7 +24,7 @@ TelemetryDecoder::TelemetryDecoder(const ChannelMap& map, const FormulaTable& fo
     , m_displayTime(std::move(displayTime)) {}
 
 void TelemetryDecoder::DecodeTelemetry(QByteArrayView source, QByteArrayView line) {
-    const std::optional<Fields> fields = SplitLine(ToView(line));
+    const auto fields = SplitAtCommas<9>(ToView(line));
     if (!fields)
         return;
     const qint16 side = SideIndexOf(source);
