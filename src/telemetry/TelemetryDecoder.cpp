@@ -3,6 +3,7 @@
 #include "foundation/Text.h"
 #include "telemetry/ByteViews.h"
 
+#include <optional>
 #include <utility>
 
 namespace {
