@@ -140,8 +140,8 @@ private Q_SLOTS:
               "To be able to transmit, you must input your callsign in 'Station Information'.",
               "To be able to transmit, you must put a valid AX25 callsign or alias in 'To'.",
               "To be able to transmit, you must be connected to AGWPE.",
-              "To be able to transmit a beacon, you must input your latitude and longitude in 'Station "
-              "Information'.",
+              ("To be able to transmit a beacon, you must input your latitude and longitude in 'Station "
+               "Information'."),
               "Both URLs are blank!",
               "The Keps have been downloaded.",
               "The following errors occurred - ",

@@ -242,7 +242,8 @@ void MERAGWTest::allBytesPassAndOnlyTheEndMarkGoes() {
     for (int i = 0; i < 256; ++i)
         all += static_cast<char>(i);
     ConnectAndMonitor();
-    m_engine->SendRaw(Frame('U', all) + Frame('U', all + "\r\n\0") + Frame('U', QByteArray("x \0\0", 4)));
+    m_engine->SendRaw(Frame('U', all) + Frame('U', all + QByteArray("\r\n\0", 3)) +
+                      Frame('U', QByteArray("x \0\0", 4)));
     QTRY_COMPARE(m_seen->frames.size(), 3);
     QCOMPARE(m_seen->frames[0].data, all);
     QCOMPARE(m_seen->frames[1].data, all + "\r\n");
@@ -363,7 +364,7 @@ void MERAGWTest::anAttemptThatHangsIsOneError() {
     QList<int> queue;
     for (int i = 0; i < 4; ++i) {
         queue.append(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
-        ::connect(queue.last(), reinterpret_cast<sockaddr*>(&address), length);
+        static_cast<void>(::connect(queue.last(), reinterpret_cast<sockaddr*>(&address), length));
     }
     m_client->SetPort(static_cast<qint16>(ntohs(address.sin_port)));
     m_client->SetConnectTimeout(300);

@@ -151,9 +151,11 @@ TEST(Track, ofNoneOrOnePointHasNoPieces) {
 }
 
 TEST(Track, ofManyTurnsStaysOnTheMap) {
-    std::vector<GeoPoint> track;
-    for (int i = 0; i < 400; ++i)
-        track.push_back({std::remainder(-170.0 + 29 * i, 360), 60 * std::sin(i * 0.1)});
+    std::vector<GeoPoint> track(400);
+    for (std::size_t i = 0; i < track.size(); ++i) {
+        const auto turn = static_cast<double>(i);
+        track[i] = {std::remainder(-170.0 + 29 * turn, 360), 60 * std::sin(turn * 0.1)};
+    }
     const std::vector<Piece> pieces = TrackPieces(track);
     ExpectOnMap(pieces);
     EXPECT_LE(WidestLine(pieces), 29.0 + 1e-6);
@@ -260,7 +262,8 @@ TEST(Footprint, stretchIsCappedAtThePole) {
 }
 
 TEST(Footprint, nearAPoleIsFiniteClosedAndCoversIt) {
-    for (double latitude = 60; latitude <= 90; latitude += 0.25) {
+    for (int quarter = 60 * 4; quarter <= 90 * 4; ++quarter) {
+        const double latitude = quarter / 4.0;
         for (const double longitude : {0.0, 100.0, 180.0, -179.9}) {
             for (const double sign : {1.0, -1.0}) {
                 SCOPED_TRACE(testing::Message() << longitude << ", " << sign * latitude);

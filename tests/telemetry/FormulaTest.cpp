@@ -361,7 +361,7 @@ void FormulaTest::demonstrationFillsEveryCellPlausibly() {
                 const clsFormula* formula = loaded.table.At(side, type, cell.grid, cell.row);
                 QVERIFY(formula != nullptr);
                 const auto [least, most] = plausible[static_cast<std::size_t>(cell.grid)];
-                for (double raw = 20; raw <= 200; raw += 20) {
+                for (int raw = 20; raw <= 200; raw += 20) {
                     const double value = formula->CalcValue(raw).value();
                     QVERIFY(value >= least && value <= most);
                 }
