@@ -78,11 +78,13 @@ struct Stream {
 Stream MakeStream() {
     Stream stream;
     for (int i = 0; i < 4096; ++i) {
-        const std::string number = std::to_string(100 + i % 900);
-        const std::string type = std::to_string(i / 2 % 2) + std::to_string(i % 2);
-        stream.Add(Frame(i % 8 < 4 ? "XQ9ZZ-1" : "QIRAN-3", "APRS Via WIDE2-2",
-                         "T#" + number + ",142,108.5," + number + ",67,0,0,00" + type + "1111,0\n"));
-        stream.Add(Frame("N0CALL-7", "CQ Via QIRAN-1", "Hello from the coast, heard " + number + " today"));
+        std::array<char, 64> text{};
+        const int number = 100 + i % 900;
+        std::snprintf(text.data(), text.size(), "T#%d,142,108.5,%d,67,0,0,00%d%d1111,0\n", number, number,
+                      i / 2 % 2, i % 2);
+        stream.Add(Frame(i % 8 < 4 ? "XQ9ZZ-1" : "QIRAN-3", "APRS Via WIDE2-2", text.data()));
+        std::snprintf(text.data(), text.size(), "Hello from the coast, heard %d today", number);
+        stream.Add(Frame("N0CALL-7", "CQ Via QIRAN-1", text.data()));
     }
     return stream;
 }

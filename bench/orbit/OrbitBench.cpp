@@ -109,7 +109,7 @@ void PassList3Days(benchmark::State& state, const Elements& elements) {
 void ReadFolder(benchmark::State& state) {
     const fs::path folder = fs::temp_directory_path() / ("OrbitBenchFolder." + std::to_string(getpid()));
     fs::create_directory(folder);
-    const auto withChecksum = [](std::string line) {
+    const auto withChecksum = [](const std::string& line) {
         int sum = 0;
         for (const char c : line)
             sum += c == '-' ? 1 : c >= '0' && c <= '9' ? c - '0' : 0;
