@@ -2,6 +2,7 @@
 
 #define ZLIB_CONST // it does not write what it reads
 #include <array>
+#include <limits>
 #include <memory>
 #include <zlib.h>
 
@@ -36,7 +37,7 @@ bool AppendMember(z_stream& stream, QByteArray& text, qsizetype most) {
 
 std::optional<QByteArray> Unpack(QByteArrayView packed, qsizetype most) {
     z_stream stream{};
-    if (packed.size() > most || inflateInit2(&stream, gzipOnly) != Z_OK)
+    if (packed.size() > std::numeric_limits<int>::max() || inflateInit2(&stream, gzipOnly) != Z_OK)
         return std::nullopt;
     const std::unique_ptr<z_stream, End> ending(&stream);
     stream.next_in = reinterpret_cast<const Bytef*>(packed.data());

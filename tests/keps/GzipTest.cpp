@@ -44,6 +44,12 @@ private Q_SLOTS:
         QVERIFY(Gzip::Unpack(with(28, QByteArray("\x01\0a", 3) + name + name), most) == QByteArray("text"));
     }
 
+    void TheBoundIsOnWhatIsUnpackedNotOnTheFile() {
+        const QByteArray packed = GzipFile("c", 0);
+        QVERIFY(Gzip::Unpack(packed, 1) == QByteArray("c"));
+        QVERIFY(!Gzip::Unpack(packed, 0));
+    }
+
     void SeveralFilesInOneAreJoined() {
         QVERIFY(Gzip::Unpack(GzipFile("one ", 9) + GzipFile("two", 0), most) == QByteArray("one two"));
         QVERIFY(!Gzip::Unpack(GzipFile("one", 9) + "rest", most));
