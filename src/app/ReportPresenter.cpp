@@ -1,5 +1,7 @@
 #include "app/ReportPresenter.h"
 
+#include "app/OpenDialogs.h"
+
 #include <QAbstractItemModel>
 #include <QAction>
 #include <QApplication>
@@ -90,7 +92,7 @@ void ReportPresenter::OpenAndSave(const std::function<void()>& open) {
     QTimer::singleShot(settleMilliseconds, qApp, [this] {
         if (QWidget* modal = QApplication::activeModalWidget()) {
             Save(*modal);
-            modal->close();
+            DismissOpenDialogs();
         }
     });
     open();

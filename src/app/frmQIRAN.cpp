@@ -1,6 +1,7 @@
 #include "app/frmQIRAN.h"
 
 #include "app/MainMenuView.h"
+#include "app/OpenDialogs.h"
 #include "app/Texts.h"
 #include "app/Version.h"
 #include "app/frmAbout.h"
@@ -31,7 +32,14 @@
 #include <QMenuBar>
 #include <QVBoxLayout>
 
+#include <chrono>
 #include <cstdio>
+
+namespace {
+
+constexpr std::chrono::milliseconds closeRetry(10); // while dialogs close
+
+} // namespace
 
 frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages)
     : m_folder(folder)
@@ -248,6 +256,12 @@ void frmQIRAN::PurgeTelemetryFiles() {
 }
 
 void frmQIRAN::closeEvent(QCloseEvent* event) {
+    // What stands open still needs what is released below.
+    if (!DismissOpenDialogs()) {
+        event->ignore();
+        QTimer::singleShot(closeRetry, this, &QWidget::close);
+        return;
+    }
     Unload();
     event->accept();
     QApplication::quit();

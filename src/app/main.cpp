@@ -30,14 +30,6 @@ CommandLine ReadArguments(int argc, char** argv) {
     return CommandLine::Read(arguments);
 }
 
-// As the user would: what is open on top first, then the window itself.
-void End(QMainWindow& window) {
-    while (QWidget* modal = QApplication::activeModalWidget())
-        if (!modal->close())
-            break;
-    window.close();
-}
-
 int Run(const CommandLine& line, const QString& executable) {
     const ProgramFolder folder(line.folder.isEmpty() ? QApplication::applicationDirPath() : line.folder,
                                QFileInfo(executable).completeBaseName());
@@ -49,7 +41,7 @@ int Run(const CommandLine& line, const QString& executable) {
         const HelpKey helpKey(qApp, presenter);
         mb messages(presenter);
         frmQIRAN window(folder, clock, messages);
-        QObject::connect(&requests, &EndRequests::Requested, &window, [&window] { End(window); });
+        QObject::connect(&requests, &EndRequests::Requested, &window, &QWidget::close);
         return window.Load() ? QApplication::exec() : 1;
     }
     ReportPresenter presenter(helpFile, line.reportFolder);

@@ -77,6 +77,11 @@ bool FieldGuard::CheckAll() {
     });
 }
 
+bool FieldGuard::MayClose() {
+    const Field* field = Current();
+    return field == nullptr || MayLeave(*field);
+}
+
 bool FieldGuard::eventFilter(QObject* watched, QEvent* event) {
     if (m_busy || !watched->isWidgetType())
         return false;

@@ -12,9 +12,9 @@
 ///
 /// A field is checked when the user tries to leave it: by Tab, by a click on a button, on another field or on
 /// another window of the program, or by an access key. What he pressed happens only if the check passes, so
-/// that a failing check shows its message once an attempt. The ways out stay open: Escape, the close box,
-/// exempt buttons and whatever closes the window from inside are never checked. Going to another program and
-/// back is not leaving.
+/// that a failing check shows its message once an attempt. The close box is such an attempt as well, where
+/// the window's closeEvent asks MayClose(). The ways out stay open: Escape, exempt buttons and whatever
+/// closes the window from inside are never checked. Going to another program and back is not leaving.
 class FieldGuard : public QObject {
     Q_OBJECT
 public:
@@ -30,6 +30,10 @@ public:
     /// Checks the field that has the focus, then every other one. False after the first that fails; that one
     /// has the focus then. For OK.
     bool CheckAll();
+
+    /// For the window's closeEvent, which only the close box brings about (QDialog::done() needs none):
+    /// whether the field in which the user is may be left.
+    bool MayClose();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

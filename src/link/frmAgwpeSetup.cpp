@@ -9,6 +9,7 @@
 #include "link/AgwLink.h"
 #include "link/AgwSettings.h"
 
+#include <QCloseEvent>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -106,6 +107,13 @@ bool frmAgwpeSetup::IsPortGood() {
     m_messages.MessageBox(this, tr("'Port' must be a numeric value between 1 and 32767"),
                           MessageStyle::Critical);
     return false;
+}
+
+void frmAgwpeSetup::closeEvent(QCloseEvent* event) {
+    if (m_guard->MayClose())
+        QDialog::closeEvent(event);
+    else
+        event->ignore();
 }
 
 void frmAgwpeSetup::Ok() {

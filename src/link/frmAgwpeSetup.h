@@ -17,6 +17,9 @@ public:
     /// All three must outlive the dialog.
     frmAgwpeSetup(AgwSettings& settings, AgwLink& link, const mb& messages, QWidget* parent = nullptr);
 
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
 private:
     void AddButtons(QVBoxLayout* all);
     bool IsHostGood();

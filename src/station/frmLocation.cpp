@@ -8,6 +8,7 @@
 #include "station/FieldRules.h"
 #include "station/Station.h"
 
+#include <QCloseEvent>
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -127,6 +128,13 @@ void frmLocation::ShowLocator() {
                                                PositionText::ToStored(txtLong->text(), Axis::Longitude));
     if (locator)
         labLocator->setText(*locator);
+}
+
+void frmLocation::closeEvent(QCloseEvent* event) {
+    if (m_guard.MayClose())
+        QDialog::closeEvent(event);
+    else
+        event->ignore();
 }
 
 void frmLocation::Ok() {

@@ -17,6 +17,9 @@ class frmLocation : public QDialog {
 public:
     frmLocation(Station& station, const mb& messages, QWidget* parent = nullptr);
 
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
 private:
     void Build();
     void Fill();

@@ -286,6 +286,8 @@ void frmTerm::resizeEvent(QResizeEvent* event) {
 }
 
 void frmTerm::closeEvent(QCloseEvent* event) {
+    // The close box unloads, as the menu does; but what is stored then and wrong has been said.
+    m_guard.MayClose();
     event->accept();
     Unload();
 }

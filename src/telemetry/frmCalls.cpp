@@ -9,6 +9,7 @@
 #include "telemetry/CallsignItems.h"
 #include "telemetry/CallsignList.h"
 
+#include <QCloseEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -210,6 +211,13 @@ bool frmCalls::eventFilter(QObject* watched, QEvent* event) {
     default:
         return false;
     }
+}
+
+void frmCalls::closeEvent(QCloseEvent* event) {
+    if (m_guard->MayClose())
+        QDialog::closeEvent(event);
+    else
+        event->ignore();
 }
 
 void frmCalls::Ok() {

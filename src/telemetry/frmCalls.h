@@ -24,6 +24,9 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
 private:
     void LayOut();
     void FillList();

@@ -2,6 +2,7 @@
 
 #include "foundation/HelpWindow.h"
 #include "foundation/PlaceWindow.h"
+#include "support/CloseBox.h"
 
 #include <QCheckBox>
 #include <QDialog>
@@ -40,6 +41,13 @@ public:
         });
         connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
         connect(action, &QPushButton::clicked, this, [this] { ++actions; });
+    }
+
+    void closeEvent(QCloseEvent* event) override {
+        if (guard.MayClose())
+            QDialog::closeEvent(event);
+        else
+            event->ignore();
     }
 
     bool Check(QLineEdit* field) {
@@ -107,7 +115,8 @@ private Q_SLOTS:
     void cancelByTabAndSpaceIsNeverHindered();
     void escapeIsNeverHindered();
     void closingFromInsideIsNeverHindered();
-    void closeBoxIsNeverHindered();
+    void closeBoxShowsOneMessageAndKeepsTheWindow();
+    void closeBoxClosesWhenTheFieldIsGood();
     void anotherWindowShowsOneMessageAndTheUserComesBack();
     void clickIntoAnotherWindowShowsOneMessage();
     void closingTheOtherWindowIsNotHindered();
@@ -276,16 +285,27 @@ void FieldGuardTest::escapeIsNeverHindered() {
 
 void FieldGuardTest::closingFromInsideIsNeverHindered() {
     BAD_FIRST();
-    d.close();
+    d.accept();
     Settle();
     QVERIFY(!d.isVisible());
     QVERIFY(d.messages.isEmpty());
 }
 
-void FieldGuardTest::closeBoxIsNeverHindered() {
+void FieldGuardTest::closeBoxShowsOneMessageAndKeepsTheWindow() {
     BAD_FIRST();
-    d.windowHandle()->close(); // what the window system's close request ends in
-    QTRY_VERIFY(!d.isVisible());
+    PressCloseBox(d);
+    REFUSED_ONCE();
+    QVERIFY(d.isVisible());
+    PressCloseBox(d);
+    QCOMPARE(d.messages.size(), 2);
+    QVERIFY(d.isVisible());
+}
+
+void FieldGuardTest::closeBoxClosesWhenTheFieldIsGood() {
+    Dialog& d = *m_dialog;
+    d.second->setText(QStringLiteral("bad")); // the user is not in it
+    PressCloseBox(d);
+    QVERIFY(!d.isVisible());
     QVERIFY(d.messages.isEmpty());
 }
 
@@ -322,7 +342,7 @@ void FieldGuardTest::closingTheOtherWindowIsNotHindered() {
     other.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&other));
     other.windowHandle()->close();
-    d.close();
+    d.reject();
     QTest::qWait(400);
     QVERIFY(!other.isVisible());
     QVERIFY(d.messages.isEmpty());

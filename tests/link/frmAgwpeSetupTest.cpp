@@ -5,6 +5,7 @@
 #include "link/AgwLink.h"
 #include "link/AgwSettings.h"
 #include "pesim/EngineSimulator.h"
+#include "support/CloseBox.h"
 #include "support/RecordingPresenter.h"
 #include "support/Screenshots.h"
 #include "support/TemporaryProgramFolder.h"
@@ -52,6 +53,7 @@ private Q_SLOTS:
     void cancelStoresNothing();
     void cancelAndEscapeLeaveABadFieldUnasked_data();
     void cancelAndEscapeLeaveABadFieldUnasked();
+    void theCloseBoxSaysWhatIsWrongAndStays();
 
 private:
     QLineEdit* Field(const char* name) { return m_dialog->findChild<QLineEdit*>(QLatin1StringView(name)); }
@@ -318,6 +320,20 @@ void frmAgwpeSetupTest::cancelAndEscapeLeaveABadFieldUnasked() {
         QTest::keyClick(m_dialog.get(), Qt::Key_C, Qt::AltModifier);
     QTRY_VERIFY(!m_dialog->isVisible());
     QVERIFY(m_presenter.messages.isEmpty());
+}
+
+void frmAgwpeSetupTest::theCloseBoxSaysWhatIsWrongAndStays() {
+    Type(Field("txtPort"), QString());
+    PressCloseBox(*m_dialog);
+    QVERIFY(m_dialog->isVisible());
+    QCOMPARE(m_presenter.messages.size(), 1);
+    QVERIFY(Field("txtPort")->hasFocus());
+    Type(Field("txtPort"), QStringLiteral("1"));
+    PressCloseBox(*m_dialog);
+    QVERIFY(!m_dialog->isVisible());
+    QCOMPARE(m_presenter.messages.size(), 1);
+    QCOMPARE(m_settings->strAgwHost(), QStringLiteral("localhost"));
+    QVERIFY(!Reconnected());
 }
 
 QTEST_MAIN(frmAgwpeSetupTest)

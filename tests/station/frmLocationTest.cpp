@@ -2,8 +2,8 @@
 
 #include "foundation/clsIni.h"
 #include "foundation/mb.h"
-#include "station/CloseBox.h"
 #include "station/Station.h"
+#include "support/CloseBox.h"
 #include "support/RecordingPresenter.h"
 #include "support/Screenshots.h"
 
@@ -37,6 +37,7 @@ private Q_SLOTS:
     void cancelAndEscapeLeaveThroughAFailingField_data();
     void cancelAndEscapeLeaveThroughAFailingField();
     void theCloseBoxChangesNothing();
+    void theCloseBoxSaysWhatIsWrongAndStays();
     void anEmptiedLatitudeKeepsTheLocator();
     void aCommentIsTrimmedAndMayHoldAccents();
 
@@ -285,9 +286,22 @@ void frmLocationTest::cancelAndEscapeLeaveThroughAFailingField() {
     QCOMPARE(m_station->strCallsign(), u"XQ9ZZ"_s);
 }
 
-void frmLocationTest::theCloseBoxChangesNothing() {
+void frmLocationTest::theCloseBoxSaysWhatIsWrongAndStays() {
     Open();
     Type(u"ABCDEFG"_s);
+    PressCloseBox(*m_window);
+    QVERIFY(m_window->isVisible());
+    QCOMPARE(m_presenter.messages.size(), 1);
+    QCOMPARE(m_presenter.messages.last().text, u"That is not a valid callsign."_s);
+    QCOMPARE(Focus(), u"txtCallsign"_s);
+    Press(Qt::Key_Escape);
+    QVERIFY(!m_window->isVisible());
+    QCOMPARE(m_presenter.messages.size(), 1);
+}
+
+void frmLocationTest::theCloseBoxChangesNothing() {
+    Open();
+    Type(u"XQ9ZZ"_s);
     PressCloseBox(*m_window);
     QVERIFY(!m_window->isVisible());
     QVERIFY(m_presenter.messages.isEmpty());

@@ -2,6 +2,7 @@
 
 #include "foundation/clsIni.h"
 #include "foundation/mb.h"
+#include "support/CloseBox.h"
 #include "support/RecordingPresenter.h"
 #include "support/Screenshots.h"
 #include "support/TemporaryProgramFolder.h"
@@ -46,6 +47,7 @@ private Q_SLOTS:
     void leavingTheEmptyFieldIsFree();
     void cancelAndEscapeChangeNothing_data();
     void cancelAndEscapeChangeNothing();
+    void theCloseBoxSaysWhatIsWrongAndStays();
     void defaultsAreWrittenAtOnceAndStayAfterCancel();
     void fiveThousandCallsignsStayQuick();
 
@@ -349,6 +351,19 @@ void frmCallsTest::cancelAndEscapeChangeNothing() {
     QVERIFY(m_presenter->messages.isEmpty());
     QCOMPARE(m_callsigns->cCallsigns().size(), 3);
     QCOMPARE(m_folder->Read(QStringLiteral("QiranDecode.INI")), before);
+}
+
+void frmCallsTest::theCloseBoxSaysWhatIsWrongAndStays() {
+    QTest::keyClicks(m_field, QStringLiteral("XQ9ZZ-"));
+    PressCloseBox(*m_dialog);
+    QVERIFY(m_dialog->isVisible());
+    QCOMPARE(m_presenter->messages.size(), 1);
+    QVERIFY(m_field->hasFocus());
+    m_field->clear();
+    PressCloseBox(*m_dialog);
+    QVERIFY(!m_dialog->isVisible());
+    QCOMPARE(m_presenter->messages.size(), 1);
+    QCOMPARE(m_callsigns->cCallsigns().size(), 3);
 }
 
 void frmCallsTest::defaultsAreWrittenAtOnceAndStayAfterCancel() {
