@@ -3,22 +3,9 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
-namespace {
-
-// Where a chain of links ends.
-QString TargetOf(QString path) {
-    constexpr int longestChain = 40;
-    for (int link = 0; link < longestChain && QFileInfo(path).isSymLink(); ++link)
-        path = QFileInfo(path).symLinkTarget();
-    return path;
-}
-
-} // namespace
-
 QString ReplaceFile(const QString& path, const QByteArray& bytes) {
-    const QString place = TargetOf(path);
-    QSaveFile file(place);
-    const bool isNew = !QFileInfo::exists(place);
+    QSaveFile file(path); // follows links, also one that leads nowhere yet
+    const bool isNew = !QFileInfo::exists(path);
     // commit() alone would put a file in place that the disk has taken only in part.
     const bool isWritten = file.open(QIODevice::WriteOnly) &&
                            (!isNew || file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)) &&
