@@ -1,12 +1,6 @@
 #include "telemetry/ChannelMap.h"
 
-namespace {
-
-constexpr bool Inside(int index, int count) {
-    return index >= 0 && index < count;
-}
-
-} // namespace
+#include "telemetry/Inside.h"
 
 void ChannelMap::BuildChannelMap() {
     constexpr qint16 power = 0;

@@ -2,15 +2,12 @@
 
 #include "foundation/Text.h"
 #include "telemetry/ByteViews.h"
+#include "telemetry/Inside.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
-
-constexpr bool Inside(int index, int count) {
-    return index >= 0 && index < count;
-}
 
 double Number(QByteArrayView field) {
     return Text::LeadingNumber(ToView(field), Text::Exponent::Yes);
