@@ -9,8 +9,8 @@
 namespace {
 
 // The value of one character; 0 for one that the field lacks.
-double DigitAt(std::string_view field, std::size_t at) {
-    return at < field.size() ? Text::LeadingNumber(field.substr(at, 1)) : 0.0;
+int DigitAt(std::string_view field, std::size_t at) {
+    return at < field.size() ? static_cast<int>(Text::LeadingNumber(field.substr(at, 1))) : 0;
 }
 
 } // namespace
@@ -30,12 +30,10 @@ void TelemetryDecoder::DecodeTelemetry(QByteArrayView source, QByteArrayView lin
         return;
     const qint16 side = SideIndexOf(source);
     const std::string_view typeField = (*fields)[7];
-    const auto frameType = Text::RoundToInt16(2.0 * DigitAt(typeField, 2) + DigitAt(typeField, 3));
-    if (!frameType || *frameType < 0 || *frameType >= ChannelMap::frameTypes)
-        return;
+    const int frameType = 2 * DigitAt(typeField, 2) + DigitAt(typeField, 3); // the map ends at 3
     const FrameLabel label{(*fields)[0], m_displayTime()};
     for (int channel = 0; channel < ChannelMap::channels; ++channel)
-        ShowChannelValue(side, *frameType, channel,
+        ShowChannelValue(side, frameType, channel,
                          Text::LeadingNumber((*fields)[static_cast<std::size_t>(channel) + 1]), label);
 }
 
