@@ -205,6 +205,9 @@ void clsIniTest::longValueIsCutTo499Characters() {
     QCOMPARE(Get("A", "B"), QString(498, u'x') + u'y');
     QCOMPARE(Get("A", "C"), QString(499, u'x'));
     QCOMPARE(m_ini->GetIniString(S("A"), S("D"), QString(600, u'd')).size(), 499);
+    const QStringList listed = m_ini->LoadAllKeysInSection(S("A"))[1];
+    QCOMPARE(listed[1], QString(498, u'x') + u'y');
+    QCOMPARE(listed[2], QString(499, u'x'));
 }
 
 void clsIniTest::valuesAreTrimmedAndOnePairOfQuotesStripped_data() {

@@ -69,6 +69,7 @@ private Q_SLOTS:
     void aRefusedAttemptIsOneError();
     void anUnknownHostIsOneError();
     void anAttemptThatHangsIsOneError();
+    void theTimeLimitEndsWithTheAttempt();
     void anAttemptGivenUpSaysNothing();
     void anEngineThatSaysNothingIsConnected();
     void anEngineThatClosesIsOneDisconnected_data();
@@ -376,6 +377,14 @@ void MERAGWTest::anAttemptThatHangsIsOneError() {
     for (const int descriptor : queue)
         ::close(descriptor);
     ::close(listener);
+}
+
+void MERAGWTest::theTimeLimitEndsWithTheAttempt() {
+    const auto* limit = m_client->findChild<QTimer*>();
+    m_client->Connect();
+    QVERIFY(limit->isActive());
+    QTRY_VERIFY(m_client->IsConnected());
+    QVERIFY(!limit->isActive());
 }
 
 void MERAGWTest::anAttemptGivenUpSaysNothing() {
