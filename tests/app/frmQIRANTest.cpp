@@ -301,11 +301,15 @@ void frmQIRANTest::transmittedAndOtherFramesAreMarked() {
     rig.Set("SETUP", "ONLY_SHOW_QIRAN", u"FALSE"_s);
     QVERIFY(rig.Start());
     QTRY_COMPARE(rig.engine.MonitoringCount(), 1);
-    HeardFrame sent = Heard("N0CALL", "from here");
-    sent.kind = 'T';
-    rig.engine.SendHeard(sent);
-    QTRY_VERIFY2(rig.Monitor().contains(u"00:00:00T N0CALL>APRS,WIDE2-2 Port=1"_s),
+    for (const char kind : {'I', 'S', 'T'}) {
+        HeardFrame heard = Heard(QByteArray("N0CALL-") + kind, "from here");
+        heard.kind = kind;
+        rig.engine.SendHeard(heard);
+    }
+    QTRY_VERIFY2(rig.Monitor().contains(u"00:00:00T N0CALL-T>APRS,WIDE2-2 Port=1"_s),
                  qPrintable(rig.Monitor()));
+    QVERIFY(rig.Monitor().contains(u"00:00:00R N0CALL-I>APRS,WIDE2-2 Port=1"_s));
+    QVERIFY(rig.Monitor().contains(u"00:00:00R N0CALL-S>APRS,WIDE2-2 Port=1"_s));
 }
 
 void frmQIRANTest::theEngineGoingAwayAndReturningIsWrittenInTheMonitor() {
