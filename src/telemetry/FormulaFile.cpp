@@ -59,11 +59,11 @@ std::optional<FormulaTable::Fields> SplitFormulaLine(std::string_view line) {
     line = Trimmed(line);
     if (!line.starts_with('A') && !line.starts_with('B'))
         return std::nullopt;
-    const auto untrimmed = SplitAtCommas<FormulaTable::fieldsInLine>(line);
-    if (!untrimmed)
+    const auto split = SplitAtCommas<FormulaTable::fieldsInLine>(line);
+    if (!split)
         return std::nullopt;
     FormulaTable::Fields fields;
-    std::ranges::transform(*untrimmed, fields.begin(), Trimmed);
+    std::ranges::copy(*split, fields.begin());
     return fields;
 }
 

@@ -7,7 +7,6 @@ std::optional<QString> TipCell::MouseMove(const TelemetryGrid& grid, int row, in
         return std::nullopt;
     m_row = row;
     m_column = column;
-    if (row <= 0 || column <= 0)
-        return QString();
-    return grid.TextMatrix(row, column + 2); // the label of the value
+    // The label of the value; the header row has none.
+    return column <= 0 ? QString() : grid.TextMatrix(row, column + 2);
 }

@@ -76,6 +76,7 @@ void CallsignListTest::aSectionWithoutKeysGetsTheDefaults() {
     CallsignList list(ini);
     list.LoadCallsigns();
     QCOMPARE(list.cCallsigns().size(), 33);
+    QCOMPARE(ini.LoadSection(Q("CALLSIGNS")).size(), 33);
     QCOMPARE(ini.GetIniString(Q("SETUP"), Q("LEFT"), QString()), Q("1"));
 }
 

@@ -220,6 +220,8 @@ void FormulaTest::badNumbersFailWithTheirLine_data() {
     QTest::newRow("frame type beyond the table") << QByteArray("A,4,POWER,Batt A,0,0,1,0");
     QTest::newRow("negative frame type") << QByteArray("A,-1,POWER,Batt A,0,0,1,0");
     QTest::newRow("frame type beyond 16 bits") << QByteArray("A,32768,POWER,Batt A,0,0,1,0");
+    QTest::newRow("frame type beyond 16 bits before a misspelt grid")
+        << QByteArray("A,32768,VOLTS,Batt A,0,0,1,0");
     QTest::newRow("coefficient beyond doubles") << QByteArray("A,0,POWER,Batt A,0,0,1e400,0");
 }
 

@@ -176,10 +176,14 @@ void FrameIntakeTest::lineEndsOfTheInformation_data() {
 
 void FrameIntakeTest::lineEndsOfTheInformation() {
     QFETCH(const QByteArray, ending);
-    TelemetryRoom room;
-    room.Receive("XQ9ZZ", telemetryLine + ending);
-    QCOMPARE(room.Cell(1, "Batt", TelemetryGrid::ValueA), QStringLiteral("3040"));
-    QVERIFY(room.monitor.Text().endsWith(QByteArrayView(telemetryLine + "\r\n")));
+    for (const QByteArray& further : {QByteArray(), QByteArray("further,line")}) {
+        if (ending.isEmpty() && !further.isEmpty())
+            continue;
+        TelemetryRoom room;
+        room.Receive("XQ9ZZ", telemetryLine + ending + further);
+        QCOMPARE(room.Cell(1, "Batt", TelemetryGrid::ValueA), QStringLiteral("3040"));
+        QVERIFY(room.monitor.Text().endsWith(QByteArrayView(telemetryLine + "\r\n")));
+    }
 }
 
 void FrameIntakeTest::satelliteFrameWithoutInformationLineIsNotDecoded() {

@@ -132,6 +132,8 @@ void MonitorPaneTest::newestLineStaysInView() {
     QScrollBar* bar = m_pane->verticalScrollBar();
     QVERIFY(bar->maximum() > 0);
     QCOMPARE(bar->value(), bar->maximum());
+    Fill(20);
+    QCOMPARE(bar->value(), bar->maximum());
     Fill(1500); // beyond the bound
     QCOMPARE(bar->value(), bar->maximum());
 }

@@ -251,6 +251,9 @@ void TelemetryDecoderTest::channelsWithoutFormulaStayUndisplayed() {
     room.formulae = FormulaTable();
     room.decoder.DecodeTelemetry("XQ9ZZ", "T#1,10,20,30,40,0,0,00000000,0");
     QCOMPARE(room.FilledCells(), 0);
+    QCOMPARE(room.Store({"B", "1", "TEMP", "Xmtr", "0", "0", "1", "0"}), FormulaTable::Store::Done);
+    room.decoder.DecodeTelemetry("XQ9ZZ", "T#1,10,20,30,40,0,0,00000000,0"); // rows there now, and empty
+    QCOMPARE(room.FilledCells(), 0);
     room.decoder.ShowChannelValue(2, 0, 0, 1.0, {"T#1", 0.0});
     room.decoder.ShowChannelValue(0, 4, 0, 1.0, {"T#1", 0.0});
     room.decoder.ShowChannelValue(0, 0, 4, 1.0, {"T#1", 0.0});

@@ -169,7 +169,8 @@ void TelemetryGridTest::tipIsTheLabelOfTheValue() {
 
 void TelemetryGridTest::tipIsEmptyOverHeaderAndNames() {
     TelemetryGrid grid(1);
-    grid.SetValue(1, 0, 1.0, {"T#1", 0.0});
+    for (const int side : {0, 1})
+        grid.SetValue(1, side, 1.0, {"T#1", 0.0});
     TipCell cell;
     QVERIFY(cell.MouseMove(grid, 1, 1).has_value());
     QCOMPARE(cell.MouseMove(grid, 0, 1), QString());

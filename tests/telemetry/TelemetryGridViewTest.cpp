@@ -118,10 +118,14 @@ void TelemetryGridViewTest::hoveringTellsWhichFrameBroughtTheValue() {
     QTRY_COMPARE(View(1).toolTip(), QStringLiteral("T#124  2002-Mar-05 14:07"));
     Hover(1, 7, 2); // never set
     QTRY_COMPARE(View(1).toolTip(), QString());
+    m_room->Receive("XQ9ZZ", "T#125,10,20,30,40,0,0,00000000,0\r");
+    Hover(1, 1, 1);
+    QTRY_COMPARE(View(1).toolTip(), QStringLiteral("T#125  2002-Mar-05 14:07"));
 }
 
 void TelemetryGridViewTest::hoveringOverHeaderAndNamesTellsNothing() {
     m_room->Receive("XQ9ZZ", "T#123,10,20,30,40,0,0,00000000,0\r");
+    m_room->Receive("QIRAN", "T#124,10,20,30,40,0,0,00000000,0\r");
     Hover(1, 1, 1);
     QTRY_VERIFY(!View(1).toolTip().isEmpty());
     Hover(1, 1, 0);
