@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include <atomic>
+#include <fcntl.h>
 #include <memory>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -78,6 +79,7 @@ private Q_SLOTS:
     void disconnectIsReportedLaterAndOnce();
     void connectWhileConnectedBeginsAnew();
     void aLyingLengthIsErrorThenDisconnected();
+    void aNetworkFaultIsErrorThenDisconnected();
     void halfAFrameDoesNotReachTheNextConnection();
     void garbageEndsTheConnectionOrDoesNothing();
     void aReceiverMayEndTheConnectionFromWithinAFrame();
@@ -89,6 +91,7 @@ private Q_SLOTS:
     void aFrameWithoutPathGoesOutAsM();
     void aPathGoesOutAsV_data();
     void aPathGoesOutAsV();
+    void callsignsOfNineCharactersGoOut();
     void whatWasSentComesBackTransmitted();
     void whatCannotBeSentIsRefused_data();
     void whatCannotBeSentIsRefused();
@@ -468,6 +471,18 @@ void MERAGWTest::aLyingLengthIsErrorThenDisconnected() {
     QTRY_COMPARE(m_engine->ConnectionCount(), 0);
 }
 
+void MERAGWTest::aNetworkFaultIsErrorThenDisconnected() {
+    ConnectAndMonitor();
+    // A folder in the connection's place: reading from it is an error of the system, not an end.
+    const int folder = ::open("/", O_RDONLY | O_DIRECTORY);
+    const auto connection = static_cast<int>(m_client->findChild<QTcpSocket*>()->socketDescriptor());
+    QCOMPARE(::dup2(folder, connection), connection);
+    ::close(folder);
+    QTRY_COMPARE(m_seen->events.mid(3), QStringList({error, disconnected}));
+    QCOMPARE(m_seen->lastError, m_client->LastErrorText());
+    QVERIFY(!m_seen->lastError.isEmpty());
+}
+
 void MERAGWTest::halfAFrameDoesNotReachTheNextConnection() {
     ConnectAndMonitor();
     m_engine->SendRaw(Frame('U', "half").first(37));
@@ -593,6 +608,15 @@ void MERAGWTest::aPathGoesOutAsV() {
                                                     "514952414e2d31000000"
                                                     "57494445322d32000000") +
                                     "hello\r");
+}
+
+void MERAGWTest::callsignsOfNineCharactersGoOut() {
+    ConnectAndMonitor();
+    QVERIFY(
+        m_client->SendUnproto(1, QStringLiteral("ABCDEF-10"), QStringLiteral("GHIJKL-11 MNOPQR-12"), "x"));
+    QTRY_COMPARE(m_received.size(), 4);
+    QCOMPARE(m_received.last().mid(8, 20), QByteArray("ABCDEF-10\0GHIJKL-11\0", 20));
+    QCOMPARE(m_received.last().mid(37, 10), QByteArray("MNOPQR-12\0", 10));
 }
 
 void MERAGWTest::whatWasSentComesBackTransmitted() {
