@@ -22,6 +22,7 @@ private Q_SLOTS:
     void everyEntryIsReachedByItsAccessKeys();
     void theMapOpensOnceAndIsBroughtBackFromMinimised();
     void theTerminalComesBackAfterItWasClosed();
+    void theTerminalIsBroughtBackFromMinimised();
     void exitClosesTheProgram();
     void stationInformationReachesTheTrackingPanel();
 };
@@ -203,6 +204,19 @@ void frmQIRANMenuTest::theTerminalComesBackAfterItWasClosed() {
     QTRY_VERIFY(rig.Monitor().contains(u"while it is away"_s));
     rig.Find<QAction>("mnuTerminal")->trigger();
     QVERIFY(WindowNamed(u"frmTerm"_s));
+}
+
+void frmQIRANMenuTest::theTerminalIsBroughtBackFromMinimised() {
+    MainWindowRig rig;
+    QVERIFY(rig.Start());
+    rig.Find<QAction>("mnuTerminal")->trigger();
+    QWidget* terminal = WindowNamed(u"frmTerm"_s);
+    QVERIFY(terminal != nullptr);
+    terminal->showMinimized();
+    rig.Find<QAction>("mnuTerminal")->trigger();
+    QVERIFY(!terminal->isMinimized());
+    QCOMPARE(WindowNamed(u"frmTerm"_s), terminal);
+    QTRY_VERIFY(terminal->isActiveWindow());
 }
 
 void frmQIRANMenuTest::exitClosesTheProgram() {

@@ -103,6 +103,7 @@ void AgwLinkTest::threePortsAreThreeLines() {
     m_link->Connect();
     QTRY_COMPARE(m_lines.mid(2), QStringList({QStringLiteral("*** one\r\n"), QStringLiteral("*** two\r\n"),
                                               QStringLiteral("*** three\r\n")}));
+    QCOMPARE(m_link->PortCount(), 3);
 }
 
 void AgwLinkTest::withoutAnEngineEveryAttemptIsOneErrorAndARetry() {

@@ -92,6 +92,8 @@ void AgwSettingsTest::portsThatUsersEnter_data() {
     row(u".5", 0);
     row(u"-1", 0);
     row(u"32768", 0);
+    row(u"32767.4", 0); // held against the limits before it is rounded
+    row(u"0.9", 0);
     row(u"99999", 0);
     row(u"80a", 0);
     row(u"0x10", 0);

@@ -10,6 +10,7 @@
 #include "support/Screenshots.h"
 #include "support/TemporaryProgramFolder.h"
 
+#include <QFile>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
@@ -45,6 +46,8 @@ private Q_SLOTS:
     void aBlankHostKeepsTheFocus();
     void okWithABadFieldStoresNothing();
     void okChecksTheFieldsThatHaveNotTheFocus();
+    void anEngineIsEnteredByKeysAlone();
+    void thePasswordStandsInTheFileForItsOwnerAlone();
     void okStoresTrimmedValuesAndReconnects_data();
     void okStoresTrimmedValuesAndReconnects();
     void onlyTheCaseOfTheHostStoresWithoutReconnecting();
@@ -166,6 +169,10 @@ void frmAgwpeSetupTest::enteringAFieldSelectsItsText() {
         QCOMPARE(Field(name)->selectedText().size(), Field(name)->text().size());
         QTest::keyClick(Field(name), Qt::Key_Tab);
     }
+    for (const char* name : {"txtHostAddr", "txtPort", "txtLoginId", "txtPassword"}) {
+        QTest::mouseClick(Field(name), Qt::LeftButton);
+        QCOMPARE(Field(name)->selectedText().size(), Field(name)->text().size());
+    }
 }
 
 void frmAgwpeSetupTest::thePasswordIsMasked() {
@@ -238,6 +245,32 @@ void frmAgwpeSetupTest::okChecksTheFieldsThatHaveNotTheFocus() {
     QTest::keyClick(Field("txtHostAddr"), Qt::Key_Return);
     QCOMPARE(m_presenter.Texts(), QStringList{hostMessage});
     QVERIFY(m_dialog->isVisible());
+}
+
+void frmAgwpeSetupTest::anEngineIsEnteredByKeysAlone() {
+    for (const char* keys : {"127.0.0.1", "8010", "myself", "hush"}) { // each in place of what is selected
+        QTest::keyClicks(QApplication::focusWidget(), QLatin1StringView(keys));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    QCOMPARE(m_settings->strAgwHost(), QStringLiteral("localhost")); // nothing before OK
+    QVERIFY(Button("cmdOk")->hasFocus());
+    QTest::keyClick(Button("cmdOk"), Qt::Key_Space);
+    QVERIFY(!m_dialog->isVisible());
+    QCOMPARE(m_settings->strAgwHost(), QStringLiteral("127.0.0.1"));
+    QCOMPARE(m_settings->intAgwPort(), qint16(8010));
+    QCOMPARE(m_settings->strAgwLoginId(), QStringLiteral("myself"));
+    QCOMPARE(m_settings->strAgwPassword(), QStringLiteral("hush"));
+    QVERIFY(m_presenter.messages.isEmpty());
+}
+
+void frmAgwpeSetupTest::thePasswordStandsInTheFileForItsOwnerAlone() {
+    Type(Field("txtPassword"), QStringLiteral("not masked"));
+    QFile::remove(m_folder->IniFile());
+    QTest::keyClick(Field("txtPassword"), Qt::Key_Return);
+    QVERIFY(m_folder->Read(QStringLiteral("QiranDecode.INI")).contains("\r\nPASSWORD=not masked\r\n"));
+    const QFile::Permissions others =
+        QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    QVERIFY(!(QFile::permissions(m_folder->IniFile()) & others));
 }
 
 void frmAgwpeSetupTest::okStoresTrimmedValuesAndReconnects_data() {

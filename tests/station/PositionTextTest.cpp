@@ -132,6 +132,9 @@ void PositionTextTest::aPositionHasALocator_data() {
     QTest::newRow("Annapolis") << "3859.11N"
                                << "07629.17W"
                                << "FM18SX";
+    QTest::newRow("an edge that single precision falls short of") << "5130.00N"
+                                                                  << "13305.00E"
+                                                                  << "PO61MM";
     QTest::newRow("Null Island") << "0000.00N"
                                  << "00000.00E"
                                  << "JJ00AA";

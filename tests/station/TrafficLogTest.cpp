@@ -29,6 +29,7 @@ private Q_SLOTS:
     void afterFiveQuietMinutesTheFileIsClosedAndReopened();
     void offAndOnAppendsToTheSameFile();
     void aFolderThatIsAFileIsPassedOver();
+    void aFileThatCannotBeOpenedIsPassedOver();
     void aFullDiskTearsNoLineAndLoggingGoesOn();
     void aTextCutByAFullDiskIsNotFinishedTheNextDay();
     void aFloodIsWrittenInStride();
@@ -180,6 +181,18 @@ void TrafficLogTest::aFolderThatIsAFileIsPassedOver() {
     QVERIFY(!log->IsOpen());
     QCOMPARE(inTheWay.size(), 4);
     QVERIFY(inTheWay.remove());
+    log->WriteTrafficLog("kept");
+    QCOMPARE(Log(u"20021231.TXT"_s), "kept");
+}
+
+void TrafficLogTest::aFileThatCannotBeOpenedIsPassedOver() {
+    const QDir folder(m_folder->path());
+    QVERIFY(folder.mkpath(u"LOGS/20021231.TXT"_s)); // a folder where the file should be
+    const auto log = Make();
+    log->WriteTrafficLog("lost");
+    QVERIFY(!log->IsOpen());
+    QVERIFY(log->IsLogging());
+    QVERIFY(folder.rmdir(u"LOGS/20021231.TXT"_s));
     log->WriteTrafficLog("kept");
     QCOMPARE(Log(u"20021231.TXT"_s), "kept");
 }

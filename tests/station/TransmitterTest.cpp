@@ -41,6 +41,7 @@ private Q_SLOTS:
     void thePositionBeaconIsAnAprsPosition();
     void theLocatorBeaconIsAnAprsStatus();
     void beaconsNeedTheirPosition();
+    void aStationAtZeroMaySendItsBeacons();
     void theSymbolIsTheUsers_data();
     void theSymbolIsTheUsers();
     void theOtherProgramsFileOnlyGainsMissingKeys_data();
@@ -195,6 +196,16 @@ void TransmitterTest::beaconsNeedTheirPosition() {
     QVERIFY(m_link.sent.isEmpty());
     Make().SendLocator(m_fields); // needs the locator alone
     QCOMPARE(m_link.sent.size(), 1);
+}
+
+void TransmitterTest::aStationAtZeroMaySendItsBeacons() {
+    m_station->setStrLat(u"0000.00N"_s);
+    m_station->setStrLong(u"00000.00E"_s);
+    m_station->setStrLoc(u"JJ00AA"_s);
+    Make().SendPosition(m_fields);
+    Make().SendLocator(m_fields);
+    QCOMPARE(m_link.Data(), (QStringList{u"!0000.00N/00000.00E-\r"_s, u">JJ00AA/-\r"_s}));
+    QVERIFY(m_presenter.messages.isEmpty());
 }
 
 void TransmitterTest::theSymbolIsTheUsers_data() {

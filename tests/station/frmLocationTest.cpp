@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -94,6 +95,8 @@ void frmLocationTest::itOpensWithWhatTheStationHas() {
     QCOMPARE(Field(u"txtComment"_s)->text(), u"hello"_s);
     QCOMPARE(Locator(), u"IO91SM"_s);
     QVERIFY(m_presenter.messages.isEmpty());
+    const QPoint offCentre = m_window->frameGeometry().center() - m_window->screen()->geometry().center();
+    QVERIFY(offCentre.manhattanLength() <= 40);
     Screenshots::Take(*m_window, u"frmLocation"_s);
 }
 
@@ -148,6 +151,10 @@ void frmLocationTest::everyFieldIsSelectedWhole() {
     for (const QString& name : {u"txtCallsign"_s, u"txtLat"_s, u"txtLong"_s, u"txtComment"_s}) {
         QCOMPARE(Field(name)->selectedText(), Field(name)->text());
         Press(Qt::Key_Tab);
+    }
+    for (const QString& name : {u"txtCallsign"_s, u"txtLat"_s, u"txtLong"_s, u"txtComment"_s}) {
+        QTest::mouseClick(Field(name), Qt::LeftButton);
+        QCOMPARE(Field(name)->selectedText(), Field(name)->text());
     }
 }
 
@@ -326,10 +333,11 @@ void frmLocationTest::anEmptiedLatitudeKeepsTheLocator() {
 void frmLocationTest::aCommentIsTrimmedAndMayHoldAccents() {
     Open();
     Press(Qt::Key_M, Qt::AltModifier);
-    Paste(QStringLiteral(u"  Gr\u00fc\u00dfe f\u00fcr 5 \u20ac  "));
+    const QString comment = QStringLiteral(u"Gr\u00fc\u00dfe f\u00fcr 5 \u20ac") + QString(200, u'!');
+    Paste(u"  "_s + comment + u"  "_s);
     Press(Qt::Key_Return);
     QVERIFY(!m_window->isVisible());
-    QCOMPARE(m_station->strComment(), QStringLiteral(u"Gr\u00fc\u00dfe f\u00fcr 5 \u20ac"));
+    QCOMPARE(m_station->strComment(), comment);
     Station again(*m_ini);
     again.Load();
     QCOMPARE(again.strComment(), m_station->strComment());

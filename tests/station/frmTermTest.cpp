@@ -14,10 +14,12 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QElapsedTimer>
+#include <QFontDatabase>
 #include <QFontInfo>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -43,7 +45,10 @@ private Q_SLOTS:
     void aSelectionSurvivesNewTextAndCanBeCopied();
     void clearEmptiesThePane();
     void theFontIsOfFixedPitchAndSnapped();
+    void theFontBesideTheProgramIsTaken();
+    void theTransmitLineGrowsWithTheWindow();
 
+    void tabGoesThroughTheWindowAndEverythingIsSentByKeysAlone();
     void enterSendsTheLine();
     void enterWithoutConnectionWarnsAndSendsOnce();
     void enterWithoutCallsignSendsNothing();
@@ -53,7 +58,10 @@ private Q_SLOTS:
     void aPasteOfA200CharacterWordIsSentInLines();
     void beaconsAreSentByTheirAccessKeys();
 
+    void everyFieldIsSelectedWhole();
     void theToFieldIsChecked();
+    void aPastedLowerCaseCallsignIsRefused();
+    void aButtonDoesNotActWhileAFieldFails();
     void theViaFieldIsBroughtIntoForm_data();
     void theViaFieldIsBroughtIntoForm();
     void theViaFieldNamesTheWrongPiece();
@@ -68,6 +76,7 @@ private Q_SLOTS:
     void closingIsNotHeldUpByAFailingField();
     void anUnloadedTerminalStaysSilent();
     void theNextTerminalOpensAsTheLastOneWasLeft();
+    void closedMaximisedItReopensSoWithItsPlaceKept();
     void aMinimisedTerminalComesForward();
 
     void logAllDataIsRememberedAndTicked();
@@ -146,6 +155,7 @@ void frmTermTest::init() {
 
 void frmTermTest::cleanup() {
     m_window.reset();
+    QFontDatabase::removeAllApplicationFonts();
 }
 
 void frmTermTest::aFirstStartWritesItsKeys() {
@@ -319,6 +329,72 @@ void frmTermTest::theFontIsOfFixedPitchAndSnapped() {
     QVERIFY(m_presenter.messages.isEmpty());
 }
 
+void frmTermTest::theFontBesideTheProgramIsTaken() {
+    // One letter, 14 pixels high.
+    m_folder->Write(u"vornak.fon"_s,
+                    "STARTFONT 2.1\nFONT -x-VORNAK-Medium-R-Normal--14-140-72-72-C-70-ISO10646-1\n"
+                    "SIZE 14 72 72\nFONTBOUNDINGBOX 7 14 0 -3\nSTARTPROPERTIES 6\nFAMILY_NAME \"VORNAK\"\n"
+                    "CHARSET_REGISTRY \"ISO10646\"\nCHARSET_ENCODING \"1\"\n"
+                    "PIXEL_SIZE 14\nFONT_ASCENT 11\nFONT_DESCENT 3\nENDPROPERTIES\nCHARS 1\nSTARTCHAR A\n"
+                    "ENCODING 65\nSWIDTH 500 0\nDWIDTH 7 0\nBBX 7 14 0 -3\nBITMAP\n" +
+                        QByteArray("FE\n").repeated(14) + "ENDCHAR\nENDFONT\n");
+    QVERIFY(!QFontDatabase::hasFamily(u"VORNAK"_s));
+    Open();
+    QVERIFY(QFontDatabase::hasFamily(u"VORNAK"_s));
+    QCOMPARE(Pane()->font().family(), u"VORNAK"_s);
+    QCOMPARE(Field(u"txtTx"_s)->font().family(), u"VORNAK"_s);
+    QVERIFY(m_presenter.messages.isEmpty());
+}
+
+void frmTermTest::theTransmitLineGrowsWithTheWindow() {
+    Open();
+    const auto place = [&](const QWidget* widget) {
+        return QRect(widget->mapTo(m_window.get(), QPoint()), widget->size());
+    };
+    const QSize window = m_window->size();
+    const QRect pane = place(Pane());
+    const QRect line = place(Field(u"txtTx"_s));
+    QCOMPARE(line.left(), pane.left());
+    QCOMPARE(line.width(), pane.width());
+    QCOMPARE(pane.left(), window.width() - 1 - pane.right()); // the same margin on both sides
+    m_window->resize(window + QSize(150, 80));
+    QTRY_COMPARE(place(Field(u"txtTx"_s)), line.translated(0, 80).adjusted(0, 0, 150, 0));
+    QCOMPARE(place(Pane()), pane.adjusted(0, 0, 150, 80));
+}
+
+void frmTermTest::tabGoesThroughTheWindowAndEverythingIsSentByKeysAlone() {
+    m_station->setStrLat(u"5130.00N"_s);
+    m_station->setStrLong(u"00030.00W"_s);
+    m_station->setStrLoc(u"IO91SM"_s);
+    m_link.portCount = 2;
+    Open();
+    const auto tabTo = [](const QString& name) {
+        Press(Qt::Key_Tab);
+        QCOMPARE(Focus(), name);
+    };
+    tabTo(u"txtTo"_s);
+    Type(u"qst"_s); // in place of what is selected
+    tabTo(u"txtVia"_s);
+    Type(u"relay wide2-2"_s);
+    tabTo(u"txtPort"_s);
+    Type(u"2"_s);
+    tabTo(u"cmdAprs"_s);
+    Press(Qt::Key_Space);
+    tabTo(u"cmdLoc"_s);
+    Press(Qt::Key_Space);
+    tabTo(u"rtbMon"_s);
+    tabTo(u"txtTx"_s);
+    Type(u"Hello"_s);
+    Press(Qt::Key_Return);
+    QCOMPARE(m_link.sent, (QList<RecordingLink::Sent>{
+                              {2, u"XQ9ZZ-1"_s, u"APQ36Q RELAY,WIDE2-2"_s, u"!5130.00N/00030.00W-\r"_s},
+                              {2, u"XQ9ZZ-1"_s, u"APQ36Q RELAY,WIDE2-2"_s, u">IO91SM/-\r"_s},
+                              {2, u"XQ9ZZ-1"_s, u"QST RELAY,WIDE2-2"_s, u"Hello\r"_s}}));
+    QVERIFY(m_presenter.messages.isEmpty());
+    Press(Qt::Key_Escape);
+    QVERIFY(!m_window->isVisible());
+}
+
 void frmTermTest::enterSendsTheLine() {
     Open();
     Type(u"Hello, World"_s);
@@ -422,6 +498,17 @@ void frmTermTest::beaconsAreSentByTheirAccessKeys() {
                               {1, u"XQ9ZZ-1"_s, u"APQ36Q QIRAN-1"_s, u">IO91SM\\> hi\r"_s}}));
 }
 
+void frmTermTest::everyFieldIsSelectedWhole() {
+    Open();
+    Type(u"a line"_s);
+    for (const QString& name : {u"txtTo"_s, u"txtVia"_s, u"txtPort"_s, u"txtTx"_s}) {
+        QTest::mouseClick(Field(name), Qt::LeftButton);
+        QCOMPARE(Focus(), name);
+        QVERIFY(!Field(name)->text().isEmpty());
+        QCOMPARE(Field(name)->selectedText(), Field(name)->text());
+    }
+}
+
 void frmTermTest::theToFieldIsChecked() {
     Open();
     Press(Qt::Key_T, Qt::AltModifier);
@@ -446,6 +533,33 @@ void frmTermTest::theToFieldIsChecked() {
     Press(Qt::Key_Return);
     QVERIFY(
         m_presenter.messages.last().text.endsWith(u"you must put a valid AX25 callsign or alias in 'To'."_s));
+    QVERIFY(m_link.sent.isEmpty());
+}
+
+void frmTermTest::aPastedLowerCaseCallsignIsRefused() {
+    Open();
+    Press(Qt::Key_T, Qt::AltModifier);
+    Paste(u"qst"_s);
+    Press(Qt::Key_Tab);
+    QCOMPARE(m_presenter.Texts(), QStringList{u"That is not a valid AX25 address."_s});
+    QCOMPARE(Focus(), u"txtTo"_s);
+    QCOMPARE(Field(u"txtTo"_s)->text(), u"qst"_s);
+}
+
+void frmTermTest::aButtonDoesNotActWhileAFieldFails() {
+    m_station->setStrLat(u"5130.00N"_s);
+    m_station->setStrLong(u"00030.00W"_s);
+    Open();
+    Press(Qt::Key_T, Qt::AltModifier);
+    Replace(u"TOOLONGNAME"_s);
+    Press(Qt::Key_A, Qt::AltModifier);
+    QCOMPARE(m_presenter.messages.size(), 1);
+    QTest::mouseClick(m_window->findChild<QPushButton*>(u"cmdAprs"_s), Qt::LeftButton);
+    QCOMPARE(m_presenter.messages.size(), 2);
+    QCOMPARE(Focus(), u"txtTo"_s);
+    Replace(u"CQ"_s);
+    Press(Qt::Key_L, Qt::AltModifier); // lacks its locator
+    QTRY_COMPARE(m_presenter.messages.size(), 3);
     QVERIFY(m_link.sent.isEmpty());
 }
 
@@ -668,6 +782,22 @@ void frmTermTest::theNextTerminalOpensAsTheLastOneWasLeft() {
     QCOMPARE(Field(u"txtVia"_s)->text(), u"RELAY,WIDE2-2"_s);
     QCOMPARE(Field(u"txtPort"_s)->text(), u"1"_s);
     QCOMPARE(m_window->size(), QSize(700, 500));
+}
+
+void frmTermTest::closedMaximisedItReopensSoWithItsPlaceKept() {
+    Open();
+    m_window->setGeometry(50, 60, 700, 500);
+    const QPoint place = m_window->pos();
+    QTest::qWait(150); // a place counts once the window has stood there for a moment
+    m_window->showMaximized();
+    QTRY_VERIFY(m_window->isMaximized() && m_window->width() > 700);
+    Press(Qt::Key_Escape);
+    m_window.reset();
+    Open();
+    QTRY_VERIFY(m_window->isMaximized() && m_window->width() > 700);
+    m_window->showNormal();
+    QTRY_COMPARE(m_window->size(), QSize(700, 500));
+    QTRY_COMPARE(m_window->pos(), place);
 }
 
 void frmTermTest::aMinimisedTerminalComesForward() {
