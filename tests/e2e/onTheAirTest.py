@@ -69,42 +69,50 @@ class OnTheAir(StationTest):
             report = program.end()
             log = program.log().decode("cp1252")
 
-        # Byte for byte: the pane ends its lines in LF where the log has CR LF, and print adds one at its end.
-        self.assertEqual(log.replace("\r\n", "\n").rstrip("\n"), report.terminal.rstrip("\n"))
-        self.assertEqual(log.count("\r\n"), log.count("\n"))
+        self.assert_log_is_what_the_pane_shows(log, report)
         for text in sent:
             self.assertIn(text, report.monitor)
-        self.assertTrue(self.cyan(program.pictures / "frmTerm.png"), "nothing cyan in the terminal's picture")
+        # The engine's greeting stands above, in green; all that follows was sent from here.
+        picture = program.pictures / "frmTerm.png"
+        self.assertLessEqual(self.rows(picture, "#00FF00").stop, self.rows(picture, "#00FFFF").start)
         position = self.decode_aprs(packets["!5130.00N/00007.50W-On the air"])
         self.assertRegex(position, r"N 51 30\.0000, W 000 07\.5000")
         self.assertRegex(self.decode_aprs(packets[">IO91WM/- On the air"]), r"Grid square = IO91WM")
 
     def test_the_engine_gets_the_frames_to_the_byte(self):
         with rig.Simulator(SIMULATOR) as engine:
-            program = self.start(engine.port, STATION)
+            program = self.start(engine.port, STATION | {("SETUP", "COMMENT"): "Grüße, 5 €", ("TERMINAL", "PORT"): "2"})
             program.wait_for_text("*** AGW-Connected to - localhost")
             send_everything(program)
             plain = rig.wait_for(lambda: len(engine.frames("M")) == 3 and engine.frames("M"), "three frames without a path")
             routed = rig.wait_for(lambda: engine.frames("V"), "a frame with a path")
             program.wait_for_text("Through two digipeaters")
-            program.end()
+            report = program.end()
+        self.assert_log_is_what_the_pane_shows(program.log().decode("cp1252"), report)
 
         def header(kind, to, length):
-            return (bytes([0, 0, 0, 0, ord(kind), 0, 0xF0, 0]) + CALLSIGN.encode().ljust(10, b"\0")
+            return (bytes([1, 0, 0, 0, ord(kind), 0, 0xF0, 0]) + CALLSIGN.encode().ljust(10, b"\0")
                     + to.encode().ljust(10, b"\0") + length.to_bytes(4, "little") + bytes(4))
 
-        expected = [("CQ", b"Hello to all on the ground\r"), ("APQ36Q", b"!5130.00N/00007.50W-On the air\r"),
-                    ("APQ36Q", b">IO91WM/- On the air\r")]
+        expected = [("CQ", b"Hello to all on the ground\r"), ("APQ36Q", b"!5130.00N/00007.50W-Gr\xfc\xdfe, 5 \x80\r"),
+                    ("APQ36Q", b">IO91WM/- Gr\xfc\xdfe, 5 \x80\r")]
         self.assertEqual(plain, [(header("M", to, len(data)), data) for to, data in expected])
         path = b"\x02" + b"QIRAN-1".ljust(10, b"\0") + b"WIDE2-2".ljust(10, b"\0")
         data = path + b"Through two digipeaters\r"
         self.assertEqual(routed, [(header("V", "CQ", len(data)), data)])
 
-    @staticmethod
-    def cyan(picture):
-        colours = subprocess.run(["convert", picture, "-format", "%c", "histogram:info:"], capture_output=True, text=True,
-                                 check=True).stdout
-        return "#00FFFF" in colours.upper()
+    def assert_log_is_what_the_pane_shows(self, log, report):
+        """Byte for byte; the pane ends its lines in LF where the log has CR LF."""
+        self.assertEqual(log.replace("\r\n", "\n"), report.terminal)
+        self.assertEqual((log.count("\r"), log.count("\n")), (log.count("\r\n"),) * 2)
+
+    def rows(self, picture, colour):
+        """The rows of pixels of a picture that the colour spans."""
+        box = subprocess.run(["convert", picture, "-fill", "black", "+opaque", colour, "-fill", "white", "-opaque", colour,
+                              "-format", "%[fx:maxima] %@", "info:"], capture_output=True, text=True, check=True).stdout
+        brightest, height, top = re.fullmatch(r"(\S+) \d+x(\d+)\+\d+\+(\d+)", box).groups()
+        self.assertEqual(float(brightest), 1.0, f"nothing in {colour}")
+        return range(int(top), int(top) + int(height))
 
     @staticmethod
     def decode_aprs(packet):
