@@ -26,6 +26,7 @@ private Q_SLOTS:
     void twoMidnightsMakeThreeFiles();
     void theDateIsTheLocalOne();
     void theRepeatedHourStaysInItsFile();
+    void aClockSetBackADayStaysInItsFile();
     void afterFiveQuietMinutesTheFileIsClosedAndReopened();
     void offAndOnAppendsToTheSameFile();
     void aFolderThatIsAFileIsPassedOver();
@@ -142,6 +143,17 @@ void TrafficLogTest::theRepeatedHourStaysInItsFile() {
     QCOMPARE(QDir(m_folder->filePath(u"LOGS"_s)).entryList(QDir::Files).size(), 1);
     qunsetenv("TZ");
     tzset();
+}
+
+void TrafficLogTest::aClockSetBackADayStaysInItsFile() {
+    const auto log = Make();
+    log->WriteTrafficLog("a");
+    m_clock->Advance(-secondsPerDay);
+    log->WriteTrafficLog("b");
+    m_clock->Advance(secondsPerDay); // set right again
+    log->WriteTrafficLog("c");
+    QCOMPARE(Log(u"20021231.TXT"_s), "abc");
+    QCOMPARE(QDir(m_folder->filePath(u"LOGS"_s)).entryList(QDir::Files).size(), 1);
 }
 
 void TrafficLogTest::afterFiveQuietMinutesTheFileIsClosedAndReopened() {
