@@ -2,6 +2,7 @@
 
 #include "foundation/FilterKeys.h"
 #include "foundation/FixedFont.h"
+#include "foundation/Named.h"
 #include "foundation/PlaceWindow.h"
 #include "foundation/SelectAllOnFocus.h"
 #include "foundation/mb.h"
@@ -20,12 +21,6 @@ namespace {
 
 constexpr int fieldWidth = 30; // characters
 
-template <typename Widget>
-Widget* Named(Widget* widget, const QString& name) {
-    widget->setObjectName(name);
-    return widget;
-}
-
 } // namespace
 
 frmLocation::frmLocation(Station& station, const mb& messages, QWidget* parent)
@@ -33,11 +28,11 @@ frmLocation::frmLocation(Station& station, const mb& messages, QWidget* parent)
     , m_station(station)
     , m_messages(messages)
     , m_guard(this)
-    , txtCallsign(Named(new QLineEdit(this), QStringLiteral("txtCallsign")))
-    , txtLat(Named(new QLineEdit(this), QStringLiteral("txtLat")))
-    , txtLong(Named(new QLineEdit(this), QStringLiteral("txtLong")))
-    , txtComment(Named(new QLineEdit(this), QStringLiteral("txtComment")))
-    , labLocator(Named(new QLabel(this), QStringLiteral("labLocator"))) {
+    , txtCallsign(Named(u"txtCallsign", new QLineEdit(this)))
+    , txtLat(Named(u"txtLat", new QLineEdit(this)))
+    , txtLong(Named(u"txtLong", new QLineEdit(this)))
+    , txtComment(Named(u"txtComment", new QLineEdit(this)))
+    , labLocator(Named(u"labLocator", new QLabel(this))) {
     setObjectName(QStringLiteral("frmLocation"));
     setWindowTitle(QStringLiteral("Station Information"));
     Build();
@@ -75,8 +70,8 @@ void frmLocation::Build() {
     labLocator->setAccessibleName(QStringLiteral("Locator"));
     form->addRow(QStringLiteral("Locator"), labLocator);
 
-    auto* cmdOk = Named(new QPushButton(QStringLiteral("&OK"), this), QStringLiteral("cmdOk"));
-    auto* cmdCancel = Named(new QPushButton(QStringLiteral("&Cancel"), this), QStringLiteral("cmdCancel"));
+    auto* cmdOk = Named(u"cmdOk", new QPushButton(QStringLiteral("&OK"), this));
+    auto* cmdCancel = Named(u"cmdCancel", new QPushButton(QStringLiteral("&Cancel"), this));
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(cmdOk);

@@ -2,6 +2,7 @@
 
 #include "foundation/FilterKeys.h"
 #include "foundation/FixedFont.h"
+#include "foundation/Named.h"
 #include "foundation/ProgramFolder.h"
 #include "foundation/SelectAllOnFocus.h"
 #include "foundation/Settings.h"
@@ -30,14 +31,8 @@ constexpr int columns = 84; // of the pane, when it opens for the first time
 constexpr int lines = 26;
 constexpr int idleCheckInterval = 1000; // ms
 
-template <typename Widget>
-Widget* Named(Widget* widget, const QString& name) {
-    widget->setObjectName(name);
-    return widget;
-}
-
-QLineEdit* Field(const QString& name, int characters) {
-    auto* field = Named(new QLineEdit, name);
+QLineEdit* Field(QAnyStringView name, int characters) {
+    auto* field = Named(name, new QLineEdit);
     field->setFont(FixedFont());
     field->setMinimumWidth(field->fontMetrics().averageCharWidth() * characters);
     SelectAllOnFocus(field);
@@ -92,14 +87,14 @@ frmTerm::~frmTerm() {
 }
 
 void frmTerm::Build() {
-    txtTo = Field(QStringLiteral("txtTo"), 11);
-    txtVia = Field(QStringLiteral("txtVia"), 22);
-    txtPort = Field(QStringLiteral("txtPort"), 4);
+    txtTo = Field(u"txtTo", 11);
+    txtVia = Field(u"txtVia", 22);
+    txtPort = Field(u"txtPort", 4);
     txtPort->setMaximumWidth(txtPort->minimumWidth() * 2);
-    txtTx = Field(QStringLiteral("txtTx"), 20);
-    cmdAprs = Named(new QPushButton(QStringLiteral("&APRS beacon")), QStringLiteral("cmdAprs"));
-    cmdLoc = Named(new QPushButton(QStringLiteral("&Locator beacon")), QStringLiteral("cmdLoc"));
-    rtbMon = Named(new TerminalPane, QStringLiteral("rtbMon"));
+    txtTx = Field(u"txtTx", 20);
+    cmdAprs = Named(u"cmdAprs", new QPushButton(QStringLiteral("&APRS beacon")));
+    cmdLoc = Named(u"cmdLoc", new QPushButton(QStringLiteral("&Locator beacon")));
+    rtbMon = Named(u"rtbMon", new TerminalPane);
     rtbMon->setAccessibleName(QStringLiteral("Traffic"));
 
     auto* address = new QHBoxLayout;
@@ -125,20 +120,20 @@ void frmTerm::Build() {
 }
 
 void frmTerm::BuildMenu() {
-    QMenu* menu = Named(menuBar()->addMenu(QStringLiteral("&File")), QStringLiteral("mnuFile"));
-    const auto add = [&](const QString& caption, const QString& name, auto action) {
-        QAction* entry = Named(menu->addAction(caption), name);
+    QMenu* menu = Named(u"mnuFile", menuBar()->addMenu(QStringLiteral("&File")));
+    const auto add = [&](const QString& caption, QAnyStringView name, auto action) {
+        QAction* entry = Named(name, menu->addAction(caption));
         connect(entry, &QAction::triggered, this, action);
         return entry;
     };
-    mnuLogAllData = add(QStringLiteral("Log All Data"), QStringLiteral("mnuLogAllData"), [this] {
+    mnuLogAllData = add(QStringLiteral("Log All Data"), u"mnuLogAllData", [this] {
         m_log.ToggleLogging();
         mnuLogAllData->setChecked(m_log.IsLogging());
     });
     mnuLogAllData->setCheckable(true);
-    add(QStringLiteral("&Clear"), QStringLiteral("mnuClear"), [this] { rtbMon->Empty(); });
-    Named(menu->addSeparator(), QStringLiteral("mnuBar1"));
-    add(QStringLiteral("Cl&ose"), QStringLiteral("mnuClose"), [this] { Close(); });
+    add(QStringLiteral("&Clear"), u"mnuClear", [this] { rtbMon->Empty(); });
+    Named(u"mnuBar1", menu->addSeparator());
+    add(QStringLiteral("Cl&ose"), u"mnuClose", [this] { Close(); });
 }
 
 void frmTerm::SetRules() {

@@ -3,6 +3,7 @@
 #include "foundation/FieldGuard.h"
 #include "foundation/FilterKeys.h"
 #include "foundation/FixedFont.h"
+#include "foundation/Named.h"
 #include "foundation/QIRUtil.h"
 #include "foundation/SelectAllOnFocus.h"
 #include "foundation/mb.h"
@@ -28,12 +29,6 @@ std::optional<QChar> CallsignKey(QChar key) {
     return key.unicode() < 0x80 && QIRUtil::IsCallsignKey(static_cast<qint16>(key.unicode()))
                ? std::optional(key)
                : std::nullopt;
-}
-
-template <typename Widget>
-Widget* Named(const char16_t* name, Widget* widget) {
-    widget->setObjectName(QString::fromUtf16(name));
-    return widget;
 }
 
 } // namespace

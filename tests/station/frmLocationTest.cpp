@@ -4,11 +4,10 @@
 #include "foundation/mb.h"
 #include "station/Station.h"
 #include "support/CloseBox.h"
+#include "support/Keys.h"
 #include "support/RecordingPresenter.h"
 #include "support/Screenshots.h"
 
-#include <QApplication>
-#include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -18,6 +17,7 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+using namespace Keys;
 
 class frmLocationTest : public QObject {
     Q_OBJECT
@@ -45,17 +45,6 @@ private Q_SLOTS:
 private:
     QLineEdit* Field(const QString& name) const { return m_window->findChild<QLineEdit*>(name); }
     QString Locator() const { return m_window->findChild<QLabel*>(u"labLocator"_s)->text(); }
-    static QString Focus() {
-        return QApplication::focusWidget() != nullptr ? QApplication::focusWidget()->objectName() : QString();
-    }
-    static void Type(const QString& keys) { QTest::keyClicks(QApplication::focusWidget(), keys); }
-    static void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
-    }
-    static void Paste(const QString& text) {
-        QApplication::clipboard()->setText(text);
-        Press(Qt::Key_V, Qt::ControlModifier);
-    }
     void Open() {
         m_window = std::make_unique<frmLocation>(*m_station, m_messages);
         m_window->show();

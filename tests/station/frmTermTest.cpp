@@ -5,6 +5,7 @@
 #include "station/RecordingLink.h"
 #include "station/Station.h"
 #include "support/CloseBox.h"
+#include "support/Keys.h"
 #include "support/RecordingPresenter.h"
 #include "support/Screenshots.h"
 #include "support/TemporaryProgramFolder.h"
@@ -25,7 +26,10 @@
 #include <QTest>
 #include <QTextBlock>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
+using namespace Keys;
 
 class frmTermTest : public QObject {
     Q_OBJECT
@@ -92,22 +96,10 @@ private:
     QString Ini(const QString& key, const QString& section = u"TERMINAL"_s) const {
         return m_ini->GetIniString(section, key, u"absent"_s);
     }
-    static QString Focus() {
-        return QApplication::focusWidget() != nullptr ? QApplication::focusWidget()->objectName() : QString();
-    }
-    static void Type(const QString& keys) { QTest::keyClicks(QApplication::focusWidget(), keys); }
-    static void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
-    }
-    static void Paste(const QString& text) {
-        QApplication::clipboard()->setText(text);
-        Press(Qt::Key_V, Qt::ControlModifier);
-    }
-    // Types into a field that has the focus, in place of all that stands there.
-    static void Replace(const QString& keys) {
-        Press(Qt::Key_A, Qt::ControlModifier);
-        Press(Qt::Key_Delete);
-        Type(keys);
+    static bool IsLogHeldOpen() {
+        const QFileInfoList open = QDir(u"/proc/self/fd"_s).entryInfoList(QDir::Files);
+        return std::ranges::any_of(
+            open, [](const QFileInfo& file) { return file.symLinkTarget().endsWith(u"20261121.TXT"_s); });
     }
     void Make() {
         m_window = std::make_unique<frmTerm>(*m_ini, m_messages, *m_station, m_link, m_clock,
@@ -702,6 +694,7 @@ void frmTermTest::everyWayOfClosingUnloads() {
     Field(u"txtVia"_s)->setText(QString());
     Field(u"txtPort"_s)->setText(u"2"_s);
     m_ini->DeleteKey(u"SETUP"_s, u"TERMINAL_LEFT"_s);
+    QVERIFY(IsLogHeldOpen());
     if (way == 0)
         PressCloseBox(*m_window);
     else if (way == 1)
@@ -718,6 +711,7 @@ void frmTermTest::everyWayOfClosingUnloads() {
     QCOMPARE(Ini(u"VIA"_s), QString());
     QCOMPARE(Ini(u"PORT"_s), u"1"_s);
     QVERIFY(Ini(u"TERMINAL_LEFT"_s, u"SETUP"_s) != u"absent"_s);
+    QVERIFY(!IsLogHeldOpen());
     if (m_window) {
         QVERIFY(!m_window->isVisible());
         QCOMPARE(m_unloadings, 1);
@@ -832,17 +826,11 @@ void frmTermTest::timer1ClosesAnIdleLog() {
     m_ini->SaveIniString(u"TERMINAL"_s, u"LOGGING"_s, u"True"_s);
     Open();
     m_window->ShowData("one\r\n", 2);
-    const auto isHeldOpen = [&] {
-        for (const QFileInfo& descriptor : QDir(u"/proc/self/fd"_s).entryInfoList(QDir::Files))
-            if (descriptor.symLinkTarget().endsWith(u"20261121.TXT"_s))
-                return true;
-        return false;
-    };
-    QVERIFY(isHeldOpen());
+    QVERIFY(IsLogHeldOpen());
     m_clock.Advance(301.0);
-    QTRY_VERIFY(!isHeldOpen());
+    QTRY_VERIFY(!IsLogHeldOpen());
     m_window->ShowData("two\r\n", 2);
-    QVERIFY(isHeldOpen());
+    QVERIFY(IsLogHeldOpen());
     QCOMPARE(m_folder->Read(u"LOGS/20261121.TXT"_s), "one\r\ntwo\r\n");
 }
 
