@@ -125,11 +125,15 @@ class Simulator:
 
 
 @contextlib.contextmanager
-def virtual_display(size="1600x1200x24"):
-    """An X server without a screen, on a display number that it finds itself; yields the environment for its clients."""
+def virtual_display(size="1600x1200x24", picture_folder=None):
+    """An X server without a screen, on a display number that it finds itself; yields the environment for its clients.
+
+    What it shows stands in `picture_folder`/Xvfb_screen0, when that is given, as an X window dump that changes with it.
+    """
     theirs, ours = os.pipe()
     server = subprocess.Popen(
-        ["Xvfb", "-displayfd", str(ours), "-screen", "0", size, "-nolisten", "tcp", "-noreset"],
+        ["Xvfb", "-displayfd", str(ours), "-screen", "0", size, "-nolisten", "tcp", "-noreset",
+         *(["-fbdir", str(picture_folder)] if picture_folder else [])],
         stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, pass_fds=(ours,))
     os.close(ours)
     try:
