@@ -23,6 +23,22 @@ from engine import Engine  # noqa: E402
 PROGRAM = sys.argv[2]
 LONG = bool(os.environ.get("QIRAN_LONG"))
 ALREADY = "QiranDecode is already running. "
+NAMES = ("QiranDecode.INI", "formula.txt", "Keps", "LOGS", "world.gif", "qirandecode.HLP", "QiranDecode.lock")
+
+
+def under_file_modes():
+    """What to put before a command for which file modes are to count; None where they cannot be made to."""
+    if os.geteuid() != 0:
+        return ()
+    rights = "-dac_override,-dac_read_search"
+    prefix = ("setpriv", f"--bounding-set={rights}", f"--inh-caps={rights}")
+    with tempfile.NamedTemporaryFile() as closed:
+        os.chmod(closed.name, 0)
+        try:
+            kept = subprocess.run([*prefix, "cat", closed.name], capture_output=True).returncode == 1
+        except FileNotFoundError:
+            kept = False
+    return prefix if kept else None
 
 
 class ProgramFaultsTest(unittest.TestCase):
@@ -114,11 +130,10 @@ class ProgramFaultsTest(unittest.TestCase):
         return folder
 
     def test_it_starts_or_says_why_whatever_is_missing_or_a_directory_or_garbage(self):
-        names = ("QiranDecode.INI", "formula.txt", "Keps", "LOGS", "world.gif", "qirandecode.HLP", "QiranDecode.lock")
         for fault in ("missing", "a directory", "a file", "a dangling link", "a link to itself", "garbage"):
             with contextlib.ExitStack() as stack:
                 programs = {name: stack.enter_context(self.start(seconds=1, folder=self.break_folder(name, fault)))
-                            for name in names}
+                            for name in NAMES}
                 for name, program in programs.items():
                     with self.subTest(name=name, fault=fault):
                         said, errors = self.finish(program)
@@ -126,6 +141,52 @@ class ProgramFaultsTest(unittest.TestCase):
                         self.assertIn(program.returncode, (0, 1), errors)
                         if program.returncode == 1:
                             self.assertEqual(name, "formula.txt", errors)
+
+    def close_to_all(self, path):
+        """Takes all rights from a file or folder of the program, as its owner may; gives them back in the end."""
+        if not path.exists():
+            path.mkdir() if path.name == "LOGS" else path.write_bytes(b"")
+        if path.is_file():
+            os.utime(path, (1, 1))
+        self.addCleanup(path.chmod, 0o700)
+        path.chmod(0)
+
+    def modes_that_count(self):
+        prefix = under_file_modes()
+        if prefix is None:
+            self.skipTest("file modes do not count for this user")
+        return prefix
+
+    def test_it_starts_or_says_why_whatever_it_may_not_read(self):
+        prefix = self.modes_that_count()
+        with contextlib.ExitStack() as stack:
+            programs = {}
+            for name in (*NAMES, "."):
+                folder = self.folder / f"closed {name}"
+                shutil.copytree(self.program_folder, folder)
+                self.close_to_all(folder / name)
+                programs[name] = stack.enter_context(self.start(seconds=1, prefix=prefix, folder=folder))
+            # A lock that may not be read is somebody else's for all one can know.
+            reasons = {"formula.txt": "An error occurred loading the formulae.", ".": "formula.txt",
+                       "QiranDecode.lock": ALREADY}
+            for name, program in programs.items():
+                with self.subTest(name=name):
+                    said, errors = self.finish(program)
+                    self.assertEqual(program.returncode, 1 if name in reasons else 0, errors)
+                    self.assertIn(reasons.get(name, ""), errors)
+
+    def test_it_goes_on_when_it_may_no_longer_read_anything(self):
+        with Engine(self.port) as engine, self.start(seconds=4, prefix=self.modes_that_count()) as program:
+            rig.wait_for(engine.monitoring, "it connects", alive=program)
+            engine.heard(b"G0ABC", b"before")
+            settings = (self.program_folder / rig.SETTINGS_FILE).read_bytes()
+            for path in (*self.program_folder.iterdir(), self.program_folder):
+                self.close_to_all(path)
+            engine.heard(b"G0ABC", b"afterwards")
+            said, errors = self.finish(program)
+        self.assertEqual(program.returncode, 0, errors)
+        self.assertIn("afterwards", said)
+        self.assertEqual((self.program_folder / rig.SETTINGS_FILE).read_bytes(), settings)
 
     def test_it_goes_on_when_its_folder_falls_apart(self):
         with Engine(self.port) as engine, self.start(seconds=4) as program:
