@@ -2,28 +2,57 @@
 
 #include "foundation/ProgramFolder.h"
 
-#include <QDateTime>
-#include <QFileInfo>
+#include <QFile>
 
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+bool IsSameFile(int descriptor, const QByteArray& path) {
+    struct stat opened {};
+    struct stat named {};
+    return fstat(descriptor, &opened) == 0 && lstat(path.constData(), &named) == 0 &&
+           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
+// A lock that we may not open belongs to another user.
+bool IsSomebodyElses(const QByteArray& path, int error) {
+    struct stat named {};
+    return error == EACCES && lstat(path.constData(), &named) == 0 && S_ISREG(named.st_mode);
+}
+
+} // namespace
+
+// No QLockFile: it waits until the disk has its file, which is a good part of the program's start.
 SingleInstance::SingleInstance(const ProgramFolder& folder)
-    : m_lock(folder.File(QStringLiteral("QiranDecode.lock"))) {
-    m_lock.setStaleLockTime(0); // a lock is stale when its process is gone, however old it is
+    : m_path(QFile::encodeName(folder.File(QStringLiteral("QiranDecode.lock")))) {}
+
+SingleInstance::~SingleInstance() {
+    if (m_lock < 0)
+        return;
+    unlink(m_path.constData()); // still locked, so that it is nobody else's
+    close(m_lock);
 }
 
 bool SingleInstance::IsAnotherRunning() {
-    if (m_lock.tryLock() || m_lock.error() != QLockFile::LockFailedError)
-        return false;
-    qint64 process = 0;
-    QString host;
-    QString application;
-    if (m_lock.getLockInfo(&process, &host, &application))
-        return true;
-    // Something else stands in the lock's place: damaged by a crash, or no file at all. A lock that names
-    // nobody is one in the making for a moment only, and is not removed while its maker holds it.
-    constexpr qint64 making = 2; // seconds
-    const QFileInfo place(m_lock.fileName());
-    if (place.isSymLink() || !place.isFile())
-        return false;
-    const bool isOld = place.lastModified().secsTo(QDateTime::currentDateTime()) >= making;
-    return !isOld || !m_lock.removeStaleLockFile() || IsAnotherRunning();
+    while (m_lock < 0) {
+        const int lock =
+            open(m_path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
+        if (lock < 0)
+            return IsSomebodyElses(m_path, errno);
+        if (flock(lock, LOCK_EX | LOCK_NB) != 0) {
+            const bool isHeld = errno == EWOULDBLOCK;
+            close(lock);
+            return isHeld;
+        }
+        if (IsSameFile(lock, m_path))
+            m_lock = lock;
+        else
+            close(lock); // its holder ended this moment and removed it
+    }
+    return false;
 }

@@ -2,7 +2,8 @@
 
 #include "support/TemporaryProgramFolder.h"
 
-#include <QDateTime>
+#include <QDir>
+#include <QFile>
 #include <QTest>
 
 class SingleInstanceTest : public QObject {
@@ -12,7 +13,8 @@ private Q_SLOTS:
     void twoFoldersRunSideBySide();
     void theLockOfACrashedRunDoesNotBlock();
     void aFolderThatTakesNoLockDoesNotBlock();
-    void anOldLockThatNamesNobodyDoesNotBlock();
+    void theLockIsGoneWhenItsHolderIs();
+    void aLinkInTheLocksPlaceDoesNotBlockAndLeadsNowhere();
     void aFolderInTheLocksPlaceDoesNotBlock();
 };
 
@@ -38,34 +40,41 @@ void SingleInstanceTest::twoFoldersRunSideBySide() {
 }
 
 void SingleInstanceTest::theLockOfACrashedRunDoesNotBlock() {
+    for (const char* left : {"", "1\nQiranDecode\n"}) {
+        const TemporaryProgramFolder folder;
+        folder.Write(QStringLiteral("QiranDecode.lock"), left);
+        SingleInstance first(folder.Program());
+        SingleInstance second(folder.Program());
+        QVERIFY(!first.IsAnotherRunning());
+        QVERIFY(second.IsAnotherRunning());
+    }
+}
+
+void SingleInstanceTest::theLockIsGoneWhenItsHolderIs() {
     const TemporaryProgramFolder folder;
-    // A process number beyond any that Linux gives out: whoever wrote this is gone.
-    folder.Write(QStringLiteral("QiranDecode.lock"),
-                 "2000000000\nSingleInstanceTest\n" + QSysInfo::machineHostName().toLocal8Bit() + '\n');
-    SingleInstance instance(folder.Program());
-    QVERIFY(!instance.IsAnotherRunning());
+    const QString lock = folder.File(QStringLiteral("QiranDecode.lock"));
+    {
+        SingleInstance first(folder.Program());
+        QVERIFY(!first.IsAnotherRunning());
+        QVERIFY(QFile::exists(lock));
+        QVERIFY(SingleInstance(folder.Program()).IsAnotherRunning());
+        QVERIFY(QFile::exists(lock)); // one that did not get it leaves it
+        QVERIFY(!first.IsAnotherRunning());
+    }
+    QVERIFY(!QFile::exists(lock));
+}
+
+void SingleInstanceTest::aLinkInTheLocksPlaceDoesNotBlockAndLeadsNowhere() {
+    const TemporaryProgramFolder folder;
+    QVERIFY(QFile::link(folder.File(QStringLiteral("elsewhere")),
+                        folder.File(QStringLiteral("QiranDecode.lock"))));
+    QVERIFY(!SingleInstance(folder.Program()).IsAnotherRunning());
+    QVERIFY(!QFile::exists(folder.File(QStringLiteral("elsewhere"))));
 }
 
 void SingleInstanceTest::aFolderThatTakesNoLockDoesNotBlock() {
     SingleInstance instance(ProgramFolder(QStringLiteral("/proc"), QStringLiteral("QiranDecode")));
     QVERIFY(!instance.IsAnotherRunning());
-}
-
-void SingleInstanceTest::anOldLockThatNamesNobodyDoesNotBlock() {
-    const TemporaryProgramFolder folder;
-    const QString name = QStringLiteral("QiranDecode.lock");
-    folder.Write(name, "");
-    QVERIFY(SingleInstance(folder.Program()).IsAnotherRunning()); // may be in the making
-    {
-        QFile lock(folder.File(name));
-        QVERIFY(lock.open(QIODevice::ReadWrite));
-        QVERIFY(
-            lock.setFileTime(QDateTime::currentDateTime().addSecs(-60), QFileDevice::FileModificationTime));
-    }
-    SingleInstance first(folder.Program());
-    SingleInstance second(folder.Program());
-    QVERIFY(!first.IsAnotherRunning());
-    QVERIFY(second.IsAnotherRunning());
 }
 
 void SingleInstanceTest::aFolderInTheLocksPlaceDoesNotBlock() {
