@@ -169,5 +169,8 @@ std::optional<ElementSource> KVRSatLib::ElementsOf(const std::string& object) co
     const ElementSet* set = m_folder.Find(object);
     if (!set)
         return {};
-    return ElementSource{set->name, m_folder.FileOf(*set), set->elements.epochUtc};
+    return ElementSource{.name = set->name,
+                         .file = m_folder.FileOf(*set),
+                         .epochUtc = set->elements.epochUtc,
+                         .meanMotion = set->elements.meanMotion * (1440 / twoPi)};
 }

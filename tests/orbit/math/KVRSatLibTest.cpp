@@ -192,10 +192,11 @@ TEST_F(KVRSatLibTest, AnObserverUnderTheTrackSeesItOverhead) {
     EXPECT_NEAR(seen->range, seen->altitude, 1e-6);
 }
 
-TEST_F(KVRSatLibTest, ElementsSayTheirNameFileAndEpoch) {
+TEST_F(KVRSatLibTest, ElementsSayTheirNameFileEpochAndMeanMotion) {
     const auto source = m_library.ElementsOf("25544");
     ASSERT_TRUE(source);
     EXPECT_EQ(source->name, "ISS (ZARYA)");
     EXPECT_EQ(source->file, "iss.txt");
     EXPECT_NEAR(source->epochUtc, 46342.51782528, 1e-9);
+    EXPECT_NEAR(source->meanMotion, 15.49560532, 1e-9);
 }
