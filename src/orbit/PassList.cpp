@@ -3,7 +3,6 @@
 #include "foundation/Text.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace PassList {

@@ -1,12 +1,8 @@
-#include "orbit/math/PassSearch.h"
-
-#include "TestElements.h"
-#include "orbit/math/SiderealTime.h"
+#include "Sky.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <limits>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -15,91 +11,6 @@ using namespace orbitmath;
 using namespace testelements;
 
 namespace {
-
-constexpr double secondsPerDay = 86400;
-constexpr double tenMilliseconds = 0.01 / secondsPerDay;
-
-/// The sky over a station, asked moment by moment.
-class Sky {
-public:
-    Sky(const Elements& elements, double latitude, double longitude, double start)
-        : propagator(elements)
-        , observer(latitude, longitude)
-        , m_start(start) {}
-
-    /// Radians, `seconds` after the start.
-    double Elevation(double seconds) const {
-        const double utc = m_start + seconds / secondsPerDay;
-        const double minutes = (m_start - propagator.GetElements().epochUtc) * 1440 + seconds / 60;
-        const Propagation found = propagator.At(minutes);
-        EXPECT_TRUE(found);
-        return observer.Look(ToEarth(found.state, SiderealTime(utc))).elevation;
-    }
-
-    double Crossing(double before, double after) const {
-        const bool rising = Elevation(after) > 0;
-        for (int k = 0; k < 30; ++k) {
-            const double middle = 0.5 * (before + after);
-            ((Elevation(middle) > 0) == rising ? after : before) = middle;
-        }
-        return 0.5 * (before + after);
-    }
-
-    /// Every crossing of the horizon by a scan that knows nothing of orbits but how fast an elevation can
-    /// grow at most (radians a second, `fastest`): steps of `step` seconds wherever it is above -3 degrees,
-    /// farther ones only as far as it could not have come up to that in the meantime.
-    std::vector<Pass> Scan(double days, double step, double fastest) const {
-        const double careful = -3 * radiansPerDegree;
-        std::vector<Pass> passes;
-        double before = Elevation(0);
-        bool counts = false; // the pass under way began after the start
-        double rise = 0;
-        for (double time = 0; time < days * secondsPerDay || counts;) {
-            const double next = time + std::max(step, (careful - before) / fastest);
-            const double elevation = Elevation(next);
-            if (before <= 0 && elevation > 0) {
-                rise = Crossing(time, next);
-                counts = rise < days * secondsPerDay;
-            } else if (before > 0 && elevation <= 0 && counts) {
-                Pass pass;
-                pass.riseUtc = m_start + rise / secondsPerDay;
-                pass.setUtc = m_start + Crossing(time, next) / secondsPerDay;
-                passes.push_back(pass);
-                counts = false;
-            }
-            before = elevation;
-            time = next;
-        }
-        return passes;
-    }
-
-    PassList Find(double days, std::size_t most = 1000) const {
-        return FindPasses(propagator, observer, m_start, days, most);
-    }
-
-    const Propagator propagator;
-    const Observer observer;
-
-private:
-    double m_start;
-};
-
-/// Compares the passes found with those of a scan; answers how many there were.
-std::size_t CompareWithScan(const Sky& sky, double days, double step, double fastest) {
-    const std::vector<Pass> found = sky.Find(days).passes;
-    const std::vector<Pass> scanned = sky.Scan(days, step, fastest);
-    EXPECT_EQ(found.size(), scanned.size());
-    for (std::size_t k = 0; k < std::min(found.size(), scanned.size()); ++k) {
-        EXPECT_NEAR(found[k].riseUtc, scanned[k].riseUtc, tenMilliseconds);
-        EXPECT_NEAR(found[k].setUtc, scanned[k].setUtc, tenMilliseconds);
-        EXPECT_TRUE(found[k].sets);
-    }
-    return scanned.size();
-}
-
-Elements StationLike() {
-    return Orbit(51.64, 208.9, 0.00067, 70, 25, 15.4956);
-}
 
 Elements PolarLike() {
     return Orbit(97.7, 30, 0.0012, 210, 100, 14.92);
@@ -199,37 +110,6 @@ TEST(PassSearchTest, APassUnderWayAtTheStartDoesNotCount) {
     EXPECT_GE(later.at(0).riseUtc, during);
 }
 
-TEST(PassSearchTest, APassLongerThanADayIsOnePass) {
-    // A near-geostationary object drifts over the sky in a week.
-    for (double anomaly = 0; anomaly < 360; anomaly += 90) {
-        const Sky sky(Orbit(0.5, 0, 0.001, 0, anomaly, 1.04), 45, 10, 46343);
-        const PassList found = sky.Find(25);
-        ASSERT_FALSE(found.passes.empty());
-        EXPECT_GT(found.passes[0].setUtc - found.passes[0].riseUtc, 5);
-        EXPECT_LT(found.propagations, 3000);
-        const double middle =
-            (0.5 * (found.passes[0].riseUtc + found.passes[0].setUtc) - 46343) * secondsPerDay;
-        EXPECT_GT(sky.Elevation(middle), 0);
-    }
-}
-
-TEST(PassSearchTest, WhatNeverSetsOrNeverRisesHasNoPassesAndCostsLittle) {
-    int above = 0;
-    int below = 0;
-    for (double longitude = -180; longitude < 180; longitude += 20) {
-        const Sky sky(Orbit(0.02, 0, 0.0001, 0, 0, 1.00273), 20, longitude, 46343);
-        const PassList found = sky.Find(10);
-        if (std::abs(sky.Elevation(0)) < 3 * radiansPerDegree)
-            continue;
-        ++(sky.Elevation(0) > 0 ? above : below);
-        EXPECT_TRUE(found.passes.empty());
-        EXPECT_LT(found.propagations, 2000);
-    }
-    EXPECT_GT(above, 3);
-    EXPECT_GT(below, 3);
-    EXPECT_TRUE(Sky(Orbit(10, 0, 0.001, 0, 0, 15), 80, 0, 46343).Find(30).passes.empty());
-}
-
 TEST(PassSearchTest, TheSearchIsAsCheapAsTheGeometryAllows) {
     int propagations = 0;
     std::size_t passes = 0;
@@ -251,15 +131,6 @@ TEST(PassSearchTest, NoMoreThanAskedForAndInTimeOrder) {
     EXPECT_GT(all.size(), 35U); // a polar station sees nearly every one of 44 orbits
     for (std::size_t k = 1; k < all.size(); ++k)
         EXPECT_GT(all[k].riseUtc, all[k - 1].setUtc);
-}
-
-TEST(PassSearchTest, ElementsThatGiveNoPositionAreAnError) {
-    Elements decayed = StationLike();
-    decayed.meanMotion *= 1.2;
-    EXPECT_EQ(Sky(decayed, 50, 10, 46343).Find(3).error, PropagationError::Decayed);
-    EXPECT_NE(Sky(StationLike(), 50, 10, std::numeric_limits<double>::quiet_NaN()).Find(3).error,
-              PropagationError::None);
-    EXPECT_NE(Sky(StationLike(), 50, 10, 1e12).Find(3).error, PropagationError::None);
 }
 
 // The tolerances are derived in golden/make_passes.py.
