@@ -5,6 +5,7 @@
 #include "foundation/PlaceWindow.h"
 #include "foundation/Settings.h"
 #include "foundation/Twips.h"
+#include "foundation/WindowTitle.h"
 #include "orbit/TimeBox.h"
 
 #include <QAction>
@@ -138,8 +139,8 @@ void frmMap::SavePosition() {
 }
 
 void frmMap::ShowCaption() {
-    setWindowTitle(QStringLiteral("Current Location of ") + m_satellites.DisplayName() +
-                   QStringLiteral(" Right-click for menu"));
+    SetPlainTitle(*this, QStringLiteral("Current Location of ") + m_satellites.DisplayName() +
+                             QStringLiteral(" Right-click for menu"));
 }
 
 void frmMap::ChooseSpeed(SimulatedClock::Speed speed) {

@@ -2,6 +2,7 @@
 
 #include "foundation/FixedFont.h"
 #include "foundation/PlaceWindow.h"
+#include "foundation/WindowTitle.h"
 #include "orbit/PassList.h"
 #include "orbit/PrintLines.h"
 
@@ -34,7 +35,8 @@ frmPass::frmPass(const clsSats& cSats, const TrackedSatellites& satellites, QWid
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     m_table = cSats.strPassInfo(satellites.Selected().strObjNum);
     QGuiApplication::restoreOverrideCursor();
-    setWindowTitle(satellites.DisplayName() + QStringLiteral(" Pass Predictions"));
+    m_caption = satellites.DisplayName() + QStringLiteral(" Pass Predictions");
+    SetPlainTitle(*this, m_caption);
 
     txtInfo->setObjectName(QStringLiteral("txtInfo"));
     txtInfo->setAccessibleName(tr("Pass predictions"));
@@ -96,5 +98,5 @@ void frmPass::Print() {
         return;
     QFont font(QStringLiteral("courier new"), 12);
     font.setStyleHint(QFont::TypeWriter);
-    PrintLines(printer, PassList::PrintText(windowTitle(), m_table), font);
+    PrintLines(printer, PassList::PrintText(m_caption, m_table), font);
 }

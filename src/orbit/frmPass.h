@@ -30,6 +30,7 @@ private:
     void Copy() const;
     void Print();
 
+    QString m_caption;
     QString m_table;
     ChoosePrinter m_choosePrinter;
     QPlainTextEdit* txtInfo;

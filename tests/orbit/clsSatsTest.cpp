@@ -267,6 +267,7 @@ void clsSatsTest::inViewIsDueNowWhateverPassesFollow() {
     f.library->passes = "(20261121150000 10 20 30 600)";
     f.Answer({.visible = true});
     QCOMPARE(f.sats.SatInfoAt(iss, f.sats.datGmtTime(), clsSats::Due::Yes)->strDue, QStringLiteral("Now!"));
+    QCOMPARE(f.library->listCalls.size(), std::size_t{0}); // nothing is sought, so nothing can fail
 }
 
 void clsSatsTest::notInViewIsDueAtTheNextPass() {

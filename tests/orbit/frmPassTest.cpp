@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
+#include <QWindow>
 
 namespace {
 
@@ -75,6 +76,7 @@ private Q_SLOTS:
     void textCannotBeChanged();
     void copyPutsTheTableOnTheClipboardForGood();
     void printsCaptionAndTable();
+    void captionAndPrintShowTheNameAsItStands();
     void longTablesTakeMorePages();
     void decliningPrintsNothing();
     void escapeAndFinishedClose();
@@ -142,6 +144,17 @@ void frmPassTest::printsCaptionAndTable() {
     for (const QString& line : f.Table().split(QStringLiteral("\r\n"), Qt::SkipEmptyParts))
         expected.append(line.simplified());
     QCOMPARE(printed, expected);
+}
+
+void frmPassTest::captionAndPrintShowTheNameAsItStands() {
+    Fixture f;
+    f.folder.Write(QStringLiteral("Keps/keps.txt"), "A & B [*]\n1 90417U\n2 90417 \n");
+    f.satellites.FindInKeps(f.folder.Program().KepsFolder());
+    frmPass window(f.sats, f.satellites);
+    window.show();
+    const QString caption = QStringLiteral("QIRAN (A & B [*]) Pass Predictions");
+    QCOMPARE(window.windowHandle()->title(), caption);
+    QCOMPARE(PrintedPages(f).first().split(u'\n', Qt::SkipEmptyParts).first().simplified(), caption);
 }
 
 void frmPassTest::longTablesTakeMorePages() {
