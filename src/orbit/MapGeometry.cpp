@@ -134,13 +134,11 @@ struct Ellipse {
         return x * x + y * y < radius * radius * (1.0 - 1e-9);
     }
 
-    // Whether no other way of naming the same place (a turn more or less, or over a pole) lies inside.
+    // Whether the other way of naming the same place, over a pole, lies outside. No point is farther than
+    // half a turn away.
     bool IsOutline(const GeoPoint& point) const {
-        const double direct = Wrapped(point.longitude);
-        const double across = Wrapped(point.longitude + 180.0);
-        const bool turned = std::abs(point.longitude) > 180.0;
-        return !(turned && Contains(direct, point.latitude)) && !Contains(across, 180.0 - point.latitude) &&
-               !Contains(across, -180.0 - point.latitude);
+        const double across = point.longitude - std::copysign(180.0, point.longitude);
+        return !Contains(across, 180.0 - point.latitude) && !Contains(across, -180.0 - point.latitude);
     }
 
     bool MeetsItself() const { return radius > 180.0 * cosine || std::abs(latitude) + radius > 90.0; }

@@ -40,8 +40,7 @@ frmPass::frmPass(const clsSats& cSats, const TrackedSatellites& satellites, QWid
 
     txtInfo->setObjectName(QStringLiteral("txtInfo"));
     txtInfo->setAccessibleName(tr("Pass predictions"));
-    txtInfo->setReadOnly(true);
-    // Lines can be walked and marked with the keyboard.
+    // Not to be changed, but its lines can be walked and marked with the keyboard.
     txtInfo->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     txtInfo->setTabChangesFocus(true);
     txtInfo->setLineWrapMode(QPlainTextEdit::NoWrap);

@@ -10,17 +10,22 @@
 class GroundTrackTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void initTestCase();
     void isOneOrbitOfTheElementsMeanMotion_data();
     void isOneOrbitOfTheElementsMeanMotion();
+    void isAPointAMinute();
     void endsWhereDragEndsTheOrbit();
     void ofAnUnknownObjectIsEmpty();
 
 private:
     GroundTrack TrackOf(const char* object, DateTime start) const;
+
+    const TestClock m_clock;
+    clsSats m_sats{std::make_unique<KVRSatLib>(), m_clock};
 };
 
 // The elements' epoch is 2026-11-21 00:00.
-GroundTrack GroundTrackTest::TrackOf(const char* object, DateTime start) const {
+void GroundTrackTest::initTestCase() {
     const TemporaryProgramFolder folder;
     folder.Write(QStringLiteral("keps.txt"),
                  "QIRAN\r\n"
@@ -35,11 +40,11 @@ GroundTrack GroundTrackTest::TrackOf(const char* object, DateTime start) const {
                  "FALLING\r\n"
                  "1 40002U 14002A   26325.00000000  .00000000  00000+0  20000-0 0  9992\r\n"
                  "2 40002  51.6000 208.0000 0005000  70.0000  25.0000 16.20000000    19\r\n");
-    const TestClock clock;
-    clsSats sats(std::make_unique<KVRSatLib>(), clock);
-    if (!sats.setStrKeplerPath(folder.Program().Path()))
-        return {};
-    return GroundTrack::Of(sats, QString::fromLatin1(object), start);
+    QVERIFY(m_sats.setStrKeplerPath(folder.Program().Path()));
+}
+
+GroundTrack GroundTrackTest::TrackOf(const char* object, DateTime start) const {
+    return GroundTrack::Of(m_sats, QString::fromLatin1(object), start);
 }
 
 void GroundTrackTest::isOneOrbitOfTheElementsMeanMotion_data() {
@@ -55,6 +60,17 @@ void GroundTrackTest::isOneOrbitOfTheElementsMeanMotion() {
     const GroundTrack track = TrackOf(object.constData(), DateOf(2026, 11, 21) + 0.5);
     QTEST(static_cast<int>(track.points.size()), "points");
     QVERIFY(track.altitude > 300);
+}
+
+void GroundTrackTest::isAPointAMinute() {
+    const DateTime start = DateOf(2026, 11, 21) + 0.25;
+    const GroundTrack track = TrackOf("25544", start);
+    for (std::size_t minute = 0; minute < track.points.size(); ++minute) {
+        const auto is = m_sats.PositionAt(QStringLiteral("25544"), start + double(minute) / minutesPerDay);
+        QVERIFY(std::abs(track.points[minute].longitude - is->dblLong) < 1e-6);
+        QVERIFY(std::abs(track.points[minute].latitude - is->dblLat) < 1e-6);
+    }
+    QCOMPARE(track.altitude, m_sats.PositionAt(QStringLiteral("25544"), start)->dblAltitude);
 }
 
 void GroundTrackTest::endsWhereDragEndsTheOrbit() {

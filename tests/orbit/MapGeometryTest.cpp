@@ -186,6 +186,7 @@ TEST(Footprint, radiusIsThatOfFiveDegreesElevation) {
     EXPECT_NEAR(radius,
                 85 - std::asin(6368 * std::sin(95 * std::numbers::pi / 180) / 7068) * 180 / std::numbers::pi,
                 1e-3);
+    EXPECT_NEAR(radius, 21.164442082705, 1e-9); // and with pi taken as 3.1416
     EXPECT_NEAR(FootprintRadius(420), 15.84, 0.005);
     EXPECT_EQ(FootprintRadius(-100), 0);
     EXPECT_EQ(FootprintRadius(std::nan("")), 0);

@@ -83,6 +83,7 @@ private Q_SLOTS:
     void notInViewShowsWhenItIsDue();
     void inViewShowsWhereToPoint();
     void coloursChangeOnlyWhenTheViewDoes();
+    void aBackgroundIsNewOnceWhenTheViewChanges();
     void inViewIsDarkOnLightCyanInADarkTheme();
     void losingTheStationTakesTheMarkAway();
     void aFailingLibraryShowsDashesAndTheTickGoesOn();
@@ -158,6 +159,21 @@ void framLocationTest::coloursChangeOnlyWhenTheViewDoes() {
     f.panel->Refresh();
     f.panel->Refresh();
     QCOMPARE(counter.changes, 2);
+}
+
+void framLocationTest::aBackgroundIsNewOnceWhenTheViewChanges() {
+    Fixture f;
+    TrackingDisplay display(f.sats, f.satellites);
+    display.ApplyStationPosition(52.5, 13.5);
+    using Background = TrackingLabels::Background;
+    const auto none = std::optional<Background>();
+    QVERIFY(display.Refresh().newBackground == none);
+    f.InView(true);
+    QVERIFY(display.Refresh().newBackground == Background::InView);
+    QVERIFY(display.Refresh().newBackground == none);
+    f.InView(false);
+    QVERIFY(display.Refresh().newBackground == Background::Window);
+    QVERIFY(display.Refresh().newBackground == none);
 }
 
 void framLocationTest::inViewIsDarkOnLightCyanInADarkTheme() {
@@ -264,6 +280,9 @@ void framLocationTest::oldElementsAreSaidSo() {
     f.library->source = ElementSource{.name = "X", .file = "<b>amateur</b>.txt", .epochUtc = now - 14.0};
     f.panel->Refresh();
     QCOMPARE(f.panel->toolTip(), QString());
+    f.library->source->epochUtc = now - 14.01;
+    f.panel->Refresh();
+    QVERIFY(f.panel->toolTip().contains(QStringLiteral("14 days old")));
     f.library->source->epochUtc = now - 20.5;
     f.panel->Refresh();
     const QString tip = f.panel->toolTip();

@@ -87,7 +87,6 @@ private Q_SLOTS:
     void opensOnTheRealClock();
     void captionNamesTheSatellite();
     void captionShowsTheNameAsItStands();
-    void theTrackIsOneOrbitOfMinutes();
     void fastAndBackwards();
     void veryFastTicksByItself();
     void pauseKeepsTheTimeAndASpeedRestartsTheTicker();
@@ -135,22 +134,6 @@ void frmMapTest::captionShowsTheNameAsItStands() {
     f.map->SatHasChanged();
     QCOMPARE(f.map->windowHandle()->title(),
              QStringLiteral("Current Location of QIRAN (A & B [*]) Right-click for menu"));
-}
-
-void frmMapTest::theTrackIsOneOrbitOfMinutes() {
-    const Fixture f;
-    QCOMPARE(f.library->positionCalls, 101); // 1440 / 14.4 minutes, and where it is now
-    f.library->source->meanMotion = 1.0;
-    f.library->positionCalls = 0;
-    f.Tick();
-    QCOMPARE(f.library->positionCalls, 201);
-    double last = 0;
-    f.library->position = [&last](const std::string&, double utc) {
-        last = utc;
-        return LibraryPosition{};
-    };
-    f.Tick();
-    QVERIFY(std::abs(last - (f.sats.datGmtTime() + 200 / minutesPerDay)) < 1e-9);
 }
 
 void frmMapTest::fastAndBackwards() {
@@ -280,7 +263,7 @@ void frmMapTest::menuHasItsAccessKeys() {
 }
 
 void frmMapTest::timeBoxIsDraggedAndStaysOnTheMap() {
-    const Fixture f;
+    Fixture f;
     TimeBox* box = f.Time();
     for (const QSize size : {QSize(500, 250), QSize(640, 320)}) { // at the bottom, however large the map
         f.map->resize(size);
@@ -291,6 +274,12 @@ void frmMapTest::timeBoxIsDraggedAndStaysOnTheMap() {
     QTest::mousePress(box, Qt::LeftButton, {}, QPoint(5, 5));
     QTest::mouseMove(box, QPoint(-45, -95));
     QTest::mouseRelease(box, Qt::LeftButton);
+    QCOMPARE(box->pos(), before - QPoint(50, 100));
+    f.sats.setBlnLocalTime(true); // another text, another map: it stays where the user has put it
+    f.clock.SetOffsetHours(5);
+    f.Tick();
+    f.map->resize(660, 330);
+    QTRY_COMPARE(f.Picture()->size(), QSize(660, 330));
     QCOMPARE(box->pos(), before - QPoint(50, 100));
     QTest::mousePress(box, Qt::LeftButton, {}, QPoint(5, 5));
     QTest::mouseMove(box, QPoint(9000, 9000));
