@@ -4,7 +4,6 @@
 #include "foundation/Twips.h"
 #include "orbit/Circling.h"
 #include "orbit/TimeBox.h"
-#include "orbit/framLocation.h"
 #include "support/RecordingPresenter.h"
 #include "support/TemporaryProgramFolder.h"
 #include "support/TestClock.h"
@@ -92,7 +91,6 @@ private Q_SLOTS:
     void pauseKeepsTheTimeAndASpeedRestartsTheTicker();
     void resetGoesBackToTheRealClock();
     void timeBoxFollowsLocalTime();
-    void theOtherSatelliteIsAskedForAndShown();
     void rightReleaseOpensTheMenu();
     void theKeyOpensTheMenu();
     void menuHasItsAccessKeys();
@@ -201,26 +199,6 @@ void frmMapTest::timeBoxFollowsLocalTime() {
     QCOMPARE(f.Time()->Text(), QStringLiteral("2026-Nov-21 05:55:20"));
     const QFontMetrics metrics(f.Time()->font());
     QCOMPARE(f.Time()->width(), metrics.horizontalAdvance(f.Time()->Text()) + 6);
-}
-
-void frmMapTest::theOtherSatelliteIsAskedForAndShown() {
-    Fixture f;
-    framLocation panel(f.sats, f.satellites);
-    connect(f.map.get(), &frmMap::ChangeSatRequested, &panel, &framLocation::ChangeSat);
-    connect(&panel, &framLocation::SatChanged, f.map.get(), &frmMap::SatHasChanged);
-    f.Choose("mnuSpeedVeryFast");
-    std::string asked;
-    const auto circle = f.library->position;
-    f.library->position = [&](const std::string& object, double utc) {
-        asked = object;
-        return circle(object, utc);
-    };
-    f.Choose("mnuChangeSat");
-    QCOMPARE(asked, std::string("25544"));
-    QCOMPARE(panel.title(), QStringLiteral("ISS Current Location"));
-    QCOMPARE(f.map->windowTitle(), QStringLiteral("Current Location of ISS Right-click for menu"));
-    QCOMPARE(f.Checked(), QByteArray("Normal"));
-    QCOMPARE(f.TimeOfDay(), QStringLiteral("00:10:20"));
 }
 
 void frmMapTest::rightReleaseOpensTheMenu() {
@@ -343,6 +321,17 @@ void frmMapTest::withoutAPictureTheBackgroundIsPlain() {
     const QImage image = f.Picture()->grab().toImage();
     QVERIFY(Pixels(image, QColor(201, 219, 232)) > image.width() * image.height() / 2);
     QVERIFY(Pixels(image, QColor(0, 128, 0)) > 100);
+    // A line every 30 degrees.
+    f.library->position = [](const std::string&, double) { return std::nullopt; };
+    f.Tick();
+    f.Time()->hide();
+    f.map->resize(1080, 540);
+    QTRY_COMPARE(f.Picture()->size(), QSize(1080, 540));
+    const QImage bare = f.Picture()->grab().toImage();
+    for (int x = 15; x < 1080; x += 15)
+        QCOMPARE(bare.pixelColor(x, 45), x % 90 == 0 ? QColor(140, 160, 174) : QColor(201, 219, 232));
+    for (int y = 15; y < 540; y += 15)
+        QCOMPARE(bare.pixelColor(45, y), y % 90 == 0 ? QColor(140, 160, 174) : QColor(201, 219, 232));
 }
 
 void frmMapTest::ownPicturesOfAnySizeWork_data() {

@@ -90,14 +90,15 @@ void Search::WalkFrom(Node a) {
     }
 }
 
-/// Where the elements fail at `bad`: goes on to the last time before at which they hold, and to the first
-/// time after at which they hold again. Nothing when they do not.
+/// Where the elements fail at `bad`: goes on to the last time before at which they hold, and, where sun and
+/// moon are the cause, to the first time after at which they hold again. Nothing when they do not.
 std::optional<StationPath::Node> Search::Bridge(const Node& good, double bad) {
-    if (m_path.LastError() != PropagationError::PerturbedEccentricity)
-        return {};
+    const bool mayHoldAgain = m_path.LastError() == PropagationError::PerturbedEccentricity;
     const double lastGood = m_path.LastGood(good.point.time, bad);
     if (const std::optional<Node> last = m_path.At(lastGood); last && lastGood > good.point.time)
         Walk(good.point, last->point, 0);
+    if (!mayHoldAgain)
+        return {};
     const double step = good.pieceLength / 4;
     double time = bad;
     std::optional<Node> again;
@@ -304,7 +305,7 @@ void Search::Set(const PathPoint& point, bool sets) {
 PassList FindPasses(const Propagator& propagator, const Observer& observer, double startUtc, double days,
                     std::size_t most) {
     PassList nothing;
-    if (!std::isfinite(startUtc) || !std::isfinite(days)) {
+    if (!std::isfinite(days)) {
         nothing.error = PropagationError::OutOfRange;
         return nothing;
     }

@@ -122,7 +122,10 @@ TEST(ElementsTest, DamagedSetsSayWhy) {
     EXPECT_EQ(WhyNot(wrongSum, line2), "a checksum is wrong");
     EXPECT_EQ(WhyNot(line1.substr(0, 68), line2), "a line is too short");
     EXPECT_EQ(WhyNot(line1, line2 + "1"), "a line is too long");
-    EXPECT_EQ(WhyNot(line1, With(line2, 8, "5")), "wrong columns");
+    for (const std::size_t column : {2, 9, 18, 33, 44, 53, 62, 64})
+        EXPECT_EQ(WhyNot(With(line1, column, "5"), line2), "wrong columns") << column;
+    for (const std::size_t column : {2, 8, 17, 26, 34, 43, 52})
+        EXPECT_EQ(WhyNot(line1, With(line2, column, "5")), "wrong columns") << column;
     EXPECT_EQ(WhyNot(line2, line1), "wrong columns");
     EXPECT_EQ(WhyNot(line1, Numbered(line2, "25545")), "the catalogue numbers are none or differ");
     EXPECT_EQ(WhyNot(line1, With(line2, 9, "180.0001")), "an angle is no number or out of its range");
@@ -185,6 +188,17 @@ TEST_F(ElementFolderTest, DamagedSetsArePassedOverWithOneLineAFileAndHideNothing
     EXPECT_EQ(folder.FileOf(*folder.Find("25544")), "good.txt");
     ASSERT_NE(folder.Find("90417"), nullptr);
     EXPECT_EQ(folder.Find("90417")->name, "QIRAN");
+}
+
+TEST_F(ElementFolderTest, TheCountIsThatOfTheOtherDamagedSetsInAFile) {
+    const std::string damaged = With(line1, 9, "5") + "\n" + line2 + "\n";
+    Write("a.txt", damaged);
+    Write("b.txt", damaged + damaged);
+    Load();
+    ASSERT_EQ(m_reports.size(), 2U);
+    EXPECT_EQ(m_reports[0], (m_path / "a.txt").string() + ", line 1: wrong columns; element set passed over");
+    EXPECT_EQ(m_reports[1], (m_path / "b.txt").string() +
+                                ", line 1: wrong columns; element set passed over, and 1 more in this file");
 }
 
 TEST_F(ElementFolderTest, ATextThatCountsItsLinesIsNoDamageButItsPairsAreNoElements) {

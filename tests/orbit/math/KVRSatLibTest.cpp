@@ -100,6 +100,8 @@ TEST_F(KVRSatLibTest, CountsBoundThePassesADayTimesTheDays) {
     EXPECT_EQ(m_library.ListPasses("25544", now, 0, 3, 0, 0), "");
     EXPECT_EQ(m_library.ListPasses("25544", now, 10, 0, 0, 0), "");
     EXPECT_EQ(m_library.ListPasses("25544", now, -1, -3, 0, 0), "");
+    EXPECT_EQ(m_library.ListPasses("25544", now, -1, 3, 0, 0), "");
+    EXPECT_EQ(m_library.ListPasses("25544", now, 10, -3, 0, 0), "");
     EXPECT_TRUE(m_library.ListPasses("25544", now, 2147483647, 2, 0, 0));
 }
 

@@ -86,8 +86,20 @@ TEST(PassLimitsTest, APassThatDoesNotEndWithinAYearIsGivenAsOneThatDoesNotSet) {
     EXPECT_GE(pass.setUtc, start + 30 + longestPassDays);
     EXPECT_LT(pass.setUtc, start + 30 + longestPassDays + 1);
     EXPECT_GT(sky.Elevation((pass.setUtc - start) * secondsPerDay), 0.1);
-    EXPECT_GT(pass.maxElevation, 60 * radiansPerDegree);
+    double highest = 0; // of many days' tops
+    for (double utc = pass.riseUtc; utc < pass.setUtc; utc += 0.005)
+        highest = std::max(highest, sky.Elevation((utc - start) * secondsPerDay));
+    EXPECT_NEAR(pass.maxElevation, highest, 1e-5);
+    EXPECT_NEAR(pass.maxElevation, sky.Elevation((pass.highestUtc - start) * secondsPerDay), 1e-7);
     EXPECT_LT(found.propagations, 5000);
+}
+
+TEST(PassLimitsTest, NoMoreThanAskedForEvenWhereASecondPassFollowsAtOnce) {
+    for (int k = 0; k < 5; ++k) {
+        const Sky sky(Orbit(0.3, 0, 0.0003, 0, 0, 1.0022), 20, -141, 46343 + k * 0.05);
+        ASSERT_EQ(sky.Find(30).passes.size(), 2U);
+        EXPECT_EQ(sky.Find(30, 1).passes.size(), 1U);
+    }
 }
 
 TEST(PassLimitsTest, WhereDragEndsTheOrbitTheSearchEndsAndAPassUnderWayIsLeftOut) {
@@ -103,13 +115,23 @@ TEST(PassLimitsTest, WhereDragEndsTheOrbitTheSearchEndsAndAPassUnderWayIsLeftOut
     const double latitude = ToGeodetic(ToEarth(last, 0).position).latitude / radiansPerDegree;
     std::size_t passes = 0;
     int underWay = 0;
-    for (int longitude = -180; longitude < 180; longitude += 15) {
-        const Sky sky(elements, latitude, longitude, start);
+    std::vector<std::pair<double, double>> stations; // latitude, longitude
+    for (int longitude = -180; longitude < 180; longitude += 15)
+        stations.emplace_back(latitude, longitude);
+    for (double before = 240; before < 1800; before += 240) { // under its last track
+        const double time = decay - before;
+        const Vector3 under =
+            ToEarth(propagator.At(time / 60).state, SiderealTime(start + time / secondsPerDay)).position;
+        const Geodetic point = ToGeodetic(under);
+        stations.emplace_back(point.latitude / radiansPerDegree, point.longitude / radiansPerDegree);
+    }
+    for (const auto& [stationLatitude, stationLongitude] : stations) {
+        const Sky sky(elements, stationLatitude, stationLongitude, start);
         const PassList found = sky.Find(3);
         const std::vector<Pass> scanned = ScanAcrossFailures(sky, start, decay, 1);
         EXPECT_EQ(found.error, PropagationError::None);
         EXPECT_LT(found.propagations, 2000);
-        ASSERT_EQ(found.passes.size(), scanned.size()) << longitude;
+        ASSERT_EQ(found.passes.size(), scanned.size()) << stationLatitude << ' ' << stationLongitude;
         for (std::size_t k = 0; k < scanned.size(); ++k) {
             EXPECT_NEAR(found.passes[k].riseUtc, scanned[k].riseUtc, tenMilliseconds);
             EXPECT_NEAR(found.passes[k].setUtc, scanned[k].setUtc, tenMilliseconds);
@@ -156,7 +178,11 @@ TEST(PassLimitsTest, ElementsThatGiveNoPositionAreAnError) {
     Elements decayed = StationLike();
     decayed.meanMotion *= 1.2;
     EXPECT_EQ(Sky(decayed, 50, 10, 46343).Find(3).error, PropagationError::Decayed);
-    EXPECT_NE(Sky(StationLike(), 50, 10, std::numeric_limits<double>::quiet_NaN()).Find(3).error,
-              PropagationError::None);
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const double start : {nan, infinity, -infinity})
+        EXPECT_EQ(Sky(StationLike(), 50, 10, start).Find(3).error, PropagationError::OutOfRange);
     EXPECT_NE(Sky(StationLike(), 50, 10, 1e12).Find(3).error, PropagationError::None);
+    for (const double days : {nan, infinity})
+        EXPECT_EQ(Sky(StationLike(), 50, 10, 46343).Find(days).error, PropagationError::OutOfRange);
 }
