@@ -6,6 +6,8 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace orbitmath;
@@ -213,13 +215,14 @@ TEST_F(ElementFolderTest, BinaryFilesLinksToThemselvesAndFoldersDoNoHarm) {
     std::string binary(300000, '\0');
     for (std::size_t k = 0; k < binary.size(); ++k)
         binary[k] = static_cast<char>(k * 2654435761U >> 13);
-    Write("binary", binary);
+    Write("binary", binary + "\n" + line1 + "\n"); // no half of a set
     Write("empty", "");
     Write("oneline", std::string(3000000, '1'));
     fs::create_symlink("loop", m_path / "loop");
     fs::create_symlink("nowhere", m_path / "dangling");
     fs::create_directory_symlink(".", m_path / "self");
     fs::create_directory(m_path / "folder.txt");
+    ASSERT_EQ(mkfifo((m_path / "pipe").c_str(), 0600), 0); // nobody ever writes into it
     const ElementFolder folder = Load();
     EXPECT_EQ(folder.Count(), 1U);
     EXPECT_TRUE(m_reports.empty());
@@ -238,6 +241,24 @@ TEST_F(ElementFolderTest, AHugeFileAndAFolderOfThousandsAreReadInBoundedTime) {
         Write(std::to_string(k), "note\n");
     EXPECT_EQ(Load().Count(), 1U);
     EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(30));
+}
+
+TEST_F(ElementFolderTest, AnEndlessLineIsNotKept) {
+    {
+        std::ofstream file(m_path / "line.txt", std::ios::binary);
+        const std::string part(1 << 20, 'x');
+        for (int k = 0; k < 64; ++k)
+            file << part;
+        file << '\n' << line1 << '\n' << line2 << '\n';
+    }
+    const auto mostKilobytes = [] {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss;
+    };
+    const long before = mostKilobytes();
+    EXPECT_EQ(Load().Count(), 1U);
+    EXPECT_LT(mostKilobytes() - before, 16 * 1024);
 }
 
 TEST_F(ElementFolderTest, AMissingFolderIsNone) {
