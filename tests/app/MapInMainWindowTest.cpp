@@ -208,7 +208,8 @@ void MapInMainWindowTest::pictures() {
     const auto nearPole = [](const SatPosition& is) { return std::abs(is.dblLat - 70) < 2; };
     const auto dateLine = [](const SatPosition& is) { return is.dblLong > 172 && is.dblLat < 40; };
     const auto inView = [](const SatPosition& is) { return std::abs(is.dblLat - 45) < 2; };
-    for (const auto& [object, name] : {std::pair(u"90417"_s, u"QIRAN"_s), std::pair(u"25544"_s, u"ISS"_s)}) {
+    for (const QString& name : {u"QIRAN"_s, u"ISS"_s}) {
+        const QString object = name == u"ISS"_s ? u"25544"_s : u"90417"_s;
         const auto take = [&](int minute, const QString& what) {
             if (minute == 0)
                 return;
@@ -220,7 +221,7 @@ void MapInMainWindowTest::pictures() {
         take(minuteWhere(object, nearPole), u"-near-the-pole"_s);
         take(minuteWhere(object, dateLine), u"-date-line"_s);
         take(minuteWhere(object, inView), u"-middle"_s);
-        QTimer::singleShot(0, rig.window.get(), [name = name] {
+        QTimer::singleShot(0, rig.window.get(), [name] {
             QWidget* passes = QApplication::activeModalWidget();
             Screenshots::Take(*passes, u"frmPass-"_s + name);
             passes->close();

@@ -353,6 +353,9 @@ void frmMapTest::ownPicturesOfAnySizeWork() {
     const Fixture f(bytes);
     QCOMPARE(f.presenter.messages.size(), 0);
     const QSizeF place = f.Picture()->MapPlace().size();
+    const QSizeF room = f.Picture()->size(); // which it fills in one direction and keeps in the other
+    QVERIFY(place.width() <= room.width() && place.height() <= room.height());
+    QVERIFY(place.width() == room.width() || place.height() == room.height());
     QVERIFY(std::abs(place.width() / place.height() - double(size.width()) / size.height()) < 0.02);
     QVERIFY(QRect(QPoint(), f.map->screen()->size()).contains(QRect(QPoint(), f.map->size())));
     QVERIFY(!f.Picture()->grab().isNull());
