@@ -4,6 +4,10 @@
 
 namespace Texts {
 
+QString Title() {
+    return QStringLiteral("QIRAN Telemetry Decoder");
+}
+
 QString Caption(const QString& title) {
     return QStringLiteral("%1    V%2.%3%4%5")
         .arg(title)

@@ -5,6 +5,9 @@
 /// Texts of the main window that depend on what the program found at start-up.
 namespace Texts {
 
+/// The program's title.
+QString Title();
+
 /// The window caption: the program's title, its version and the version record's file description. The
 /// version is major, ".", minor and the revision with no point before it.
 QString Caption(const QString& title);

@@ -29,7 +29,7 @@ frmAbout::frmAbout(QWidget* parent)
     setObjectName("frmAbout"_L1);
     setWindowTitle(u"About QiranDecode"_s);
 
-    auto* title = Paragraph(QApplication::applicationDisplayName(), "labTitle"_L1);
+    auto* title = Paragraph(Texts::Title(), "labTitle"_L1);
     QFont large = title->font();
     large.setPointSizeF(large.pointSizeF() * 1.5);
     large.setBold(true);

@@ -49,7 +49,7 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
     , m_timer1(this) {
     setObjectName(QStringLiteral("frmQIRAN"));
-    setWindowTitle(QStringLiteral("QIRAN Telemetry Decoder"));
+    setWindowTitle(Texts::Title());
     m_timer1.setObjectName(QStringLiteral("Timer1"));
     m_timer1.setInterval(1000);
     connect(&m_timer1, &QTimer::timeout, this, [this] { m_framLocation->Tick(); });
@@ -120,7 +120,7 @@ bool frmQIRAN::Load() {
     m_framLocation = new framLocation(m_ground->cSats, m_ground->satellites);
     m_side->addWidget(m_framLocation);
     m_side->addStretch();
-    m_messages.SetTitle(QStringLiteral("QIRAN Telemetry Decoder"));
+    m_messages.SetTitle(Texts::Title());
     LoadSettings();
     m_ground->callsigns.LoadCallsigns();
     PrepareTracking();

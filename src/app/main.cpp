@@ -70,7 +70,6 @@ int main(int argc, char** argv) {
 
     EndRequests::Hold();
     QApplication::setApplicationName(QStringLiteral("QiranDecode"));
-    QApplication::setApplicationDisplayName(QStringLiteral("QIRAN Telemetry Decoder"));
     QApplication application(argc, argv);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/qirandecode.png")));
     return Run(line, QApplication::applicationFilePath());
