@@ -172,6 +172,7 @@ void frmTermTest::itOpensHiddenAndFillsItsFields() {
     QCOMPARE(Field(u"txtTx"_s)->text(), QString());
     QVERIFY(!Entry(u"mnuLogAllData"_s)->isChecked());
     QVERIFY(Pane()->isReadOnly());
+    QVERIFY(!Pane()->testAttribute(Qt::WA_InputMethodEnabled));
     QCOMPARE(Pane()->palette().color(QPalette::Base), QColor(Qt::black));
 }
 
@@ -288,6 +289,10 @@ void frmTermTest::aSelectionSurvivesNewTextAndCanBeCopied() {
     QTRY_COMPARE(Shown(), u"first\nsecond\nthird\n"_s);
     Press(Qt::Key_C, Qt::ControlModifier);
     QCOMPARE(QApplication::clipboard()->text(), u"first\nsecond\n"_s);
+    Press(Qt::Key_Home, Qt::ControlModifier);
+    Press(Qt::Key_End, Qt::ShiftModifier);
+    Press(Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QApplication::clipboard()->text(), u"first"_s);
     m_window->ShowData(QByteArray(12000, 'x'), 2); // cuts nothing yet
     m_window->ShowData("y", 2);                    // cuts all that was selected
     QTRY_VERIFY(Shown().endsWith(u'y'));
