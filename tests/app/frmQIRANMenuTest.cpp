@@ -1,4 +1,5 @@
 #include "app/MainWindowRig.h"
+#include "foundation/Twips.h"
 #include "telemetry/TelemetryGrid.h"
 
 #include <QLineEdit>
@@ -223,11 +224,14 @@ void frmQIRANMenuTest::exitClosesTheProgram() {
     MainWindowRig rig;
     QVERIFY(rig.Start());
     rig.Find<QAction>("mnuMap")->trigger();
+    WindowNamed(u"frmMap"_s)->move(120, 60);
+    const QString left = Twips::TextOf(120, *rig.window);
+    QVERIFY(rig.Get("SETUP", "MAP_LEFT") != left);
     rig.Find<QAction>("mnuTerminal")->trigger();
     WindowNamed(u"frmTerm"_s)->findChild<QLineEdit*>(u"txtTo"_s)->setText(u"G0ABC"_s);
     rig.Find<QAction>("mnuExit")->trigger();
     QCOMPARE(rig.Get("TERMINAL", "TO"), u"G0ABC"_s);
-    QVERIFY(rig.Get("SETUP", "MAP_LEFT") != u"absent"_s);
+    QCOMPARE(rig.Get("SETUP", "MAP_LEFT"), left);
     QVERIFY(!rig.window->isVisible());
     QVERIFY(!WindowNamed(u"frmMap"_s));
     QVERIFY(!WindowNamed(u"frmTerm"_s));

@@ -259,6 +259,10 @@ void clsWindowPosTest::twipsAndPixelsConvertBothWays() {
     QCOMPARE(Twips::FromPixels(96, window), 1440.0F * 96.0F / static_cast<float>(window.logicalDpiX()));
     for (const int pixels : {-32767, -1, 0, 1, 7, 1919, 32767})
         QCOMPARE(Twips::PixelsOf(Twips::TextOf(pixels, window), window), pixels);
+    const double twipsPerPixel = 1440.0 / window.logicalDpiX();
+    QCOMPARE(Twips::ToPixels(2.9 * twipsPerPixel, window), 3);
+    QCOMPARE(Twips::ToPixels(2.5 * twipsPerPixel, window), 3); // halves away from zero
+    QCOMPARE(Twips::ToPixels(2.4 * twipsPerPixel, window), 2);
     QCOMPARE(Twips::ToPixels(1e300, window), 32767);
     QCOMPARE(Twips::PixelsOf(u" 1440 twips"_s, window), window.logicalDpiX());
     QCOMPARE(Twips::ToText(0.5F), u"0.5"_s);
