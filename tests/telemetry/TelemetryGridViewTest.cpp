@@ -29,6 +29,7 @@ private Q_SLOTS:
     void valueIsCopiedInFull();
     void severalCellsAreCopiedAsATable();
     void nothingIsCopiedFromNothing();
+    void headerRowAndNameColumnAreFixed();
     void cellsCannotBeEdited();
     void tabLeavesTheGrid();
 
@@ -182,6 +183,18 @@ void TelemetryGridViewTest::nothingIsCopiedFromNothing() {
     View(0).clearSelection();
     QTest::keySequence(&View(0), QKeySequence::Copy);
     QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("kept"));
+}
+
+void TelemetryGridViewTest::headerRowAndNameColumnAreFixed() {
+    View(0).selectAll();
+    const QModelIndexList selected = View(0).selectionModel()->selectedIndexes();
+    QVERIFY(!selected.isEmpty());
+    for (const QModelIndex& cell : selected)
+        QVERIFY(cell.column() != TelemetryGrid::Name);
+    View(0).clearSelection();
+    QTest::mouseClick(View(0).horizontalHeader()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                      View(0).horizontalHeader()->viewport()->rect().center());
+    QVERIFY(!View(0).selectionModel()->hasSelection());
 }
 
 void TelemetryGridViewTest::cellsCannotBeEdited() {
