@@ -10,10 +10,5 @@ QString ReplaceFile(const QString& path, const QByteArray& bytes) {
     const bool isWritten = file.open(QIODevice::WriteOnly) &&
                            (!isNew || file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)) &&
                            file.write(bytes) == bytes.size() && file.flush() && file.size() == bytes.size();
-    const QString reason = file.errorString();
-    if (isWritten && file.commit())
-        return {};
-    if (!isWritten)
-        file.cancelWriting();
-    return isWritten ? file.errorString() : reason;
+    return isWritten && file.commit() ? QString() : file.errorString(); // what is not committed goes
 }

@@ -115,8 +115,6 @@ void clsIni::SaveIniString(const QString& section, const QString& key, const QSt
 
 QString clsIni::GetIniStringWriteDefault(const QString& section, const QString& key,
                                          const QString& defaultValue, const QString& file) {
-    if (PathOf(file).isEmpty())
-        return {};
     QString stored = GetIniString(section, key, absent.toString(), file);
     if (stored != absent)
         return stored;
