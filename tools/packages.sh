@@ -15,7 +15,7 @@ test_packages=(
     clang clang-format clang-tidy clang-tools cppcheck shellcheck libclang-rt-14-dev binutils
     direwolf openbox xdotool imagemagick poppler-utils iproute2
     python3-sgp4 python3-ephem python3-skyfield
-    appstream desktop-file-utils dpkg-dev fakeroot file man-db
+    appstream desktop-file-utils dpkg-dev fakeroot file man-db openssl
 )
 
 # missing_packages PACKAGE... : prints those that are not installed.

@@ -6,6 +6,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 
 /// A server on the loopback that answers each request as a test's script says, well-formed or not.
 class ScriptedServer : public QObject {
@@ -19,25 +20,27 @@ public:
     };
     using Script = std::function<Answer(const QByteArray& request)>;
 
-    explicit ScriptedServer(Script script, const QHostAddress& address = QHostAddress::LocalHost)
-        : m_script(std::move(script)) {
-        connect(&m_server, &QTcpServer::newConnection, this, &ScriptedServer::Accept);
-        m_server.listen(address);
+    explicit ScriptedServer(Script script, const QHostAddress& address = QHostAddress::LocalHost,
+                            std::unique_ptr<QTcpServer> server = std::make_unique<QTcpServer>())
+        : m_server(std::move(server))
+        , m_script(std::move(script)) {
+        connect(m_server.get(), &QTcpServer::pendingConnectionAvailable, this, &ScriptedServer::Accept);
+        m_server->listen(address);
     }
     explicit ScriptedServer(const Answer& answer)
         : ScriptedServer([answer](const QByteArray&) { return answer; }) {}
     ~ScriptedServer() override {
-        for (QTcpSocket* socket : m_server.findChildren<QTcpSocket*>())
+        for (QTcpSocket* socket : m_server->findChildren<QTcpSocket*>())
             socket->disconnect(this);
     }
 
-    bool IsListening() const { return m_server.isListening(); }
+    bool IsListening() const { return m_server->isListening(); }
 
     /// "host:port", as an address begins.
     QString Address() const {
-        const QString host = m_server.serverAddress().toString();
+        const QString host = m_server->serverAddress().toString();
         return (host.contains(u':') ? u'[' + host + u']' : host) + u':' +
-               QString::number(m_server.serverPort());
+               QString::number(m_server->serverPort());
     }
     QString Url(const QString& path = QStringLiteral("/file.txt")) const {
         return QStringLiteral("http://") + Address() + path;
@@ -57,7 +60,7 @@ public:
 
 private:
     void Accept() {
-        while (QTcpSocket* socket = m_server.nextPendingConnection()) {
+        while (QTcpSocket* socket = m_server->nextPendingConnection()) {
             connect(socket, &QTcpSocket::readyRead, this, [this, socket] { Read(*socket); });
             connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
         }
@@ -96,7 +99,7 @@ private:
         drip->start(answer.dripInterval);
     }
 
-    QTcpServer m_server;
+    std::unique_ptr<QTcpServer> m_server;
     Script m_script;
     QList<QByteArray> m_requests;
 };
