@@ -4,7 +4,10 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
+
+#include <cerrno>
+#include <cstdio>
+#include <unistd.h>
 
 namespace {
 
@@ -29,32 +32,24 @@ QString WriteWorkFile(QFile& source, const QString& path, KepsText& text) {
         if (work.write(converted) != converted.size())
             return work.errorString();
     }
-    work.close();
-    return work.error() == QFileDevice::NoError ? QString() : work.errorString();
+    // On the disk before it takes another file's place: a power cut must not find an empty file there.
+    if (!work.flush())
+        return work.errorString();
+    return fsync(work.handle()) == 0 ? QString() : qt_error_string(errno);
 }
 
-// Copies a file over another, which is replaced whole or not at all; the reason when that fails.
+// Moves a finished file to where another may be, which is replaced in one step; the reason when that fails.
 QString Install(const QString& from, const QString& to) {
-    QFile source(from);
-    if (!source.open(QIODevice::ReadOnly))
-        return source.errorString();
-    QSaveFile target(to);
-    if (!target.open(QIODevice::WriteOnly))
-        return target.errorString();
-    while (!source.atEnd()) {
-        const QByteArray piece = source.read(pieceSize);
-        if (piece.isEmpty())
-            return source.errorString();
-        if (target.write(piece) != piece.size())
-            return target.errorString();
-    }
-    // commit() alone would put a file in place that the disk has taken only in part.
-    if (!target.flush() || target.size() != source.size()) {
-        QString reason = target.errorString();
-        target.cancelWriting();
-        return reason;
-    }
-    return target.commit() ? QString() : target.errorString();
+    const bool isMoved =
+        std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    return isMoved ? QString() : qt_error_string(errno);
+}
+
+// Moves a page out of the Keps folder, which may lie on another disk; the reason when that fails.
+QString PutAside(const QString& from, const QString& to) {
+    QFile::remove(to);
+    QFile page(from);
+    return page.rename(to) ? QString() : page.errorString();
 }
 
 } // namespace
@@ -90,8 +85,9 @@ KepsConversion ConvertKepsFile(const ProgramFolder& folder, const QString& sourc
     KepsText text;
     QString reason = WriteWorkFile(file, work, text);
     if (reason.isEmpty())
-        reason = Install(work, text.IsHtml() ? htmlCopy : folder.KepsFolder() + QDir::separator() + name);
-    QFile::remove(work);
+        reason = text.IsHtml() ? PutAside(work, htmlCopy)
+                               : Install(work, folder.KepsFolder() + QDir::separator() + name);
+    QFile::remove(work); // where it could not be moved
     if (!reason.isEmpty())
         return Failed(reason);
     if (!text.IsHtml())

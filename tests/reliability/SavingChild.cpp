@@ -3,15 +3,22 @@
 // SavingChild FOLDER        saves, logs and stores elements until it is killed; prints each number as soon as
 //                           the log has taken its line
 // SavingChild FOLDER once   does each once, and prints what could not be saved
+// SavingChild FOLDER fetch ADDRESS        downloads elements from ADDRESS over and over until it is killed or
+// fails;
+//                                         prints what the download's status box and messages say
+// SavingChild FOLDER fetch ADDRESS once   does it once
 
 #include "foundation/Clock.h"
 #include "foundation/ProgramFolder.h"
 #include "foundation/clsIni.h"
 #include "keps/ConvertKepsFile.h"
+#include "keps/DownloadSequence.h"
+#include "keps/HttpTransfer.h"
 #include "station/TrafficLog.h"
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QTimer>
 
 #include <csignal>
 #include <cstdio>
@@ -47,6 +54,26 @@ void StoreElements(const ProgramFolder& folder, int round) {
         Say("elements: " + stored.error.toUtf8());
 }
 
+int Fetch(const ProgramFolder& folder, clsIni& ini, const QString& address, bool once) {
+    HttpTransfer inet;
+    DownloadSequence sequence(inet, ini, folder);
+    sequence.findChild<QTimer*>(QStringLiteral("Timer1"))->setInterval(0);
+    const auto say = [](const QString& text) {
+        Say(text.toUtf8());
+        if (text.startsWith(u"Error - "))
+            QCoreApplication::exit(1);
+    };
+    const auto again = [&] { sequence.Download({address, {}}); };
+    QObject::connect(&sequence, &DownloadSequence::Status, say);
+    QObject::connect(&sequence, &DownloadSequence::Message, say);
+    if (once)
+        QObject::connect(&sequence, &DownloadSequence::Finished, &QCoreApplication::quit);
+    else
+        QObject::connect(&sequence, &DownloadSequence::Finished, &sequence, again, Qt::QueuedConnection);
+    QTimer::singleShot(0, &sequence, again);
+    return QCoreApplication::exec();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -54,10 +81,12 @@ int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN); // as the program does
     const QStringList arguments = QCoreApplication::arguments();
     const ProgramFolder folder(arguments.value(1), QStringLiteral("QiranDecode"));
-    const bool once = arguments.size() > 2;
+    const bool once = arguments.last() == u"once";
     const Clock clock;
     clsIni ini(folder.IniFile());
     ini.SetWriteFailed([](const QString&, const QString& reason) { Say("settings: " + reason.toUtf8()); });
+    if (arguments.value(2) == u"fetch")
+        return Fetch(folder, ini, arguments.value(3), once);
     TrafficLog log(ini, clock, folder);
     if (!once)
         log.ToggleLogging();

@@ -16,12 +16,16 @@ import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 import rig  # noqa: E402
+from elements import ElementServer, stored  # noqa: E402
 from engine import Engine  # noqa: E402
 
 CHILD, PROGRAM = sys.argv[1:3]
 MOMENTS = 300 if os.environ.get("QIRAN_LONG") else 60
 SEED = int(os.environ.get("QIRAN_SEED", random.randrange(2**31)))
 KEYS = 40
+FETCHED = {stored(number) for number in range(26)}
+# What a kill may leave in the program folder while it downloads; the help names them all.
+DOWNLOAD_FILES = r"(QiranDecode\.INI(\.\w{6})?|Keps|Keps/amateur\.txt|tempkeps\.\$\$\$|Keps/TEMPKEPS\.\$\$\$)"
 ELEMENTS = {(letter.encode() * 68 + b"\r\n") * 3000 for letter in "ABCDEFGHIJKLMNOPQRSTUVWXYZ"}
 
 
@@ -67,6 +71,33 @@ class KillTest(unittest.TestCase):
             for number in shown:
                 self.assertEqual(logged[int(number)], b"line " + number, where)
         print(f"{kills} kills while saving, seed {SEED}")
+
+    def names(self):
+        return {str(path.relative_to(self.folder)) for path in self.folder.rglob("*")}
+
+    def test_a_process_that_downloads_leaves_the_old_file_or_the_new_one(self):
+        (self.folder / "Keps").mkdir()
+        elements = self.folder / "Keps" / "amateur.txt"
+        elements.write_bytes(stored(0))
+        with ElementServer() as server:
+            for moment in range(MOMENTS):
+                server.pause = 0.002 * (moment % 2)  # a slow one is killed while it sends, a fast one while it stores
+                before = server.requests
+                with subprocess.Popen([CHILD, self.folder, "fetch", server.address], stdout=subprocess.DEVNULL) as child:
+                    rig.wait_for(lambda start=before: server.requests > start, "it asks", alive=child)
+                    time.sleep(self.random.uniform(0.0, 0.1))
+                    child.kill()
+                where = f"moment {moment}, seed {SEED}"
+                self.assertIn(elements.read_bytes(), FETCHED, where)
+                for name in self.names():
+                    self.assertRegex(name, f"^{DOWNLOAD_FILES}$", where)
+            self.assertGreater(server.cut, 0, "no kill hit a file on its way")
+            done = subprocess.run([CHILD, self.folder, "fetch", server.address, "once"], stdout=subprocess.PIPE, check=True)
+            self.assertIn(b"The Keps have been downloaded.", done.stdout)
+            self.assertEqual(elements.read_bytes(), stored(server.requests - 1))
+            self.assertEqual({name for name in self.names() if not name.startswith("QiranDecode.INI")},
+                             {"Keps", "Keps/amateur.txt"})
+            print(f"{MOMENTS} kills while downloading, {server.cut} of them with a file on its way, seed {SEED}")
 
     def test_the_program_leaves_settings_and_log_whole_and_starts_again(self):
         port = rig.free_port()
