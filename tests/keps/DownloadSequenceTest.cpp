@@ -100,9 +100,12 @@ private Q_SLOTS:
         QVERIFY(Timer1().isActive());
         QVERIFY(Timer1().isSingleShot());
         QCOMPARE(Keps("first.txt"), Stored());
+        const int before = m_inet->cancelled;
         NextFile();
+        QCOMPARE(m_inet->cancelled, before + 1); // the transfer is over before the next begins
         m_inet->Complete(Elements());
         NextFile();
+        QCOMPARE(m_inet->cancelled, before + 2);
         QCOMPARE(m_lines, (QStringList{QStringLiteral("Getting first.txt"),
                                        QStringLiteral("first.txt has been downloaded"),
                                        QStringLiteral("\r\nGetting second.txt"),
@@ -188,10 +191,21 @@ private Q_SLOTS:
         QVERIFY(!HasWorkFiles());
     }
 
+    void SecondFileThatCannotBeStoredKeepsTheResultOfTheFirst() {
+        QVERIFY(QDir().mkpath(m_folder->KepsFolder() + QStringLiteral("/second.txt")));
+        Download(one, two);
+        m_inet->Complete(Elements());
+        NextFile();
+        m_inet->Complete(Elements());
+        NextFile();
+        QVERIFY(m_messages.last().first.contains(u"\r\nFile 2 - The file could not be stored: "));
+        QVERIFY(m_sequence->Result());
+    }
+
     void DownloadAfterAnErrorStartsAfresh() {
         Download(one, "");
         m_inet->Fail(500, QStringLiteral("Internal Server Error"));
-        Download(one, "");
+        Download("", two);
         m_inet->Complete(Elements());
         NextFile();
         QCOMPARE(m_messages.last().first, QStringLiteral("The Keps have been downloaded."));

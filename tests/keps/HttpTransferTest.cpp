@@ -116,6 +116,14 @@ private Q_SLOTS:
         QVERIFY(secure.Requests().first().startsWith('\x16')); // the greeting of TLS
     }
 
+    void HostAfterARedirectionIsTheNewOne() {
+        ScriptedServer server({ScriptedServer::Http("200 OK", "elements")});
+        ScriptedServer old({ScriptedServer::Redirection(server.Url())});
+        Get(old.Url().replace(QStringLiteral("127.0.0.1"), QStringLiteral("localhost")));
+        QCOMPARE(m_states.last(), 12);
+        QCOMPARE(m_transfer->RemoteHost(), QStringLiteral("127.0.0.1"));
+    }
+
     void TenRedirectionsAreFollowedElevenAreNot() {
         for (int last : {10, 11}) {
             int count = 0;
@@ -162,6 +170,19 @@ private Q_SLOTS:
             QCOMPARE(m_states.last(), 12);
             QCOMPARE(Body(), page);
         }
+    }
+
+    void PartOfAFileIsAnError() {
+        ScriptedServer server({ScriptedServer::Http("206 Partial Content", QByteArray(500, 'x'))});
+        Get(server.Url());
+        QCOMPARE(ErrorText(), QStringLiteral("206 Partial Content"));
+    }
+
+    void ReasonOfAStrangerIsOneShortLine() {
+        ScriptedServer server({ScriptedServer::Http("403 go\t\t \x0B away" + QByteArray(5000, '!'), "text")});
+        Get(server.Url());
+        QVERIFY2(ErrorText().startsWith(u"403 go away!!"), qPrintable(ErrorText()));
+        QCOMPARE(m_transfer->ResponseInfo().size(), 200);
     }
 
     void CutBodyIsAnErrorAtEveryByte() {
@@ -299,6 +320,12 @@ private Q_SLOTS:
         QCOMPARE(m_states.last(2), (QList<int>{10, 11}));
     }
 
+    void StandstillIsThirtySecondsLong() {
+        const auto* standstill = m_transfer->findChild<QTimer*>();
+        QVERIFY(standstill->isSingleShot());
+        QCOMPARE(standstill->intervalAsDuration(), 30s);
+    }
+
     void TransferThatStopsInTheMiddleIsAnError() {
         ScriptedServer server({ScriptedServer::Http("200 OK", QByteArray(100, 'x')).chopped(50), false});
         m_transfer->SetStandstill(200ms);
@@ -349,6 +376,13 @@ private Q_SLOTS:
         Get(server.Url(QStringLiteral("/b\u00FC cher.txt")));
         QCOMPARE(m_states.last(), 12);
         QVERIFY(server.Requests().last().startsWith("GET /b%C3%BC%20cher.txt HTTP/1.1\r\n"));
+    }
+
+    void AddressWithPortIsAskedThere() {
+        ScriptedServer server({ScriptedServer::Http("200 OK", "elements")});
+        Get(server.Url());
+        QCOMPARE(m_states.last(), 12);
+        QVERIFY(server.Requests().last().contains("\r\nHost: " + server.Address().toLatin1() + "\r\n"));
     }
 
     void QueryReachesTheServer() {

@@ -3,6 +3,7 @@
 
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -24,6 +25,24 @@ def call(*command, **options):
     if done.returncode != 0:
         raise AssertionError(f"{command} ended with {done.returncode}:\n{done.stdout}{done.stderr}")
     return done.stdout
+
+
+def needed_packages(depends):
+    """All packages of this machine that come with these dependencies, as "a (>= 1), b | c" names them."""
+    form = "${Package}\t${Provides}\t${Pre-Depends}, ${Depends}\n"
+    packages = [line.split("\t") for line in call("dpkg-query", "--show", "--showformat", form).splitlines()]
+    names = lambda text: [word.split()[0].split(":")[0] for word in re.split("[,|]", text) if word.strip()]  # noqa: E731
+    needs, providers = {}, {}
+    for package, provides, wants in packages:
+        needs[package] = names(wants)
+        for name in [package, *names(provides)]:
+            providers.setdefault(name, []).append(package)
+    found, waiting = set(), names(depends)
+    while waiting:
+        new = set(providers.get(waiting.pop(), ())) - found
+        found |= new
+        waiting += [name for package in new for name in needs[package]]
+    return found
 
 
 def files_of(folder):
@@ -105,6 +124,16 @@ class Packages(unittest.TestCase):
         depends = next(line for line in fields.splitlines() if line.startswith("Depends: "))
         for library in ("libqt6widgets6", "libqt6network6", "libqt6printsupport6", "libc6"):
             self.assertIn(library, depends)
+
+    def test_the_package_brings_everything_that_the_program_loads_while_it_runs(self):
+        found = needed_packages(call("dpkg-deb", "--field", self.debian, "Depends").strip())
+        self.assertIn("libqt6widgets6", found)
+        plugins = pathlib.Path(call("qmake6", "-query", "QT_INSTALL_PLUGINS").strip())
+        for file in (plugins / "platforms/libqxcb.so", plugins / "imageformats/libqgif.so",
+                     plugins / "printsupport/libcupsprintersupport.so", plugins / "tls/libqopensslbackend.so",
+                     pathlib.Path("/usr/sbin/update-ca-certificates")):
+            owner = call("dpkg-query", "--search", file).split(":")[0]
+            self.assertIn(owner, found, file)
 
     def test_the_package_holds_plain_files_owned_by_root_that_nobody_else_may_write(self):
         for line in call("dpkg-deb", "--contents", self.debian).splitlines():
