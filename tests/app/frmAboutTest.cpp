@@ -26,7 +26,7 @@ private Q_SLOTS:
     void itSaysWhatTheProgramIsAndWhereMoreIsFound() {
         const frmAbout window(nullptr);
         QCOMPARE(TextOf(window, "labTitle"), u"QIRAN Telemetry Decoder"_s);
-        QVERIFY(TextOf(window, "labVersion").contains(u"2.4.2"_s));
+        QCOMPARE(TextOf(window, "labVersion"), u"Version 2.4 revision 2"_s);
         QVERIFY(TextOf(window, "labPurpose").contains(u"decodes the satellite's telemetry"_s));
         QVERIFY(TextOf(window, "labHelp").contains(u"press F1"_s));
         QVERIFY(TextOf(window, "labHelp").contains(u"Help Contents"_s));

@@ -1,5 +1,6 @@
 #include "foundation/HelpTopics.h"
 #include "foundation/HelpWindow.h"
+#include "support/Screenshots.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -172,6 +173,15 @@ private Q_SLOTS:
         QVERIFY(chapters.contains(QStringLiteral("First start")));
         QVERIFY(chapters.contains(QStringLiteral("Every message, and what to do")));
         QVERIFY(chapters.contains(QStringLiteral("Every file in the program folder")));
+    }
+
+    void Pictures() {
+        for (const char* topic : {"frmQIRAN", "frmDownload", "formula", "messages"}) {
+            m_window->Open({QString::fromLatin1(topic)});
+            QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+            Screenshots::Take(*m_window, QStringLiteral("frmHelp-") + QString::fromLatin1(topic));
+        }
+        m_window->close();
     }
 
     void TagsAreClosedInTheirOrder() {

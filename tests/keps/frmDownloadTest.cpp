@@ -5,6 +5,7 @@
 #include "keps/HttpTransfer.h"
 #include "keps/ScriptedServer.h"
 #include "support/RecordingPresenter.h"
+#include "support/Screenshots.h"
 
 #include <QDir>
 #include <QFile>
@@ -101,6 +102,18 @@ private Q_SLOTS:
             const QPoint off =
                 m_window->frameGeometry().center() - m_window->screen()->availableGeometry().center();
             QVERIFY(off.manhattanLength() < 60);
+        });
+    }
+
+    void Pictures() {
+        Save("FILE_2", QStringLiteral("celestrak.org/NORAD/elements/gp.php?CATNR=25544&FORMAT=tle"));
+        Run([&] {
+            QTest::keyClick(&The<QLineEdit>("txtFile0"), Qt::Key_Return);
+            for (int state = 1; state <= 8; ++state)
+                m_inet.Raise(state);
+            m_inet.Fail(403, QStringLiteral("Forbidden"));
+            QVERIFY(Status().endsWith(u"Error - 403 Forbidden\n"));
+            Screenshots::Take(*m_window, QStringLiteral("frmDownload"));
         });
     }
 
