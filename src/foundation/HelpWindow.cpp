@@ -31,6 +31,7 @@ namespace {
 constexpr qint64 largestFile = 64 * 1024 * 1024;
 constexpr int lowestHeading = 3; // in the contents
 constexpr int positionRole = Qt::UserRole;
+constexpr QSize smallestSize(880, 480); // for the longest lines of the document
 
 // Shows nothing but what the document itself holds.
 class Page : public QTextBrowser {
@@ -43,6 +44,13 @@ public:
         return QByteArray(); // an answer, so that nobody looks further
     }
 };
+
+// Dark desktops do not always name a colour for links that can be read on their ground.
+QColor LinkColour(const QPalette& palette) {
+    const QColor link = palette.color(QPalette::Link);
+    const bool isDark = palette.color(QPalette::Base).lightness() < 128;
+    return isDark && link.lightness() < 160 ? QColor(0x6c, 0xb4, 0xff) : link;
+}
 
 QPushButton* Button(QWidget* parent, const QString& name, const QString& caption) {
     auto* button = new QPushButton(caption, parent);
@@ -127,6 +135,8 @@ void HelpWindow::Load(const QString& file) {
                "back into this folder, and open the help again.")
                 .arg(file));
     } else {
+        m_page->document()->setDefaultStyleSheet(
+            QStringLiteral("a { color: %1; }").arg(LinkColour(palette()).name()));
         m_page->setHtml(QString::fromUtf8(document.readAll()));
     }
     ReadTopics();
@@ -135,13 +145,15 @@ void HelpWindow::Load(const QString& file) {
 
 void HelpWindow::Open(const QStringList& topics) {
     if (!testAttribute(Qt::WA_Resized)) {
-        const QRect screenArea = screen()->availableGeometry();
+        const QRect area = screen()->availableGeometry();
         const HelpPlacement place;
         const int unit = HelpPlacement::unitsOfScreen;
-        resize(std::max(720, screenArea.width() * place.width / unit),
-               std::max(480, screenArea.height() * place.height / unit));
-        move(screenArea.left() + screenArea.width() * place.left / unit,
-             screenArea.top() + screenArea.height() * place.top / unit);
+        const QSize size = QSize(area.width() * place.width / unit, area.height() * place.height / unit)
+                               .expandedTo(smallestSize)
+                               .boundedTo(area.size());
+        resize(size);
+        move(std::min(area.left() + area.width() * place.left / unit, area.right() + 1 - size.width()),
+             std::min(area.top() + area.height() * place.top / unit, area.bottom() + 1 - size.height()));
     }
     // A dialog that stands over everything would keep the user from reading; as its child the help is free.
     winId();
@@ -172,6 +184,20 @@ void HelpWindow::keyPressEvent(QKeyEvent* event) {
         Print();
     else
         QWidget::keyPressEvent(event);
+}
+
+void HelpWindow::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange || m_file.isEmpty())
+        return;
+    // The document took its colours when it was read.
+    const int position = m_page->cursorForPosition(QPoint(1, 1)).position();
+    const QList<int> trail = m_trail;
+    m_stamp = {};
+    Load(m_file);
+    GoTo(position);
+    m_trail = trail;
+    m_back->setEnabled(!trail.isEmpty());
 }
 
 void HelpWindow::ReadTopics() {

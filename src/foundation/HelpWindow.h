@@ -33,6 +33,7 @@ public:
     bool HasTopic(const QString& name) const { return m_topics.contains(name); }
 
 protected:
+    void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:

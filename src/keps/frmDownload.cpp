@@ -67,7 +67,7 @@ void frmDownload::LayOut() {
     for (int i = 0; i < 2; ++i) {
         QLineEdit* field = txtFile[static_cast<std::size_t>(i)];
         field->setObjectName(QStringLiteral("txtFile%1").arg(i));
-        field->setMinimumWidth(field->fontMetrics().averageCharWidth() * 60);
+        field->setMinimumWidth(field->fontMetrics().averageCharWidth() * 72);
         field->setToolTip(tr("The address of an element file, without http://"));
         SelectAllOnFocus(field);
         auto* label = new QLabel(i == 0 ? tr("File &1:   http://") : tr("File &2:   http://"), this);

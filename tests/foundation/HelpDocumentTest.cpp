@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QTest>
 #include <QTextBrowser>
 #include <QTreeWidget>
@@ -173,6 +174,14 @@ private Q_SLOTS:
         QVERIFY(chapters.contains(QStringLiteral("First start")));
         QVERIFY(chapters.contains(QStringLiteral("Every message, and what to do")));
         QVERIFY(chapters.contains(QStringLiteral("Every file in the program folder")));
+    }
+
+    void EveryLineFitsTheWindow() {
+        m_window->Open({});
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        auto* page = m_window->findChild<QTextBrowser*>(QStringLiteral("txtHelp"));
+        m_window->resize(880, 480);
+        QTRY_COMPARE(page->horizontalScrollBar()->maximum(), 0);
     }
 
     void Pictures() {

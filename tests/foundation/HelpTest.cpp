@@ -88,6 +88,7 @@ private Q_SLOTS:
     void picturesInsideAreShownAndNothingElseIsLoaded();
     void missingFileIsSaidInTheWindow();
     void changedFileIsReadAgain();
+    void linksCanBeReadOnAnyGround();
     void escapeClosesTheHelp();
     void f1OpensTheTopicOfTheFieldElseOfItsParentsElseTheContents();
     void f1WorksWithoutAnyFocus();
@@ -257,6 +258,26 @@ void HelpTest::changedFileIsReadAgain() {
     help.Load(m_file);
     QVERIFY(help.HasTopic(u"new"_s));
     QVERIFY(!help.HasTopic(u"messages"_s));
+}
+
+void HelpTest::linksCanBeReadOnAnyGround() {
+    const QPalette before = QApplication::palette();
+    HelpWindow help;
+    help.Load(m_file);
+    help.Open({u"txtHostAddr"_s});
+    const auto colour = [&] {
+        const QTextDocument* page = help.findChild<QTextBrowser*>(u"txtHelp"_s)->document();
+        return page->find(u"host"_s).charFormat().foreground().color();
+    };
+    QCOMPARE(colour(), before.color(QPalette::Link));
+
+    QPalette dark = Screenshots::DarkPalette();
+    dark.setColor(QPalette::Link, Qt::blue); // as on desktops that name no colour for links
+    QApplication::setPalette(dark);
+    QTRY_VERIFY(colour().lightness() > 160);
+    QCOMPARE(TopLine(help), u"Host address"_s);
+    QApplication::setPalette(before);
+    QTRY_COMPARE(colour(), before.color(QPalette::Link));
 }
 
 void HelpTest::escapeClosesTheHelp() {

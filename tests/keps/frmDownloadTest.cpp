@@ -93,16 +93,23 @@ private Q_SLOTS:
             QTRY_COMPARE(The<QLineEdit>("txtFile1").selectedText(), QStringLiteral("b.org/b.txt"));
             QTest::keyClick(&The<QLineEdit>("txtFile1"), Qt::Key_Backtab);
             QTRY_COMPARE(The<QLineEdit>("txtFile0").selectedText(), The<QLineEdit>("txtFile0").text());
+            QTest::mouseClick(&The<QLineEdit>("txtFile1"), Qt::LeftButton);
+            QTRY_COMPARE(The<QLineEdit>("txtFile1").selectedText(), QStringLiteral("b.org/b.txt"));
         });
     }
 
-    void DialogIsModalAndCentred() {
+    void DialogIsModalAndCentredOnTheScreenWhereverItsOwnerStands() {
+        QWidget owner;
+        owner.setGeometry(0, 0, 200, 100);
+        owner.show();
+        m_window = std::make_unique<frmDownload>(*m_folder, *m_ini, m_messages, m_inet, &owner);
         Run([&] {
             QVERIFY(m_window->isModal());
             const QPoint off =
                 m_window->frameGeometry().center() - m_window->screen()->availableGeometry().center();
             QVERIFY(off.manhattanLength() < 60);
         });
+        m_window.reset();
     }
 
     void Pictures() {
