@@ -218,18 +218,23 @@ private Q_SLOTS:
 
     void WrongContentLengthIsAnError_data() {
         QTest::addColumn<QByteArray>("length");
-        QTest::newRow("too long") << QByteArray("200");
-        QTest::newRow("no number") << QByteArray("many");
-        QTest::newRow("negative") << QByteArray("-5");
-        QTest::newRow("two numbers") << QByteArray("100, 200");
-        QTest::newRow("beyond 64 bits") << QByteArray("99999999999999999999999");
+        QTest::addColumn<QString>("error");
+        const QString senseless = QStringLiteral("399 The server announced no sensible length");
+        QTest::newRow("too long") << QByteArray("200") << QStringLiteral("2 ");
+        QTest::newRow("no number") << QByteArray("many") << senseless;
+        QTest::newRow("negative") << QByteArray("-5") << senseless;
+        QTest::newRow("minus one") << QByteArray("-1") << senseless;
+        QTest::newRow("two numbers") << QByteArray("100, 200") << senseless;
+        QTest::newRow("beyond 64 bits") << QByteArray("99999999999999999999999") << senseless;
     }
     void WrongContentLengthIsAnError() {
         QFETCH(QByteArray, length);
+        QFETCH(QString, error);
         ScriptedServer server(
             {ScriptedServer::Http("200 OK", QByteArray(100, 'x'), "Content-Length: " + length + "\r\n")});
         Get(server.Url());
         QCOMPARE(m_states.last(), 11);
+        QVERIFY2(ErrorText().startsWith(error), qPrintable(ErrorText()));
         QVERIFY(Body().isEmpty());
     }
 
@@ -302,6 +307,15 @@ private Q_SLOTS:
         Get(silent.Url());
         QCOMPARE(ErrorText(), QStringLiteral("299 The file is larger than 64 MiB"));
         QVERIFY(Body().isEmpty());
+    }
+
+    void FileThatIsAnnouncedAbove64MiBIsNotWaitedFor() {
+        ScriptedServer server(
+            {ScriptedServer::Http("200 OK", "the first bytes",
+                                  "Content-Length: " + QByteArray::number(65 * 1024 * 1024) + "\r\n"),
+             false});
+        Get(server.Url());
+        QCOMPARE(ErrorText(), QStringLiteral("299 The file is larger than 64 MiB"));
     }
 
     void FileOf64MiBCompletes() {
