@@ -111,6 +111,13 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(KepsFiles::Work(*m_folder)));
     }
 
+    void OlderHtmlIsReplaced() {
+        QVERIFY(Convert("<html>" + QByteArray(200, 'x')).converted);
+        QVERIFY(Convert("<html>" + QByteArray(100, 'y')).converted);
+        QCOMPARE(Read(m_folder->File(QStringLiteral("File1.HTML"))),
+                 QByteArray("<html>" + QByteArray(100, 'y')));
+    }
+
     void HtmlTagAcrossThePieceBoundaryIsFound() {
         for (qsizetype at = 8180; at <= 8194; ++at) {
             const KepsConversion conversion = Convert(QByteArray(at, 'x') + "<html>" + QByteArray(50, 'y'));

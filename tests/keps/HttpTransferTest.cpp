@@ -175,6 +175,7 @@ private Q_SLOTS:
     void PartOfAFileIsAnError() {
         ScriptedServer server({ScriptedServer::Http("206 Partial Content", QByteArray(500, 'x'))});
         Get(server.Url());
+        QCOMPARE(m_states.last(), 11);
         QCOMPARE(ErrorText(), QStringLiteral("206 Partial Content"));
     }
 
