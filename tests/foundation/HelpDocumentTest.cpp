@@ -4,7 +4,6 @@
 
 #include <QFile>
 #include <QRegularExpression>
-#include <QScrollBar>
 #include <QTest>
 #include <QTextBrowser>
 #include <QTreeWidget>
@@ -179,9 +178,10 @@ private Q_SLOTS:
     void EveryLineFitsTheWindow() {
         m_window->Open({});
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-        auto* page = m_window->findChild<QTextBrowser*>(QStringLiteral("txtHelp"));
+        const auto* page = m_window->findChild<QTextBrowser*>(QStringLiteral("txtHelp"));
         m_window->resize(880, 480);
-        QTRY_COMPARE(page->horizontalScrollBar()->maximum(), 0);
+        QVERIFY2(page->document()->size().width() <= page->viewport()->width(),
+                 qPrintable(QString::number(page->document()->size().width())));
     }
 
     void Pictures() {
