@@ -89,6 +89,7 @@ private Q_SLOTS:
     void missingFileIsSaidInTheWindow();
     void changedFileIsReadAgain();
     void linksCanBeReadOnAnyGround();
+    void printAsksForThePrinter();
     void escapeClosesTheHelp();
     void f1OpensTheTopicOfTheFieldElseOfItsParentsElseTheContents();
     void f1WorksWithoutAnyFocus();
@@ -279,6 +280,23 @@ void HelpTest::linksCanBeReadOnAnyGround() {
     QCOMPARE(TopLine(help), u"Host address"_s);
     QApplication::setPalette(before);
     QTRY_COMPARE(colour(), before.color(QPalette::Link));
+}
+
+void HelpTest::printAsksForThePrinter() {
+    HelpWindow help;
+    help.Load(m_file);
+    help.Open({});
+    QString asked;
+    QTimer user;
+    connect(&user, &QTimer::timeout, &user, [&] {
+        if (QWidget* dialog = QApplication::activeModalWidget()) {
+            asked = dialog->objectName();
+            dialog->close();
+        }
+    });
+    user.start(10);
+    help.findChild<QPushButton*>(u"cmdPrint"_s)->click();
+    QCOMPARE(asked, u"dlgPrint"_s);
 }
 
 void HelpTest::escapeClosesTheHelp() {
