@@ -18,6 +18,7 @@ private Q_SLOTS:
     void theInactiveEntriesAreGreyed();
     void onlyShowQiranTwiceRestoresMarkAndSetting();
     void useLocalTimeWritesTrueAfterAFirstStart();
+    void useLocalTimeChangesTheTimeOfTheNextPassAtOnce();
     void useLocalTimeHoldsFromTheNextFrame();
     void everyEntryIsReachedByItsAccessKeys_data();
     void everyEntryIsReachedByItsAccessKeys();
@@ -121,6 +122,25 @@ void frmQIRANMenuTest::useLocalTimeWritesTrueAfterAFirstStart() {
     QVERIFY(entry->isChecked());
     QCOMPARE(rig.Get("SETUP", "USE_LOCAL_TIME"), u"TRUE"_s);
     QCOMPARE(rig.Find<QLabel>("labDueCap")->text().remove(u'&'), u"Due (local)"_s);
+}
+
+void frmQIRANMenuTest::useLocalTimeChangesTheTimeOfTheNextPassAtOnce() {
+    MainWindowRig rig;
+    rig.clock.SetOffsetHours(3);
+    rig.folder.Write(u"Keps/amateur.txt"_s,
+                     "TESTSAT\n"
+                     "1 90417U 26001A   26320.00000000  .00000000  00000-0  10000-3 0  9997\n"
+                     "2 90417  51.6400 208.9000 0006700  70.0000  25.0000 15.49560000    16\n");
+    rig.Set("SETUP", "LATITUDE", u"5130.00N"_s);
+    rig.Set("SETUP", "LONGITUDE", u"00030.00W"_s);
+    QVERIFY(rig.Start());
+    rig.window->findChild<QTimer*>(u"Timer1"_s)->stop(); // it would bring the panel up to date by itself
+    const QString utc = rig.Find<QLabel>("labDue")->text();
+    QVERIFY2(utc.contains(u':'), qPrintable(utc));
+    rig.Find<QAction>("mnuUseLocalTime")->trigger();
+    QVERIFY(rig.Find<QLabel>("labDue")->text() != utc);
+    rig.Find<QAction>("mnuUseLocalTime")->trigger();
+    QCOMPARE(rig.Find<QLabel>("labDue")->text(), utc);
 }
 
 void frmQIRANMenuTest::useLocalTimeHoldsFromTheNextFrame() {
