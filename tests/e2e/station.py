@@ -69,11 +69,15 @@ class Program:
         return subprocess.run(["xdotool", *map(str, words)], env=self.environment, capture_output=True, text=True,
                               stdin=subprocess.DEVNULL, timeout=60)
 
+    def windows(self):
+        """The numbers of this program's visible windows that have a caption, with these captions as people see them."""
+        numbers = self.xdotool("search", "--all", "--onlyvisible", "--pid", self.process.pid, "--name", ".").stdout.split()
+        return {number: self.xdotool("getwindowname", number).stdout.rstrip("\n") for number in numbers}
+
     def window(self, title, seconds=20):
-        """Waits for a visible window of this program whose title matches; answers its number."""
+        """Waits for a visible window of this program whose whole caption matches; answers its number."""
         def find():
-            found = self.xdotool("search", "--onlyvisible", "--pid", self.process.pid, "--name", title).stdout.split()
-            return found[-1] if found else None
+            return next((number for number, caption in self.windows().items() if re.fullmatch(title, caption)), None)
         return rig.wait_for(find, f"a window named {title!r}", seconds, alive=self.process)
 
     def activate(self, title):
@@ -87,9 +91,7 @@ class Program:
         return window
 
     def wait_until_gone(self, window):
-        rig.wait_for(lambda: window not in self.xdotool("search", "--onlyvisible", "--pid", self.process.pid, "--name",
-                                                        ".").stdout.split(),
-                     "the window has closed", alive=self.process)
+        rig.wait_for(lambda: window not in self.windows(), "the window has closed", alive=self.process)
 
     def key(self, *keys):
         self.xdotool("key", "--delay", "60", *keys)
