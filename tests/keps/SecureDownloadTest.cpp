@@ -102,7 +102,7 @@ private Q_SLOTS:
         const QSslConfiguration identity = TrustedIdentity();
         ScriptedServer last([](const QByteArray&) { return Elements('l'); }, QHostAddress::LocalHost,
                             Secure(identity));
-        const Answer onwards = RedirectionTo(SecureUrl(last, u"/last.txt"_s));
+        Answer onwards = RedirectionTo(SecureUrl(last, u"/last.txt"_s));
         ScriptedServer secure([&](const QByteArray&) { return onwards; }, QHostAddress::LocalHost,
                               Secure(identity));
         ScriptedServer plain(RedirectionTo(SecureUrl(secure, u"/moved.txt"_s)));
@@ -113,7 +113,7 @@ private Q_SLOTS:
     void RedirectionFromHttpsBackToHttpIsAnErrorAndTheOldFileStays() {
         const QSslConfiguration identity = TrustedIdentity();
         ScriptedServer insecure(Elements('i'));
-        const Answer back = RedirectionTo(insecure.Url());
+        Answer back = RedirectionTo(insecure.Url());
         ScriptedServer secure([&](const QByteArray&) { return back; }, QHostAddress::LocalHost,
                               Secure(identity));
         ScriptedServer plain(RedirectionTo(SecureUrl(secure, u"/moved.txt"_s)));
@@ -141,7 +141,7 @@ private Q_SLOTS:
 
     void UserAndPasswordDoNotFollowToAnotherServer() {
         const QSslConfiguration identity = TrustedIdentity();
-        const Answer challenge{
+        Answer challenge{
             ScriptedServer::Http("401 Unauthorized", "who are you",
                                  "WWW-Authenticate: Basic realm=\"a\"\r\nContent-Length: 11\r\n")};
         ScriptedServer secure([&](const QByteArray&) { return challenge; }, QHostAddress::LocalHost,
