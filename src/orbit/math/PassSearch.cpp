@@ -184,7 +184,7 @@ double Search::TrueExtremum(double time, double from, double to) {
 void Search::Cross(const PathPiece& piece, double from, double to, bool rising) {
     double low = from;
     double high = to;
-    for (int k = 0; k < 30; ++k) {
+    for (int k = 0; k < 16; ++k) {
         const double middle = 0.5 * (low + high);
         ((piece.HeightAt(middle) > 0) == rising ? high : low) = middle;
     }
@@ -228,16 +228,17 @@ void Search::ScanElevation(const PathPiece& piece, double from, double to) {
         return;
     constexpr int parts = 8;
     double before = from;
-    bool growing = SlopeOf(piece.At(from)).first > 0;
+    const ElevationTrend trend(piece);
+    bool growing = trend.IsUpAt(from);
     for (int k = 1; k <= parts; ++k) {
         const double time = from + (to - from) * k / parts;
-        const bool growsHere = SlopeOf(piece.At(time)).first > 0;
+        const bool growsHere = trend.IsUpAt(time);
         if (growing && !growsHere) {
             double low = before;
             double high = time;
-            for (int halvings = 0; halvings < 12; ++halvings) {
+            for (int halvings = 0; halvings < 6; ++halvings) {
                 const double middle = 0.5 * (low + high);
-                (SlopeOf(piece.At(middle)).first > 0 ? low : high) = middle;
+                (trend.IsUpAt(middle) ? low : high) = middle;
             }
             const double candidate = 0.5 * (low + high);
             constexpr double undecided = 0.01;

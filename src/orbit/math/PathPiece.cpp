@@ -6,23 +6,21 @@ namespace orbitmath {
 
 namespace {
 
-/// One step of de Casteljau's scheme after another: the value at x of the polynomial with these coefficients.
+/// De Casteljau's scheme at x down to a row of `left` coefficients, from which on they give the polynomial's
+/// value (the last one) and its derivatives (the differences of the last rows).
 template <typename T, std::size_t N>
-T Value(std::array<T, N> c, double x) {
-    for (std::size_t last = N - 1; last > 0; --last) {
+void Reduce(std::array<T, N>& c, double x, std::size_t row, std::size_t left) {
+    for (std::size_t last = row - 1; last >= left; --last) {
         for (std::size_t k = 0; k < last; ++k)
             c[k] = c[k] + x * (c[k + 1] - c[k]);
     }
-    return c[0];
 }
 
-/// The coefficients of the derivative with respect to x.
+/// The value at x of the polynomial with these coefficients.
 template <typename T, std::size_t N>
-std::array<T, N - 1> Derivative(const std::array<T, N>& c) {
-    std::array<T, N - 1> d;
-    for (std::size_t k = 0; k + 1 < N; ++k)
-        d[k] = static_cast<double>(N - 1) * (c[k + 1] - c[k]);
-    return d;
+T Value(std::array<T, N> c, double x) {
+    Reduce(c, x, N, 1);
+    return c[0];
 }
 
 using Quartic = std::array<double, 5>;
@@ -118,17 +116,23 @@ double PathPiece::Highest() const {
 
 PathPoint PathPiece::At(double time) const {
     const double x = (time - m_start) / m_length;
-    const auto first = Derivative(m_points);
+    std::array<Vector3, 6> c = m_points;
     PathPoint point;
     point.time = time;
-    point.position = Value(m_points, x);
-    point.velocity = 1 / m_length * Value(first, x);
-    point.acceleration = 1 / (m_length * m_length) * Value(Derivative(first), x);
+    Reduce(c, x, 6, 3);
+    point.acceleration = 20 / (m_length * m_length) * (c[2] - 2 * c[1] + c[0]);
+    Reduce(c, x, 3, 2);
+    point.velocity = 5 / m_length * (c[1] - c[0]);
+    Reduce(c, x, 2, 1);
+    point.position = c[0];
     return point;
 }
 
 double PathPiece::HeightAt(double time) const {
-    return Value(m_points, (time - m_start) / m_length).z;
+    std::array<double, 6> heights{};
+    for (std::size_t k = 0; k < heights.size(); ++k)
+        heights[k] = m_points[k].z;
+    return Value(heights, (time - m_start) / m_length);
 }
 
 PathPiece::Extrema PathPiece::HeightExtrema() const {
@@ -140,6 +144,30 @@ PathPiece::Extrema PathPiece::HeightExtrema() const {
     for (std::size_t k = 0; k < found.count; ++k)
         found.times.at(k) = m_start + found.times.at(k) * m_length;
     return found;
+}
+
+ElevationTrend::ElevationTrend(const PathPiece& piece)
+    : m_start(piece.m_start)
+    , m_perLength(1 / piece.m_length)
+    , m_powers(piece.m_points) {
+    constexpr std::array<double, 6> binomial = {1, 5, 10, 10, 5, 1};
+    for (std::size_t order = 1; order < m_powers.size(); ++order) {
+        for (std::size_t k = m_powers.size() - 1; k >= order; --k)
+            m_powers[k] = m_powers[k] - m_powers[k - 1];
+    }
+    for (std::size_t k = 0; k < m_powers.size(); ++k)
+        m_powers[k] = binomial[k] * m_powers[k];
+}
+
+bool ElevationTrend::IsUpAt(double time) const {
+    const double x = (time - m_start) * m_perLength;
+    Vector3 position = m_powers.back();
+    Vector3 along; // the position's derivative
+    for (std::size_t k = m_powers.size() - 1; k > 0; --k) {
+        along = x * along + position;
+        position = x * position + m_powers[k - 1];
+    }
+    return along.z * Dot(position, position) > position.z * Dot(position, along);
 }
 
 ElevationSlope SlopeOf(const PathPoint& point) {

@@ -40,10 +40,26 @@ public:
     Extrema HeightExtrema() const;
 
 private:
+    friend class ElevationTrend;
+
     double m_start = 0;
     double m_length = 0;
     std::array<Vector3, 6> m_points;
     double m_error = 0;
+};
+
+/// Whether the elevation grows along a piece, for being asked often: a polynomial of powers costs less than
+/// Bernstein's.
+class ElevationTrend {
+public:
+    explicit ElevationTrend(const PathPiece& piece);
+
+    bool IsUpAt(double time) const;
+
+private:
+    double m_start;
+    double m_perLength;
+    std::array<Vector3, 6> m_powers; ///< of the part of the way along the piece
 };
 
 /// How fast the sine of the elevation grows at a point, and how fast that does.

@@ -48,7 +48,9 @@ double PieceLength(const StateVector& state) {
         const double beta = std::sqrt(1 - e2);
         const double aside = std::log((1 + beta) / std::sqrt(e2)) - beta;
         for (int k = 0; k < 4; ++k) {
-            const double middle = std::remainder(m + 0.5 * anomaly, twoPi);
+            double middle = m + 0.5 * anomaly;
+            if (middle > 0.5 * twoPi)
+                middle -= twoPi;
             anomaly = std::min(longestAnomaly, ofTheWay * std::sqrt(middle * middle + aside * aside));
         }
         // On the way down the nearest point of trouble is still ahead.
