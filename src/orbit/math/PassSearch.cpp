@@ -191,7 +191,8 @@ void Search::Cross(const PathPiece& piece, double from, double to, bool rising) 
     double time = 0.5 * (low + high);
     low = from;
     high = to;
-    PathPoint crossing = piece.At(time);
+    PathPoint crossing;
+    crossing.position = piece.At(time);
     for (int k = 0; k < 60; ++k) {
         const std::optional<Node> node = m_path.At(time);
         if (!node)
@@ -242,7 +243,8 @@ void Search::ScanElevation(const PathPiece& piece, double from, double to) {
             }
             const double candidate = 0.5 * (low + high);
             constexpr double undecided = 0.01;
-            if (SlopeOf(piece.At(candidate)).sine > m_open->bestSine - undecided)
+            const Vector3 place = piece.At(candidate);
+            if (place.z / Length(place) > m_open->bestSine - undecided)
                 TryHighest(candidate, from, to);
         }
         growing = growsHere;

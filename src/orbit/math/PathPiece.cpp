@@ -6,20 +6,13 @@ namespace orbitmath {
 
 namespace {
 
-/// De Casteljau's scheme at x down to a row of `left` coefficients, from which on they give the polynomial's
-/// value (the last one) and its derivatives (the differences of the last rows).
+/// De Casteljau's scheme: the value at x of the polynomial with these coefficients.
 template <typename T, std::size_t N>
-void Reduce(std::array<T, N>& c, double x, std::size_t row, std::size_t left) {
-    for (std::size_t last = row - 1; last >= left; --last) {
+T Value(std::array<T, N> c, double x) {
+    for (std::size_t last = N - 1; last > 0; --last) {
         for (std::size_t k = 0; k < last; ++k)
             c[k] = c[k] + x * (c[k + 1] - c[k]);
     }
-}
-
-/// The value at x of the polynomial with these coefficients.
-template <typename T, std::size_t N>
-T Value(std::array<T, N> c, double x) {
-    Reduce(c, x, N, 1);
     return c[0];
 }
 
@@ -114,18 +107,8 @@ double PathPiece::Highest() const {
     return greatest;
 }
 
-PathPoint PathPiece::At(double time) const {
-    const double x = (time - m_start) / m_length;
-    std::array<Vector3, 6> c = m_points;
-    PathPoint point;
-    point.time = time;
-    Reduce(c, x, 6, 3);
-    point.acceleration = 20 / (m_length * m_length) * (c[2] - 2 * c[1] + c[0]);
-    Reduce(c, x, 3, 2);
-    point.velocity = 5 / m_length * (c[1] - c[0]);
-    Reduce(c, x, 2, 1);
-    point.position = c[0];
-    return point;
+Vector3 PathPiece::At(double time) const {
+    return Value(m_points, (time - m_start) / m_length);
 }
 
 double PathPiece::HeightAt(double time) const {

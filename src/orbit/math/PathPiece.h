@@ -29,7 +29,7 @@ public:
     /// derivative lacks at the ends.
     double Error() const { return m_error; }
 
-    PathPoint At(double time) const; ///< `upJerk` stays 0
+    Vector3 At(double time) const; ///< the place
     double HeightAt(double time) const;
 
     /// The times between the ends at which the height is greatest or least nearby: up to four.
