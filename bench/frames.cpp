@@ -5,21 +5,21 @@
 //
 //   frames [FRAMES]     ends with 1 when a ratio or a pace misses its mark
 
-#include "foundation/Clock.h"
-#include "foundation/ProgramFolder.h"
-#include "foundation/clsIni.h"
-#include "foundation/mb.h"
-#include "link/MERAGW.h"
+#include "foundation/messages/mb.h"
+#include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/clsIni.h"
+#include "foundation/text/Clock.h"
 #include "link/UnprotoLink.h"
-#include "station/Station.h"
-#include "station/frmTerm.h"
-#include "telemetry/ByteViews.h"
-#include "telemetry/FormulaTable.h"
-#include "telemetry/FrameIntake.h"
-#include "telemetry/MonitorPane.h"
-#include "telemetry/SecondTime.h"
-#include "telemetry/TelemetryGridView.h"
-#include "telemetry/TipCell.h"
+#include "link/agwpe/MERAGW.h"
+#include "station/identity/Station.h"
+#include "station/terminal/frmTerm.h"
+#include "telemetry/calibration/FormulaTable.h"
+#include "telemetry/frames/ByteViews.h"
+#include "telemetry/grids/TelemetryGridView.h"
+#include "telemetry/grids/TipCell.h"
+#include "telemetry/monitor/FrameIntake.h"
+#include "telemetry/monitor/MonitorPane.h"
+#include "telemetry/monitor/SecondTime.h"
 
 #include <QApplication>
 #include <QHBoxLayout>

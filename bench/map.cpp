@@ -1,8 +1,8 @@
 // What one tick of the ground-track map costs, at 1080 by 540 pixels.
 
-#include "foundation/Clock.h"
-#include "orbit/MapPicture.h"
-#include "orbit/math/KVRSatLib.h"
+#include "foundation/text/Clock.h"
+#include "orbit/map/MapPicture.h"
+#include "orbit/service/KVRSatLib.h"
 
 #include <QApplication>
 #include <QPainter>

@@ -32,15 +32,25 @@ elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     target_compile_definitions(qiran_flags INTERFACE _FORTIFY_SOURCE=2)
 endif()
 
-# qiran_floor(NAME [LOGIC files...] [WINDOWS files...] [STANDS_ON floors...] [QT modules...])
+# qiran_floor(NAME [PLAIN files...] [LOGIC files...] [WINDOWS files...] [STANDS_ON floors...] [QT modules...]
+#             [LIBRARIES targets...])
 #
-# One floor of the program: library NAME with its rules (Qt Core and the modules in QT; no windows) and, when it
-# has any, library NAME_windows. A floor sees the floors named in STANDS_ON, windows see the windows below.
+# One floor of the program, in up to three libraries: NAME_plain on the standard library alone (optimised in every
+# build: its tests take millions of its steps), NAME with the rest of its rules (Qt Core and the modules in QT; no
+# windows) and NAME_windows. Each sees the one before it. STANDS_ON names every floor that this one includes from;
+# tools/floors holds the two against each other. Windows see the windows below.
 function(qiran_floor NAME)
-    cmake_parse_arguments(PARSE_ARGV 1 FLOOR "" "" "LOGIC;WINDOWS;STANDS_ON;QT")
+    cmake_parse_arguments(PARSE_ARGV 1 FLOOR "" "" "PLAIN;LOGIC;WINDOWS;STANDS_ON;QT;LIBRARIES")
     add_library(${NAME} STATIC ${FLOOR_LOGIC})
     list(TRANSFORM FLOOR_QT PREPEND Qt6:: OUTPUT_VARIABLE modules)
-    target_link_libraries(${NAME} PUBLIC qiran_flags Qt6::Core ${modules} ${FLOOR_STANDS_ON})
+    target_link_libraries(${NAME} PUBLIC qiran_flags Qt6::Core ${modules} ${FLOOR_STANDS_ON} ${FLOOR_LIBRARIES})
+    if(FLOOR_PLAIN)
+        add_library(${NAME}_plain STATIC ${FLOOR_PLAIN})
+        set_target_properties(${NAME}_plain PROPERTIES AUTOMOC OFF)
+        target_link_libraries(${NAME}_plain PUBLIC qiran_flags)
+        target_compile_options(${NAME}_plain PRIVATE $<$<CONFIG:Debug>:-O2>)
+        target_link_libraries(${NAME} PUBLIC ${NAME}_plain)
+    endif()
     if(FLOOR_WINDOWS)
         add_library(${NAME}_windows STATIC ${FLOOR_WINDOWS})
         set(below)
@@ -104,16 +114,6 @@ function(qiran_fuzz NAME)
     )
     math(EXPR patience "${QIRAN_FUZZ_SECONDS} + 120")
     set_tests_properties(${NAME} PROPERTIES LABELS fuzz TIMEOUT ${patience} ENVIRONMENT "ASAN_OPTIONS=quarantine_size_mb=16:malloc_context_size=2")
-endfunction()
-
-# qiran_plain_library(NAME files...)
-#
-# A library on the standard library alone. Optimised in every build: its tests take millions of its steps.
-function(qiran_plain_library NAME)
-    add_library(${NAME} STATIC ${ARGN})
-    set_target_properties(${NAME} PROPERTIES AUTOMOC OFF)
-    target_link_libraries(${NAME} PUBLIC qiran_flags)
-    target_compile_options(${NAME} PRIVATE $<$<CONFIG:Debug>:-O2>)
 endfunction()
 
 # qiran_program(NAME FLOOR name LOGIC files... WINDOWS files... MAIN files... STANDS_ON floors... SHIPPED files...)

@@ -4,7 +4,7 @@
 #include "Input.h"
 #include "Pieces.h"
 #include "Require.h"
-#include "link/AgwFrameReader.h"
+#include "link/agwpe/AgwFrameReader.h"
 
 #include <QtEndian>
 

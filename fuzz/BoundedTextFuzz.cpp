@@ -5,10 +5,10 @@
 
 #include "Input.h"
 #include "Require.h"
-#include "foundation/Text.h"
+#include "foundation/text/Text.h"
 #include "keps/DownloadStatus.h"
-#include "station/TerminalText.h"
-#include "telemetry/MonitorText.h"
+#include "station/terminal/TerminalText.h"
+#include "telemetry/monitor/MonitorText.h"
 
 #include <QCoreApplication>
 

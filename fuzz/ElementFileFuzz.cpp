@@ -4,10 +4,10 @@
 #include "Input.h"
 #include "Require.h"
 #include "ScratchFolder.h"
-#include "orbit/KepsFile.h"
-#include "orbit/PassList.h"
-#include "orbit/math/ElementFile.h"
-#include "orbit/math/KVRSatLib.h"
+#include "orbit/elements/ElementFile.h"
+#include "orbit/elements/KepsFile.h"
+#include "orbit/service/KVRSatLib.h"
+#include "orbit/service/PassList.h"
 
 #include <algorithm>
 #include <cmath>

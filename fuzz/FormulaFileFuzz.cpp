@@ -3,8 +3,8 @@
 #include "Input.h"
 #include "Require.h"
 #include "ScratchFolder.h"
-#include "foundation/mb.h"
-#include "telemetry/FormulaFile.h"
+#include "foundation/messages/mb.h"
+#include "telemetry/calibration/FormulaFile.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include "Input.h"
 #include "Require.h"
-#include "station/LineWrap.h"
+#include "station/terminal/LineWrap.h"
 
 #include <algorithm>
 

@@ -2,10 +2,10 @@
 
 #include "Input.h"
 #include "Require.h"
-#include "foundation/clsIni.h"
-#include "telemetry/DisplayKind.h"
-#include "telemetry/FrameIntake.h"
-#include "telemetry/MonitorHeader.h"
+#include "foundation/settings/clsIni.h"
+#include "telemetry/monitor/DisplayKind.h"
+#include "telemetry/monitor/FrameIntake.h"
+#include "telemetry/monitor/MonitorHeader.h"
 
 #include <algorithm>
 #include <string>

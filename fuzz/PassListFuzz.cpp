@@ -2,7 +2,7 @@
 
 #include "Input.h"
 #include "Require.h"
-#include "orbit/PassList.h"
+#include "orbit/service/PassList.h"
 
 #include <algorithm>
 #include <cmath>

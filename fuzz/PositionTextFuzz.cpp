@@ -5,10 +5,10 @@
 
 #include "Input.h"
 #include "Require.h"
-#include "foundation/QIRUtil.h"
-#include "foundation/Text.h"
-#include "orbit/LatLongText.h"
-#include "station/PositionText.h"
+#include "foundation/text/QIRUtil.h"
+#include "foundation/text/Text.h"
+#include "orbit/service/LatLongText.h"
+#include "station/identity/PositionText.h"
 
 #include <cmath>
 #include <cstring>

@@ -7,9 +7,9 @@
 #include "Input.h"
 #include "Require.h"
 #include "ScratchFolder.h"
-#include "foundation/IniText.h"
-#include "foundation/Text.h"
-#include "foundation/clsIni.h"
+#include "foundation/settings/IniText.h"
+#include "foundation/settings/clsIni.h"
+#include "foundation/text/Text.h"
 
 #include <algorithm>
 #include <map>

@@ -2,8 +2,8 @@
 
 #include "Input.h"
 #include "Require.h"
-#include "foundation/clsIni.h"
-#include "telemetry/TelemetryDecoder.h"
+#include "foundation/settings/clsIni.h"
+#include "telemetry/calibration/TelemetryDecoder.h"
 
 #include <algorithm>
 #include <cmath>

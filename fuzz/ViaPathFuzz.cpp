@@ -2,9 +2,9 @@
 
 #include "Input.h"
 #include "Require.h"
-#include "foundation/QIRUtil.h"
-#include "foundation/Text.h"
-#include "station/FieldRules.h"
+#include "foundation/text/QIRUtil.h"
+#include "foundation/text/Text.h"
+#include "station/identity/FieldRules.h"
 
 #include <QStringList>
 

@@ -1,6 +1,6 @@
-#include "orbit/math/KVRSatLib.h"
-#include "orbit/math/PassSearch.h"
-#include "orbit/math/SiderealTime.h"
+#include "orbit/passes/PassSearch.h"
+#include "orbit/service/KVRSatLib.h"
+#include "orbit/sgp4/SiderealTime.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,8 +1,8 @@
 #include "app/GroundStation.h"
 
 #include "app/Texts.h"
-#include "orbit/math/KVRSatLib.h"
-#include "telemetry/DisplayKind.h"
+#include "orbit/service/KVRSatLib.h"
+#include "telemetry/monitor/DisplayKind.h"
 
 GroundStation::GroundStation(const ProgramFolder& folder, const Clock& clock, const TelemetryTables& tables,
                              MonitorText& monitor, QObject* window)

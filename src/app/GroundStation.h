@@ -1,17 +1,17 @@
 #pragma once
 
-#include "foundation/ProgramFolder.h"
-#include "foundation/Settings.h"
-#include "link/AgwLink.h"
-#include "link/AgwSettings.h"
-#include "orbit/TrackedSatellites.h"
-#include "orbit/clsSats.h"
-#include "station/Station.h"
-#include "telemetry/CallsignList.h"
-#include "telemetry/FrameIntake.h"
-#include "telemetry/MonitorText.h"
-#include "telemetry/SecondTime.h"
-#include "telemetry/TelemetryDecoder.h"
+#include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/Settings.h"
+#include "link/agwpe/AgwLink.h"
+#include "link/agwpe/AgwSettings.h"
+#include "orbit/service/TrackedSatellites.h"
+#include "orbit/service/clsSats.h"
+#include "station/identity/Station.h"
+#include "telemetry/calibration/TelemetryDecoder.h"
+#include "telemetry/callsigns/CallsignList.h"
+#include "telemetry/monitor/FrameIntake.h"
+#include "telemetry/monitor/MonitorText.h"
+#include "telemetry/monitor/SecondTime.h"
 
 class Clock;
 

@@ -1,6 +1,6 @@
 #include "app/MainMenuView.h"
 
-#include "foundation/Named.h"
+#include "foundation/fields/Named.h"
 
 #include <QMenu>
 #include <QMenuBar>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foundation/MessageBoxPresenter.h"
+#include "foundation/messages/MessageBoxPresenter.h"
 
 #include <QStringList>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/GroundStation.h"
-#include "app/SingleInstance.h"
-#include "telemetry/TipCell.h"
+#include "foundation/system/SingleInstance.h"
+#include "telemetry/grids/TipCell.h"
 
 #include <QMainWindow>
 #include <QPointer>

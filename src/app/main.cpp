@@ -1,11 +1,11 @@
 #include "app/CommandLine.h"
-#include "app/EndRequests.h"
 #include "app/ReportPresenter.h"
 #include "app/frmQIRAN.h"
-#include "foundation/Clock.h"
-#include "foundation/HelpKey.h"
-#include "foundation/MessageBoxPresenter.h"
-#include "foundation/mb.h"
+#include "foundation/messages/HelpKey.h"
+#include "foundation/messages/MessageBoxPresenter.h"
+#include "foundation/messages/mb.h"
+#include "foundation/system/EndRequests.h"
+#include "foundation/text/Clock.h"
 
 #include <QApplication>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foundation/ProgramFolder.h"
+#include "foundation/settings/ProgramFolder.h"
 
 /// What became of a fetched file.
 struct KepsConversion {

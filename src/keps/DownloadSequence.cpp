@@ -1,7 +1,7 @@
 #include "keps/DownloadSequence.h"
 
-#include "foundation/Settings.h"
-#include "foundation/mb.h"
+#include "foundation/messages/mb.h"
+#include "foundation/settings/Settings.h"
 #include "keps/ConvertKepsFile.h"
 #include "keps/KepsAddress.h"
 

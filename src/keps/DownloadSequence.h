@@ -1,7 +1,7 @@
 #pragma once
 
-#include "foundation/ProgramFolder.h"
-#include "foundation/clsIni.h"
+#include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/clsIni.h"
 #include "keps/InternetTransfer.h"
 
 #include <QElapsedTimer>

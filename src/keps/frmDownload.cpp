@@ -1,9 +1,9 @@
 #include "keps/frmDownload.h"
 
-#include "foundation/FixedFont.h"
-#include "foundation/PlaceWindow.h"
-#include "foundation/SelectAllOnFocus.h"
-#include "foundation/Settings.h"
+#include "foundation/fields/FixedFont.h"
+#include "foundation/fields/SelectAllOnFocus.h"
+#include "foundation/placement/PlaceWindow.h"
+#include "foundation/settings/Settings.h"
 
 #include <QDialogButtonBox>
 #include <QGridLayout>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "foundation/ProgramFolder.h"
-#include "foundation/clsIni.h"
-#include "foundation/mb.h"
+#include "foundation/messages/mb.h"
+#include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/clsIni.h"
 #include "keps/DownloadSequence.h"
 #include "keps/DownloadStatus.h"
 #include "keps/InternetTransfer.h"

@@ -1,5 +1,5 @@
 #include "app/MainWindowRig.h"
-#include "foundation/MessageBoxPresenter.h"
+#include "foundation/messages/MessageBoxPresenter.h"
 #include "support/CloseBox.h"
 
 #include <QEventLoop>

@@ -1,4 +1,4 @@
-#include "app/EndRequests.h"
+#include "foundation/system/EndRequests.h"
 
 #include <QSignalSpy>
 #include <QTest>

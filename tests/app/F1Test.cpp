@@ -1,8 +1,8 @@
 #include "app/MainWindowRig.h"
-#include "foundation/HelpKey.h"
-#include "foundation/HelpTopics.h"
-#include "foundation/HelpWindow.h"
-#include "foundation/MessageBoxPresenter.h"
+#include "foundation/messages/HelpKey.h"
+#include "foundation/messages/HelpTopics.h"
+#include "foundation/messages/HelpWindow.h"
+#include "foundation/messages/MessageBoxPresenter.h"
 
 #include <QMessageBox>
 #include <QPushButton>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/frmQIRAN.h"
-#include "foundation/clsIni.h"
+#include "foundation/settings/clsIni.h"
 #include "pesim/EngineSimulator.h"
 #include "support/RecordingPresenter.h"
 #include "support/TemporaryProgramFolder.h"

@@ -1,8 +1,8 @@
 #include "app/MainWindowRig.h"
-#include "orbit/MapPicture.h"
-#include "orbit/TimeBox.h"
-#include "orbit/frmPass.h"
-#include "orbit/math/KVRSatLib.h"
+#include "orbit/map/MapPicture.h"
+#include "orbit/map/TimeBox.h"
+#include "orbit/predictions/frmPass.h"
+#include "orbit/service/KVRSatLib.h"
 #include "support/Screenshots.h"
 
 #include <QGroupBox>

@@ -1,4 +1,4 @@
-#include "app/SingleInstance.h"
+#include "foundation/system/SingleInstance.h"
 
 #include "support/TemporaryProgramFolder.h"
 

@@ -1,6 +1,6 @@
 #include "app/MainWindowRig.h"
-#include "foundation/Twips.h"
-#include "telemetry/TelemetryGrid.h"
+#include "foundation/placement/Twips.h"
+#include "telemetry/grids/TelemetryGrid.h"
 
 #include <QLineEdit>
 #include <QListWidget>

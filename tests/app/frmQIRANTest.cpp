@@ -1,8 +1,8 @@
 #include "app/MainWindowRig.h"
-#include "foundation/Twips.h"
-#include "orbit/framLocation.h"
+#include "foundation/placement/Twips.h"
+#include "orbit/panel/framLocation.h"
 #include "support/Screenshots.h"
-#include "telemetry/TelemetryGrid.h"
+#include "telemetry/grids/TelemetryGrid.h"
 
 #include <QLineEdit>
 #include <QMenu>

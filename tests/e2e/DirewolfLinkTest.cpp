@@ -1,6 +1,6 @@
-#include "link/AgwLink.h"
-#include "link/AgwSettings.h"
 #include "link/ClientEvents.h"
+#include "link/agwpe/AgwLink.h"
+#include "link/agwpe/AgwSettings.h"
 #include "support/TemporaryProgramFolder.h"
 
 #include <QProcess>

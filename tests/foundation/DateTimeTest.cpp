@@ -1,6 +1,6 @@
-#include "foundation/DateTime.h"
+#include "foundation/text/DateTime.h"
 
-#include "foundation/Clock.h"
+#include "foundation/text/Clock.h"
 #include "support/TestClock.h"
 
 #include <QDateTime>

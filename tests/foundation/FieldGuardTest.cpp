@@ -1,7 +1,7 @@
-#include "foundation/FieldGuard.h"
+#include "foundation/fields/FieldGuard.h"
 
-#include "foundation/HelpWindow.h"
-#include "foundation/PlaceWindow.h"
+#include "foundation/messages/HelpWindow.h"
+#include "foundation/placement/PlaceWindow.h"
 #include "support/CloseBox.h"
 
 #include <QCheckBox>

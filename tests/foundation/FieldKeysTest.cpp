@@ -1,6 +1,6 @@
-#include "foundation/FilterKeys.h"
-#include "foundation/FixedFont.h"
-#include "foundation/SelectAllOnFocus.h"
+#include "foundation/fields/FilterKeys.h"
+#include "foundation/fields/FixedFont.h"
+#include "foundation/fields/SelectAllOnFocus.h"
 
 #include <QApplication>
 #include <QClipboard>

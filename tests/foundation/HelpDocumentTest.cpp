@@ -1,5 +1,5 @@
-#include "foundation/HelpTopics.h"
-#include "foundation/HelpWindow.h"
+#include "foundation/messages/HelpTopics.h"
+#include "foundation/messages/HelpWindow.h"
 #include "support/Screenshots.h"
 
 #include <QFile>

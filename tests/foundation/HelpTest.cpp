@@ -1,7 +1,7 @@
-#include "foundation/HelpKey.h"
-#include "foundation/HelpTopics.h"
-#include "foundation/HelpWindow.h"
-#include "foundation/MessageBoxPresenter.h"
+#include "foundation/messages/HelpKey.h"
+#include "foundation/messages/HelpTopics.h"
+#include "foundation/messages/HelpWindow.h"
+#include "foundation/messages/MessageBoxPresenter.h"
 #include "support/Screenshots.h"
 #include "support/TemporaryProgramFolder.h"
 

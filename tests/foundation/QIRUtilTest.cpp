@@ -1,6 +1,6 @@
-#include "foundation/QIRUtil.h"
+#include "foundation/text/QIRUtil.h"
 
-#include "foundation/mb.h"
+#include "foundation/messages/mb.h"
 #include "support/RecordingPresenter.h"
 
 #include <QDir>

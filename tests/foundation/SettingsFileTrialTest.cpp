@@ -1,4 +1,4 @@
-#include "foundation/clsIni.h"
+#include "foundation/settings/clsIni.h"
 #include "support/TemporaryProgramFolder.h"
 
 #include <QRandomGenerator>

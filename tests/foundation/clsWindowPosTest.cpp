@@ -1,7 +1,7 @@
-#include "foundation/clsWindowPos.h"
+#include "foundation/placement/clsWindowPos.h"
 
-#include "foundation/PlaceWindow.h"
-#include "foundation/Twips.h"
+#include "foundation/placement/PlaceWindow.h"
+#include "foundation/placement/Twips.h"
 #include "support/TemporaryProgramFolder.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "keps/DownloadSequence.h"
 
-#include "foundation/mb.h"
+#include "foundation/messages/mb.h"
 #include "keps/ConvertKepsFile.h"
 #include "keps/FakeTransfer.h"
 

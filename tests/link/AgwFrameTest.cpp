@@ -1,6 +1,6 @@
-#include "link/AgwFrame.h"
+#include "link/agwpe/AgwFrame.h"
 
-#include "link/AgwFrameReader.h"
+#include "link/agwpe/AgwFrameReader.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
-#include "link/AgwLink.h"
+#include "link/agwpe/AgwLink.h"
 
-#include "link/AgwSettings.h"
+#include "link/agwpe/AgwSettings.h"
 #include "pesim/EngineSimulator.h"
 #include "support/TemporaryProgramFolder.h"
 

@@ -1,4 +1,4 @@
-#include "link/AgwSettings.h"
+#include "link/agwpe/AgwSettings.h"
 
 #include "support/TemporaryProgramFolder.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/MERAGW.h"
+#include "link/agwpe/MERAGW.h"
 
 #include <QStringList>
 

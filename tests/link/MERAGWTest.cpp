@@ -1,5 +1,5 @@
 #include "ClientEvents.h"
-#include "link/AgwFrame.h"
+#include "link/agwpe/AgwFrame.h"
 #include "pesim/EngineSimulator.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orbit/math/OrbitLibrary.h"
+#include "orbit/service/OrbitLibrary.h"
 
 #include <functional>
 #include <numbers>

@@ -1,6 +1,6 @@
-#include "orbit/GroundTrack.h"
+#include "orbit/map/GroundTrack.h"
 
-#include "orbit/math/KVRSatLib.h"
+#include "orbit/service/KVRSatLib.h"
 #include "support/TemporaryProgramFolder.h"
 #include "support/TestClock.h"
 

@@ -1,4 +1,4 @@
-#include "orbit/MapGeometry.h"
+#include "orbit/map/MapGeometry.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "orbit/FakeLibrary.h"
-#include "orbit/PassList.h"
-#include "orbit/clsSats.h"
+#include "orbit/service/PassList.h"
+#include "orbit/service/clsSats.h"
 #include "support/TestClock.h"
 
 #include <QTest>

@@ -1,4 +1,4 @@
-#include "orbit/SimulatedClock.h"
+#include "orbit/map/SimulatedClock.h"
 
 #include <QTest>
 

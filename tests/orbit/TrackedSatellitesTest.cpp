@@ -1,7 +1,7 @@
-#include "orbit/TrackedSatellites.h"
+#include "orbit/service/TrackedSatellites.h"
 
-#include "foundation/Settings.h"
-#include "orbit/KepsFile.h"
+#include "foundation/settings/Settings.h"
+#include "orbit/elements/KepsFile.h"
 #include "support/TemporaryProgramFolder.h"
 
 #include <QTest>

@@ -1,7 +1,7 @@
-#include "orbit/clsSats.h"
+#include "orbit/service/clsSats.h"
 
 #include "orbit/FakeLibrary.h"
-#include "orbit/LatLongText.h"
+#include "orbit/service/LatLongText.h"
 #include "support/TestClock.h"
 
 #include <QTest>

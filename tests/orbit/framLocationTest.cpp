@@ -1,4 +1,4 @@
-#include "orbit/framLocation.h"
+#include "orbit/panel/framLocation.h"
 
 #include "orbit/FakeLibrary.h"
 #include "support/Screenshots.h"

@@ -1,9 +1,9 @@
-#include "orbit/frmMap.h"
+#include "orbit/map/frmMap.h"
 
-#include "foundation/Settings.h"
-#include "foundation/Twips.h"
+#include "foundation/placement/Twips.h"
+#include "foundation/settings/Settings.h"
 #include "orbit/Circling.h"
-#include "orbit/TimeBox.h"
+#include "orbit/map/TimeBox.h"
 #include "support/RecordingPresenter.h"
 #include "support/TemporaryProgramFolder.h"
 #include "support/TestClock.h"

@@ -1,4 +1,4 @@
-#include "orbit/frmPass.h"
+#include "orbit/predictions/frmPass.h"
 
 #include "orbit/FakeLibrary.h"
 #include "support/Screenshots.h"

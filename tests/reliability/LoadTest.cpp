@@ -1,5 +1,5 @@
 #include "app/MainWindowRig.h"
-#include "orbit/framLocation.h"
+#include "orbit/panel/framLocation.h"
 #include "reliability/ProcessFigures.h"
 
 #include <QElapsedTimer>

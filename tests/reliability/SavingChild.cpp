@@ -8,13 +8,13 @@
 //                                         prints what the download's status box and messages say
 // SavingChild FOLDER fetch ADDRESS once   does it once
 
-#include "foundation/Clock.h"
-#include "foundation/ProgramFolder.h"
-#include "foundation/clsIni.h"
+#include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/clsIni.h"
+#include "foundation/text/Clock.h"
 #include "keps/ConvertKepsFile.h"
 #include "keps/DownloadSequence.h"
 #include "keps/HttpTransfer.h"
-#include "station/TrafficLog.h"
+#include "station/log/TrafficLog.h"
 
 #include <QCoreApplication>
 #include <QFile>

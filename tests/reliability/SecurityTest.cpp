@@ -1,5 +1,5 @@
 #include "app/MainWindowRig.h"
-#include "foundation/Text.h"
+#include "foundation/text/Text.h"
 #include "keps/KepsAddress.h"
 
 #include <QRandomGenerator>

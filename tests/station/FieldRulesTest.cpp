@@ -1,4 +1,4 @@
-#include "station/FieldRules.h"
+#include "station/identity/FieldRules.h"
 
 #include <QElapsedTimer>
 #include <QRandomGenerator>

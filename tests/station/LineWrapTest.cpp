@@ -1,4 +1,4 @@
-#include "station/LineWrap.h"
+#include "station/terminal/LineWrap.h"
 
 #include <QElapsedTimer>
 #include <QRandomGenerator>

@@ -1,4 +1,4 @@
-#include "station/PositionText.h"
+#include "station/identity/PositionText.h"
 
 #include <QTest>
 

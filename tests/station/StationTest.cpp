@@ -1,6 +1,6 @@
-#include "station/Station.h"
+#include "station/identity/Station.h"
 
-#include "foundation/clsIni.h"
+#include "foundation/settings/clsIni.h"
 
 #include <QFile>
 #include <QSignalSpy>

@@ -1,4 +1,4 @@
-#include "station/TerminalFont.h"
+#include "station/terminal/TerminalFont.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "station/TerminalText.h"
+#include "station/terminal/TerminalText.h"
 
 #include <QElapsedTimer>
 #include <QRandomGenerator>

@@ -1,7 +1,7 @@
-#include "station/TrafficLog.h"
+#include "station/log/TrafficLog.h"
 
-#include "foundation/ProgramFolder.h"
-#include "foundation/clsIni.h"
+#include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/clsIni.h"
 #include "support/TestClock.h"
 
 #include <QDir>

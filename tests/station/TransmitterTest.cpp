@@ -1,10 +1,10 @@
-#include "station/Transmitter.h"
+#include "station/terminal/Transmitter.h"
 
-#include "foundation/ProgramFolder.h"
-#include "foundation/clsIni.h"
-#include "foundation/mb.h"
+#include "foundation/messages/mb.h"
+#include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/clsIni.h"
 #include "station/RecordingLink.h"
-#include "station/Station.h"
+#include "station/identity/Station.h"
 #include "support/RecordingPresenter.h"
 
 #include <QFile>

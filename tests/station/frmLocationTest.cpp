@@ -1,8 +1,8 @@
-#include "station/frmLocation.h"
+#include "station/identity/frmLocation.h"
 
-#include "foundation/clsIni.h"
-#include "foundation/mb.h"
-#include "station/Station.h"
+#include "foundation/messages/mb.h"
+#include "foundation/settings/clsIni.h"
+#include "station/identity/Station.h"
 #include "support/CloseBox.h"
 #include "support/Keys.h"
 #include "support/RecordingPresenter.h"

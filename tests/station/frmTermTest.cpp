@@ -1,9 +1,9 @@
-#include "station/frmTerm.h"
+#include "station/terminal/frmTerm.h"
 
-#include "foundation/clsIni.h"
-#include "foundation/mb.h"
+#include "foundation/messages/mb.h"
+#include "foundation/settings/clsIni.h"
 #include "station/RecordingLink.h"
-#include "station/Station.h"
+#include "station/identity/Station.h"
 #include "support/CloseBox.h"
 #include "support/Keys.h"
 #include "support/RecordingPresenter.h"

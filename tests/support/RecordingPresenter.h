@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foundation/mb.h"
+#include "foundation/messages/mb.h"
 
 #include <QList>
 

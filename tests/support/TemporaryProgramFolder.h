@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foundation/ProgramFolder.h"
+#include "foundation/settings/ProgramFolder.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foundation/Clock.h"
+#include "foundation/text/Clock.h"
 
 #include <cmath>
 

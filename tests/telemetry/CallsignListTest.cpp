@@ -1,8 +1,8 @@
-#include "telemetry/CallsignList.h"
+#include "telemetry/callsigns/CallsignList.h"
 
-#include "foundation/clsIni.h"
+#include "foundation/settings/clsIni.h"
 #include "support/TemporaryProgramFolder.h"
-#include "telemetry/CallsignItems.h"
+#include "telemetry/callsigns/CallsignItems.h"
 
 #include <QElapsedTimer>
 #include <QTest>

@@ -1,8 +1,8 @@
-#include "foundation/mb.h"
+#include "foundation/messages/mb.h"
 #include "support/RecordingPresenter.h"
 #include "support/TemporaryProgramFolder.h"
-#include "telemetry/ChannelMap.h"
-#include "telemetry/FormulaFile.h"
+#include "telemetry/calibration/ChannelMap.h"
+#include "telemetry/calibration/FormulaFile.h"
 
 #include <QTest>
 

@@ -1,8 +1,8 @@
-#include "telemetry/FrameIntake.h"
+#include "telemetry/monitor/FrameIntake.h"
 
-#include "telemetry/DisplayKind.h"
-#include "telemetry/SecondTime.h"
 #include "telemetry/TelemetryRoom.h"
+#include "telemetry/monitor/DisplayKind.h"
+#include "telemetry/monitor/SecondTime.h"
 
 #include <QTest>
 

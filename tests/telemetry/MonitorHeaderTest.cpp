@@ -1,6 +1,6 @@
-#include "telemetry/MonitorHeader.h"
+#include "telemetry/monitor/MonitorHeader.h"
 
-#include "telemetry/DisplayKind.h"
+#include "telemetry/monitor/DisplayKind.h"
 
 #include <QTest>
 

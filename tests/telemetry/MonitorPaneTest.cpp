@@ -1,10 +1,10 @@
-#include "telemetry/MonitorPane.h"
+#include "telemetry/monitor/MonitorPane.h"
 
-#include "foundation/Text.h"
+#include "foundation/text/Text.h"
 #include "support/Screenshots.h"
-#include "telemetry/DisplayKind.h"
-#include "telemetry/MonitorText.h"
 #include "telemetry/TelemetryRoom.h"
+#include "telemetry/monitor/DisplayKind.h"
+#include "telemetry/monitor/MonitorText.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

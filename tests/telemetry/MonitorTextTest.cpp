@@ -1,4 +1,4 @@
-#include "telemetry/MonitorText.h"
+#include "telemetry/monitor/MonitorText.h"
 
 #include <QRandomGenerator>
 #include <QSignalSpy>

@@ -1,4 +1,4 @@
-#include "telemetry/TelemetryDecoder.h"
+#include "telemetry/calibration/TelemetryDecoder.h"
 
 #include "telemetry/TelemetryRoom.h"
 

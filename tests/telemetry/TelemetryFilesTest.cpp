@@ -1,4 +1,4 @@
-#include "telemetry/TelemetryFiles.h"
+#include "telemetry/history/TelemetryFiles.h"
 
 #include "support/TemporaryProgramFolder.h"
 

@@ -1,7 +1,7 @@
-#include "telemetry/TelemetryGrid.h"
+#include "telemetry/grids/TelemetryGrid.h"
 
-#include "telemetry/FixedNumber.h"
-#include "telemetry/TipCell.h"
+#include "telemetry/grids/FixedNumber.h"
+#include "telemetry/grids/TipCell.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>

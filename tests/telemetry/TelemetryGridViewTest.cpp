@@ -1,8 +1,8 @@
-#include "telemetry/TelemetryGridView.h"
+#include "telemetry/grids/TelemetryGridView.h"
 
 #include "support/Screenshots.h"
 #include "telemetry/TelemetryRoom.h"
-#include "telemetry/TipCell.h"
+#include "telemetry/grids/TipCell.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

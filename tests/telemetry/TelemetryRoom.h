@@ -1,8 +1,8 @@
 #pragma once
 
-#include "foundation/clsIni.h"
+#include "foundation/settings/clsIni.h"
 #include "support/TestClock.h"
-#include "telemetry/FrameIntake.h"
+#include "telemetry/monitor/FrameIntake.h"
 
 #include <QTemporaryDir>
 

@@ -1,12 +1,12 @@
-#include "telemetry/frmCalls.h"
+#include "telemetry/callsigns/frmCalls.h"
 
-#include "foundation/clsIni.h"
-#include "foundation/mb.h"
+#include "foundation/messages/mb.h"
+#include "foundation/settings/clsIni.h"
 #include "support/CloseBox.h"
 #include "support/RecordingPresenter.h"
 #include "support/Screenshots.h"
 #include "support/TemporaryProgramFolder.h"
-#include "telemetry/CallsignList.h"
+#include "telemetry/callsigns/CallsignList.h"
 
 #include <QElapsedTimer>
 #include <QKeyEvent>

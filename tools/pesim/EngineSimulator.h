@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/AgwFrameReader.h"
+#include "link/agwpe/AgwFrameReader.h"
 
 #include <QByteArrayList>
 #include <QObject>

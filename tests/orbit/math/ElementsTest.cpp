@@ -1,5 +1,5 @@
 #include "TestElements.h"
-#include "orbit/math/ElementFolder.h"
+#include "orbit/elements/ElementFolder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "orbit/math/KVRSatLib.h"
+#include "orbit/service/KVRSatLib.h"
 
 #include "TestElements.h"
 

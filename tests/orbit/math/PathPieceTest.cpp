@@ -1,4 +1,4 @@
-#include "orbit/math/PathPiece.h"
+#include "orbit/passes/PathPiece.h"
 
 #include <gtest/gtest.h>
 

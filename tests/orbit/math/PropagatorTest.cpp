@@ -1,4 +1,4 @@
-#include "orbit/math/Propagator.h"
+#include "orbit/sgp4/Propagator.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "TestElements.h"
-#include "orbit/math/PassSearch.h"
-#include "orbit/math/SiderealTime.h"
+#include "orbit/passes/PassSearch.h"
+#include "orbit/sgp4/SiderealTime.h"
 
 #include <gtest/gtest.h>
 

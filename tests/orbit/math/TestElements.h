@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orbit/math/Elements.h"
+#include "orbit/elements/Elements.h"
 
 #include <gtest/gtest.h>
 

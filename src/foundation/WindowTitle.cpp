@@ -1,5 +1,0 @@
-#include "foundation/WindowTitle.h"
-
-void SetPlainTitle(QWidget& window, QString title) {
-    window.setWindowTitle(title.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
-}

@@ -1,0 +1,7 @@
+#include "foundation/fields/FixedFont.h"
+
+#include <QFontDatabase>
+
+QFont FixedFont() {
+    return QFontDatabase::systemFont(QFontDatabase::FixedFont);
+}

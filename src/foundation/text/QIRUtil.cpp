@@ -1,0 +1,56 @@
+#include "foundation/text/QIRUtil.h"
+
+#include "foundation/text/Text.h"
+
+#include <algorithm>
+
+namespace QIRUtil {
+namespace {
+
+constexpr bool IsDigit(QChar c) {
+    return c >= u'0' && c <= u'9';
+}
+constexpr bool IsCapital(QChar c) {
+    return c >= u'A' && c <= u'Z';
+}
+
+bool IsValidSsid(QStringView ssid) {
+    return (ssid.size() == 1 || ssid.size() == 2) && std::ranges::all_of(ssid, IsDigit) &&
+           Text::LeadingNumber(ssid) <= 15;
+}
+
+double ToDegrees(QStringView text, qsizetype degreeDigits, QChar positive, QChar negative) {
+    if (text.isEmpty() || (text.back() != positive && text.back() != negative))
+        return 0.0;
+    const double degrees = Text::LeadingNumber(text.first(std::min(degreeDigits, text.size())));
+    const double minutes =
+        text.size() > degreeDigits ? Text::LeadingNumber(text.sliced(degreeDigits).left(5)) : 0.0;
+    const double result = degrees + minutes / 60.0;
+    return text.back() == negative ? -result : result;
+}
+
+} // namespace
+
+bool IsValidCallsign(QStringView callsign) {
+    const qsizetype dash = callsign.indexOf(u'-');
+    if (dash >= 0 && !IsValidSsid(callsign.sliced(dash + 1)))
+        return false;
+    const QStringView base = dash >= 0 ? callsign.first(dash) : callsign;
+    return !base.isEmpty() && base.size() <= 6 &&
+           std::ranges::all_of(base, [](QChar c) { return IsCapital(c) || IsDigit(c); });
+}
+
+bool IsCallsignKey(qint16 code) {
+    const QChar key(static_cast<char16_t>(code));
+    return code <= 13 || IsDigit(key) || IsCapital(key) || key == u'-';
+}
+
+double LatToDegrees(QStringView latitude) {
+    return ToDegrees(latitude, 2, u'N', u'S');
+}
+
+double LongToDegrees(QStringView longitude) {
+    return ToDegrees(longitude, 3, u'E', u'W');
+}
+
+} // namespace QIRUtil

@@ -1,0 +1,126 @@
+#include "orbit/map/MapPicture.h"
+
+#include <QPainter>
+#include <QPolygonF>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr QColor trackColour(0, 128, 0);
+constexpr QColor footprintColour(0, 0, 192);
+constexpr QColor satelliteColour(0, 0, 255);
+constexpr QColor plainColour(201, 219, 232);
+constexpr QColor graticuleColour(140, 160, 174);
+constexpr double lineWidth = 2.0;
+constexpr QSize plainSize(1080, 540);
+constexpr int leastWidth = 360;
+constexpr int graticuleStep = 30;
+
+QImage PlainWorld() {
+    QImage world(plainSize, QImage::Format_RGB32);
+    world.fill(plainColour);
+    QPainter painter(&world);
+    painter.setPen(graticuleColour);
+    for (int degrees = graticuleStep; degrees < 360; degrees += graticuleStep) {
+        const int x = degrees * plainSize.width() / 360;
+        painter.drawLine(x, 0, x, plainSize.height());
+    }
+    for (int degrees = graticuleStep; degrees < 180; degrees += graticuleStep) {
+        const int y = degrees * plainSize.height() / 180;
+        painter.drawLine(0, y, plainSize.width(), y);
+    }
+    return world;
+}
+
+QPointF PointAt(const MapGeometry::GeoPoint& point, const MapGeometry::MapSize& size) {
+    const MapGeometry::PixelPoint pixel = MapGeometry::ToPixel(point, size);
+    return {pixel.x, pixel.y};
+}
+
+void DrawPieces(QPainter& painter, const std::vector<MapGeometry::Piece>& pieces,
+                const MapGeometry::MapSize& size) {
+    for (const MapGeometry::Piece& piece : pieces) {
+        QPolygonF line;
+        line.reserve(static_cast<qsizetype>(piece.size()));
+        for (const MapGeometry::GeoPoint& point : piece)
+            line.append(PointAt(point, size));
+        painter.drawPolyline(line);
+    }
+}
+
+} // namespace
+
+MapPicture::MapPicture(QWidget* parent)
+    : QWidget(parent) {
+    setAttribute(Qt::WA_OpaquePaintEvent); // every pixel is painted, once
+    SetWorld({});
+}
+
+void MapPicture::SetWorld(const QImage& world) {
+    m_world = world.isNull() ? PlainWorld() : world;
+    m_worldSize = m_world.size();
+    m_background = {};
+    updateGeometry();
+    update();
+}
+
+void MapPicture::SetTrack(GroundTrack track) {
+    m_track = std::move(track);
+    update();
+}
+
+QSize MapPicture::minimumSizeHint() const {
+    const QSize least = m_worldSize.scaled(leastWidth, leastWidth, Qt::KeepAspectRatio);
+    return least.boundedTo(m_worldSize);
+}
+
+QRectF MapPicture::MapPlace() const {
+    QRectF place(QPointF(), QSizeF(m_worldSize).scaled(size(), Qt::KeepAspectRatio));
+    place.moveCenter(QRectF(rect()).center());
+    return place;
+}
+
+const QPixmap& MapPicture::Background(const QRectF& place) {
+    const QSize wanted = (place.size() * devicePixelRatioF()).toSize().expandedTo(QSize(1, 1));
+    if (m_background.size() != wanted) {
+        m_background =
+            QPixmap::fromImage(m_world.scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    }
+    m_background.setDevicePixelRatio(devicePixelRatioF());
+    return m_background;
+}
+
+void MapPicture::paintEvent(QPaintEvent*) {
+    const QRectF place = MapPlace();
+    const MapGeometry::MapSize size{place.width(), place.height()};
+    QPainter painter(this);
+    if (place.size() != QSizeF(this->size()))
+        painter.fillRect(rect(), palette().color(QPalette::Window));
+    painter.drawPixmap(place.topLeft(), Background(place));
+    if (m_track.points.empty() || place.isEmpty())
+        return;
+    painter.setClipRect(place);
+    painter.translate(place.topLeft());
+    painter.setRenderHint(QPainter::Antialiasing);
+
+    const MapGeometry::GeoPoint& satellite = m_track.points.front();
+    painter.setPen(QPen(footprintColour, lineWidth));
+    DrawPieces(painter, MapGeometry::Footprint(satellite, m_track.altitude, size), size);
+    painter.setPen(QPen(trackColour, lineWidth));
+    const QPointF centre = PointAt(satellite, size);
+    painter.drawPoint(centre);
+    DrawPieces(painter, MapGeometry::TrackPieces(m_track.points), size);
+    painter.translate(centre);
+    painter.setPen(QPen(satelliteColour, lineWidth));
+    QPolygonF body;
+    for (const auto& [from, to] : MapGeometry::SatMark()) {
+        painter.drawLine(QPointF(from.x, from.y), QPointF(to.x, to.y));
+        if (std::hypot(to.x, to.y) < 4.0)
+            body.append(QPointF(to.x, to.y));
+    }
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(satelliteColour);
+    painter.drawPolygon(body);
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "orbit/map/GroundTrack.h"
+
+#include <QImage>
+#include <QPixmap>
+#include <QWidget>
+
+/// The map of frmMap: the world, and over it a satellite with its footprint and its track.
+class MapPicture : public QWidget {
+    Q_OBJECT
+public:
+    explicit MapPicture(QWidget* parent);
+
+    /// Shows this world map; a null one is replaced by a plain background with a graticule.
+    void SetWorld(const QImage& world);
+
+    void SetTrack(GroundTrack track);
+
+    /// The place of the map inside the widget. Its shape is that of the world map.
+    QRectF MapPlace() const;
+
+    QSize sizeHint() const override { return m_worldSize; }
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const QPixmap& Background(const QRectF& place);
+
+    QImage m_world;
+    QSize m_worldSize;
+    QPixmap m_background; // the world at the size and sharpness in which it is shown
+    GroundTrack m_track;
+};

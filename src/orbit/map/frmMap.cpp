@@ -1,0 +1,214 @@
+#include "orbit/map/frmMap.h"
+
+#include "foundation/fields/FixedFont.h"
+#include "foundation/messages/HelpTopics.h"
+#include "foundation/placement/PlaceWindow.h"
+#include "foundation/placement/Twips.h"
+#include "foundation/placement/WindowTitle.h"
+#include "foundation/settings/Settings.h"
+#include "orbit/map/TimeBox.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QContextMenuEvent>
+#include <QFile>
+#include <QImageReader>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+// A picture beyond this is no map that a screen could show.
+constexpr int mostPixels = 16384;
+
+// Whether a GIF lacks its end mark, which some programs follow with a few bytes more. Such a picture would
+// load, and show nothing for what is missing.
+bool IsCutOff(const QString& path) {
+    constexpr qint64 tail = 16;
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.read(4) == "GIF8" &&
+           file.seek(std::max(file.size() - tail, 0LL)) && !file.read(tail).contains(';');
+}
+
+} // namespace
+
+frmMap::frmMap(const clsSats& cSats, const TrackedSatellites& satellites, clsIni& cIni, const mb& messages,
+               const ProgramFolder& folder)
+    : m_cSats(cSats)
+    , m_satellites(satellites)
+    , m_cIni(cIni)
+    , picMap(new MapPicture(this))
+    , picTime(new TimeBox(picMap))
+    , mnuSpeed(new QMenu(this))
+    , Timer1(new QTimer(this)) {
+    setObjectName(QStringLiteral("frmMap"));
+    picMap->setObjectName(QStringLiteral("picMap"));
+    picMap->setAccessibleName(tr("World map"));
+    picTime->setObjectName(QStringLiteral("picTime"));
+    picTime->setFont(FixedFont());
+    Timer1->setObjectName(QStringLiteral("Timer1"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(picMap);
+    MakeMenu();
+
+    LoadWorld(folder, messages);
+    FitPicture();
+    RestorePosition();
+    ShowCaption();
+    Tick();
+    connect(Timer1, &QTimer::timeout, this, &frmMap::Tick);
+    FollowClock();
+}
+
+void frmMap::MakeMenu() {
+    mnuSpeed->setObjectName(QStringLiteral("mnuSpeed"));
+    mnuSpeedNormal = AddEntry(QStringLiteral("mnuSpeedNormal"), tr("&Normal"), true);
+    mnuSpeedFast = AddEntry(QStringLiteral("mnuSpeedFast"), tr("&Fast"), true);
+    mnuSpeedVeryFast = AddEntry(QStringLiteral("mnuSpeedVeryFast"), tr("&Very Fast"), true);
+    mnuSpeedBackwards = AddEntry(QStringLiteral("mnuSpeedBackwards"), tr("&Backwards"), true);
+    mnuSpeedPause = AddEntry(QStringLiteral("mnuSpeedPause"), tr("&Pause"), true);
+    QAction* mnuSpeedReset = AddEntry(QStringLiteral("mnuSpeedReset"), tr("&Reset"), false);
+    mnuSpeed->addSeparator()->setObjectName(QStringLiteral("mnuSpeedBar"));
+    QAction* mnuChangeSat = AddEntry(QStringLiteral("mnuChangeSat"), tr("&Change Satellite"), false);
+
+    using Speed = SimulatedClock::Speed;
+    connect(mnuSpeedNormal, &QAction::triggered, this, [this] { ChooseSpeed(Speed::Normal); });
+    connect(mnuSpeedFast, &QAction::triggered, this, [this] { ChooseSpeed(Speed::Fast); });
+    connect(mnuSpeedVeryFast, &QAction::triggered, this, [this] { ChooseSpeed(Speed::VeryFast); });
+    connect(mnuSpeedBackwards, &QAction::triggered, this, [this] {
+        m_clock.ToggleBackwards(m_cSats.datGmtTime());
+        FollowClock();
+    });
+    connect(mnuSpeedPause, &QAction::triggered, this, [this] {
+        m_clock.TogglePause();
+        FollowClock();
+    });
+    connect(mnuSpeedReset, &QAction::triggered, this, &frmMap::Reset);
+    connect(mnuChangeSat, &QAction::triggered, this, &frmMap::ChangeSatRequested);
+}
+
+QAction* frmMap::AddEntry(const QString& name, const QString& caption, bool checkable) {
+    QAction* entry = mnuSpeed->addAction(caption);
+    entry->setObjectName(name);
+    entry->setCheckable(checkable);
+    return entry;
+}
+
+void frmMap::LoadWorld(const ProgramFolder& folder, const mb& messages) {
+    const QString path = folder.File(QStringLiteral("world.gif"));
+    QImageReader reader(path);
+    reader.setDecideFormatFromContent(true);
+    const QSize size = reader.size();
+    const bool isTooLarge = size.width() > mostPixels || size.height() > mostPixels;
+    const QImage world = isTooLarge || IsCutOff(path) ? QImage() : reader.read();
+    picMap->SetWorld(world);
+    if (world.isNull()) {
+        messages.MessageBox(
+            this, tr("The map picture %1 cannot be shown. The map has a plain background instead.").arg(path),
+            MessageStyle::Information, {}, HelpTopics::programFolder);
+    }
+}
+
+// The window takes the picture's size, or as much of it as the screen has room for.
+void frmMap::FitPicture() {
+    const QSize room = screen()->availableSize() * 9 / 10;
+    const QSize picture = picMap->sizeHint();
+    resize(picture.width() <= room.width() && picture.height() <= room.height()
+               ? picture
+               : picture.scaled(room, Qt::KeepAspectRatio));
+    picMap->resize(size()); // the layout follows when the window is shown
+}
+
+void frmMap::RestorePosition() {
+    const QString left = Settings::Read(m_cIni, Settings::mapLeft);
+    const QString top = Settings::Read(m_cIni, Settings::mapTop);
+    if (!left.isEmpty() && !top.isEmpty())
+        move(Twips::PixelsOf(left, *this), Twips::PixelsOf(top, *this));
+}
+
+void frmMap::SavePosition() {
+    if (isMinimized() || !WindowsCanBePlaced())
+        return;
+    Settings::Save(m_cIni, Settings::mapLeft, Twips::TextOf(x(), *this));
+    Settings::Save(m_cIni, Settings::mapTop, Twips::TextOf(y(), *this));
+}
+
+void frmMap::ShowCaption() {
+    SetPlainTitle(*this, QStringLiteral("Current Location of ") + m_satellites.DisplayName() +
+                             QStringLiteral(" Right-click for menu"));
+}
+
+void frmMap::ChooseSpeed(SimulatedClock::Speed speed) {
+    if (m_clock.ChooseSpeed(speed, m_cSats.datGmtTime()))
+        Tick();
+    FollowClock();
+}
+
+void frmMap::Reset() {
+    m_clock.Reset();
+    Tick();
+    FollowClock();
+}
+
+void frmMap::SatHasChanged() {
+    ShowCaption();
+    Reset();
+}
+
+void frmMap::Tick() {
+    const DateTime start = m_clock.Shown(m_cSats.datGmtTime());
+    DrawSat(GroundTrack::Of(m_cSats, m_satellites.Selected().strObjNum, start));
+    picTime->SetText(FormatDateTime(m_cSats.ToDisplayTime(start), u"yyyy-mmm-dd hh:nn:ss"));
+    m_clock.Step();
+}
+
+void frmMap::DrawSat(const GroundTrack& track) {
+    picMap->SetTrack(track);
+}
+
+// The menu's marks and the ticker show what the clock does. A ticker that runs at its interval is not
+// restarted.
+void frmMap::FollowClock() {
+    using Speed = SimulatedClock::Speed;
+    mnuSpeedNormal->setChecked(m_clock.CheckedSpeed() == Speed::Normal);
+    mnuSpeedFast->setChecked(m_clock.CheckedSpeed() == Speed::Fast);
+    mnuSpeedVeryFast->setChecked(m_clock.CheckedSpeed() == Speed::VeryFast);
+    mnuSpeedBackwards->setChecked(m_clock.IsBackwardsChecked());
+    mnuSpeedPause->setChecked(m_clock.IsPauseChecked());
+    if (Timer1->interval() != m_clock.Interval())
+        Timer1->setInterval(m_clock.Interval());
+    if (m_clock.IsTicking() && !Timer1->isActive())
+        Timer1->start();
+    else if (!m_clock.IsTicking())
+        Timer1->stop();
+}
+
+// The key asks for the menu at the middle of the map; the mouse does when its button is released.
+void frmMap::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() != QContextMenuEvent::Mouse)
+        mnuSpeed->popup(mapToGlobal(rect().center()));
+}
+
+void frmMap::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::RightButton)
+        mnuSpeed->popup(event->globalPosition().toPoint());
+}
+
+void frmMap::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void frmMap::closeEvent(QCloseEvent* event) {
+    Timer1->stop();
+    SavePosition();
+    event->accept();
+    Q_EMIT ImUnloading();
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "foundation/messages/mb.h"
+#include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/clsIni.h"
+#include "orbit/map/MapPicture.h"
+#include "orbit/map/SimulatedClock.h"
+#include "orbit/service/TrackedSatellites.h"
+#include "orbit/service/clsSats.h"
+
+#include <QTimer>
+#include <QWidget>
+
+class QAction;
+class QMenu;
+class TimeBox;
+
+/// The world map with the selected satellite. A window of its own, not modal; show it after making it.
+class frmMap : public QWidget {
+    Q_OBJECT
+public:
+    frmMap(const clsSats& cSats, const TrackedSatellites& satellites, clsIni& cIni, const mb& messages,
+           const ProgramFolder& folder);
+
+    /// The other satellite has been selected.
+    void SatHasChanged();
+
+    /// Shows a satellite, its footprint and its track.
+    void DrawSat(const GroundTrack& track);
+
+Q_SIGNALS:
+    /// The window closes; its owner deletes it (later: the signal comes from within its close event).
+    void ImUnloading();
+
+    /// The user asks for the other satellite.
+    void ChangeSatRequested();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void MakeMenu();
+    QAction* AddEntry(const QString& name, const QString& caption, bool checkable);
+    void LoadWorld(const ProgramFolder& folder, const mb& messages);
+    void FitPicture();
+    void RestorePosition();
+    void SavePosition();
+    void ShowCaption();
+    void ChooseSpeed(SimulatedClock::Speed speed);
+    void Reset();
+    void Tick();
+    void FollowClock();
+
+    const clsSats& m_cSats;
+    const TrackedSatellites& m_satellites;
+    clsIni& m_cIni;
+    SimulatedClock m_clock;
+    MapPicture* picMap;
+    TimeBox* picTime;
+    QMenu* mnuSpeed;
+    QAction* mnuSpeedNormal = nullptr;
+    QAction* mnuSpeedFast = nullptr;
+    QAction* mnuSpeedVeryFast = nullptr;
+    QAction* mnuSpeedBackwards = nullptr;
+    QAction* mnuSpeedPause = nullptr;
+    QTimer* Timer1;
+};

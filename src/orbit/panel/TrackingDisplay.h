@@ -1,0 +1,57 @@
+#pragma once
+
+#include "orbit/service/TrackedSatellites.h"
+#include "orbit/service/clsSats.h"
+
+#include <QString>
+
+#include <optional>
+
+/// What the tracking panel's labels show.
+struct TrackingLabels {
+    enum class Background { Window, InView };
+
+    QString strLat;
+    QString strLong;
+    QString strAz;
+    QString strEl;
+    QString strDue;
+    std::optional<Background> newBackground; ///< set when the background changes
+};
+
+/// The rules of the tracking panel.
+class TrackingDisplay {
+public:
+    TrackingDisplay(clsSats& cSats, TrackedSatellites& satellites)
+        : m_cSats(cSats)
+        , m_satellites(satellites) {}
+
+    /// Elements are old after this many days.
+    static constexpr double maxElementDays = 14.0;
+
+    /// The place of the station in degrees; a latitude or longitude of 0 means that it is not known.
+    TrackingLabels ApplyStationPosition(double latitude, double longitude);
+
+    bool IsLocationKnown() const { return m_locationKnown; }
+
+    /// Where the selected satellite is now. What cannot be known shows as "-".
+    TrackingLabels Refresh();
+
+    /// The panel's caption.
+    QString Caption() const;
+
+    QString DueCaption() const;
+
+    /// Says so when the selected satellite's elements are old, with their epoch and file; otherwise empty.
+    QString ElementsWarning() const;
+
+private:
+    void SetBackground(TrackingLabels::Background background);
+
+    clsSats& m_cSats;
+    TrackedSatellites& m_satellites;
+    bool m_locationKnown = false;
+    TrackingLabels m_labels{QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("-"),
+                            QStringLiteral("-"), QStringLiteral("-"), std::nullopt};
+    TrackingLabels::Background m_background = TrackingLabels::Background::Window;
+};

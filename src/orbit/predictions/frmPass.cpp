@@ -1,0 +1,101 @@
+#include "orbit/predictions/frmPass.h"
+
+#include "foundation/fields/FixedFont.h"
+#include "foundation/placement/PlaceWindow.h"
+#include "foundation/placement/WindowTitle.h"
+#include "orbit/predictions/PrintLines.h"
+#include "orbit/service/PassList.h"
+
+#include <QClipboard>
+#include <QFontMetrics>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QPlainTextEdit>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int columns = 64;
+constexpr int lines = 24;
+
+} // namespace
+
+frmPass::frmPass(const clsSats& cSats, const TrackedSatellites& satellites, QWidget* parent,
+                 ChoosePrinter choosePrinter)
+    : QDialog(parent)
+    , m_choosePrinter(std::move(choosePrinter))
+    , txtInfo(new QPlainTextEdit(this)) {
+    setObjectName(QStringLiteral("frmPass"));
+    setModal(true);
+
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    m_table = cSats.strPassInfo(satellites.Selected().strObjNum);
+    QGuiApplication::restoreOverrideCursor();
+    m_caption = satellites.DisplayName() + QStringLiteral(" Pass Predictions");
+    SetPlainTitle(*this, m_caption);
+
+    txtInfo->setObjectName(QStringLiteral("txtInfo"));
+    txtInfo->setAccessibleName(tr("Pass predictions"));
+    // Not to be changed, but its lines can be walked and marked with the keyboard.
+    txtInfo->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    txtInfo->setTabChangesFocus(true);
+    txtInfo->setLineWrapMode(QPlainTextEdit::NoWrap);
+    txtInfo->setFont(FixedFont());
+    txtInfo->setPlainText(m_table);
+    const QFontMetrics metrics(txtInfo->font());
+    const int frame = 2 * txtInfo->frameWidth() + static_cast<int>(2 * txtInfo->document()->documentMargin());
+    txtInfo->setMinimumWidth(metrics.horizontalAdvance(QString(columns, u'0')) + frame +
+                             txtInfo->verticalScrollBar()->sizeHint().width());
+    txtInfo->setMinimumHeight(metrics.lineSpacing() * lines / 2 + frame);
+
+    auto* cmdCopy = new QPushButton(tr("&Copy"), this);
+    auto* cmdPrint = new QPushButton(tr("&Print"), this);
+    auto* cmdFinished = new QPushButton(tr("&Finished"), this);
+    cmdCopy->setObjectName(QStringLiteral("cmdCopy"));
+    cmdPrint->setObjectName(QStringLiteral("cmdPrint"));
+    cmdFinished->setObjectName(QStringLiteral("cmdFinished"));
+    cmdFinished->setDefault(true);
+    connect(cmdCopy, &QPushButton::clicked, this, &frmPass::Copy);
+    connect(cmdPrint, &QPushButton::clicked, this, &frmPass::Print);
+    connect(cmdFinished, &QPushButton::clicked, this, &QDialog::accept);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(cmdCopy);
+    buttons->addWidget(cmdPrint);
+    buttons->addStretch();
+    buttons->addWidget(cmdFinished);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(txtInfo);
+    layout->addLayout(buttons);
+    resize(sizeHint().width(), metrics.lineSpacing() * lines + layout->sizeHint().height() -
+                                   txtInfo->sizeHint().height() + frame);
+    cmdFinished->setFocus();
+}
+
+void frmPass::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (!event->spontaneous())
+        CentreOnScreen(this);
+}
+
+void frmPass::Copy() const {
+    QGuiApplication::clipboard()->setText(m_table);
+}
+
+bool frmPass::AskForPrinter(QPrinter& printer, QWidget* window) {
+    QPrintDialog dialog(&printer, window);
+    return dialog.exec() == QDialog::Accepted;
+}
+
+void frmPass::Print() {
+    QPrinter printer(QPrinter::HighResolution); // the default printer
+    if (!m_choosePrinter(printer, this))
+        return;
+    QFont font(QStringLiteral("courier new"), 12);
+    font.setStyleHint(QFont::TypeWriter);
+    PrintLines(printer, PassList::PrintText(m_caption, m_table), font);
+}

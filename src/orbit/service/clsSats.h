@@ -1,0 +1,76 @@
+#pragma once
+
+#include "foundation/text/Clock.h"
+#include "foundation/text/DateTime.h"
+#include "orbit/service/OrbitLibrary.h"
+#include "orbit/service/SatInfo.h"
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+/// The one object that the program asks about satellites, passes and the time. An object is named by what the
+/// orbit library finds it by: its catalogue number as text. What fails answers false or nothing.
+class clsSats {
+public:
+    clsSats(std::unique_ptr<OrbitLibrary> library, const Clock& clock);
+
+    /// Whether times for display are local time instead of UTC.
+    bool blnLocalTime() const { return m_blnLocalTime; }
+    void setBlnLocalTime(bool blnLocalTime) { m_blnLocalTime = blnLocalTime; }
+
+    /// Reads the element files of a folder (again).
+    bool setStrKeplerPath(const QString& strKeplerPath);
+
+    /// The observer, in degrees, north and east positive.
+    bool setDblObsLat(double dblL);
+    bool setDblObsLong(double dblL);
+
+    DateTime datGmtTime() const;
+
+    /// Now, in display time.
+    DateTime datTime() const;
+
+    /// The local time of a UTC time by the operating system's rules; `datT` itself when they have none.
+    DateTime GmtToLocal(DateTime datT) const;
+
+    /// A UTC time in display time.
+    DateTime ToDisplayTime(DateTime datT) const { return m_blnLocalTime ? GmtToLocal(datT) : datT; }
+
+    static double DateToJulianDate(DateTime datT);
+
+    /// Everything about one satellite at one UTC time. All but the object, the time and the threshold are
+    /// outputs, which a failure leaves alone; strDue costs a pass search.
+    bool GetSatInfo(bool& blnvisible, const QString& strSat, DateTime datT, double dblThresholdDeg,
+                    bool& blnSouth, double& dblAz, double& dblEl, double& dblLong, double& dblLat,
+                    QString& strLong, QString& strLat, double& dblRange, double& dblRangeRate,
+                    double& dblAltitude, double& dblPhase, QString* strDue = nullptr) const;
+
+    enum class Due { No, Yes };
+
+    /// The same as one value.
+    std::optional<SatInfo> SatInfoAt(const QString& strSat, DateTime datT, Due due = Due::No) const;
+
+    /// The same without its texts, for those who ask for many points.
+    std::optional<SatPosition> PositionAt(const QString& strSat, DateTime datT,
+                                          double dblThresholdDeg = 0.0) const;
+
+    /// When the next pass begins, in display time. Where the list of passes holds none that is still to come:
+    /// the start of its last one, or date-time 0 when it is empty.
+    std::optional<DateTime> GetNextPassTime(const QString& strSat) const;
+
+    /// The table of pass predictions, its lines ended by CR LF; empty when it cannot be made.
+    QString strPassInfo(const QString& strObject) const;
+
+    /// Which elements an object is tracked by.
+    std::optional<ElementSource> ElementsOf(const QString& strSat) const;
+
+private:
+    std::optional<qint16> AzimuthAt(const QString& strSat, DateTime datT) const;
+    std::optional<QString> PassTableBody(const QString& strObject) const;
+
+    const std::unique_ptr<OrbitLibrary> m_library;
+    const Clock& m_clock;
+    bool m_blnLocalTime = false;
+};

@@ -1,0 +1,53 @@
+#include "station/identity/Station.h"
+
+#include "foundation/settings/Settings.h"
+#include "foundation/text/QIRUtil.h"
+
+Station::Station(clsIni& cIni, QObject* parent)
+    : QObject(parent)
+    , m_cIni(cIni) {}
+
+void Station::Load() {
+    m_latitude = Settings::Read(m_cIni, Settings::latitude);
+    m_latitudeDegrees = QIRUtil::LatToDegrees(m_latitude);
+    m_longitude = Settings::Read(m_cIni, Settings::longitude);
+    m_longitudeDegrees = QIRUtil::LongToDegrees(m_longitude);
+    m_locator = Settings::Read(m_cIni, Settings::locator);
+    m_callsign = Settings::Read(m_cIni, Settings::callsign);
+    m_comment = Settings::Read(m_cIni, Settings::comment);
+    Q_EMIT Changed();
+}
+
+void Station::setStrCallsign(const QString& callsign) {
+    Settings::Save(m_cIni, Settings::callsign, callsign);
+    Change(m_callsign, callsign);
+}
+
+void Station::setStrComment(const QString& comment) {
+    Settings::Save(m_cIni, Settings::comment, comment);
+    Change(m_comment, comment);
+}
+
+void Station::setStrLoc(const QString& locator) {
+    Settings::Save(m_cIni, Settings::locator, locator);
+    Change(m_locator, locator);
+}
+
+void Station::setStrLat(const QString& latitude) {
+    Settings::Save(m_cIni, Settings::latitude, latitude);
+    m_latitudeDegrees = QIRUtil::LatToDegrees(latitude);
+    Change(m_latitude, latitude);
+}
+
+void Station::setStrLong(const QString& longitude) {
+    Settings::Save(m_cIni, Settings::longitude, longitude);
+    m_longitudeDegrees = QIRUtil::LongToDegrees(longitude);
+    Change(m_longitude, longitude);
+}
+
+void Station::Change(QString& member, const QString& value) {
+    if (member == value)
+        return;
+    member = value;
+    Q_EMIT Changed();
+}

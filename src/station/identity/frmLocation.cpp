@@ -1,0 +1,144 @@
+#include "station/identity/frmLocation.h"
+
+#include "foundation/fields/FilterKeys.h"
+#include "foundation/fields/FixedFont.h"
+#include "foundation/fields/Named.h"
+#include "foundation/fields/SelectAllOnFocus.h"
+#include "foundation/messages/mb.h"
+#include "foundation/placement/PlaceWindow.h"
+#include "station/identity/FieldRules.h"
+#include "station/identity/Station.h"
+
+#include <QCloseEvent>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+using PositionText::Axis;
+
+namespace {
+
+constexpr int fieldWidth = 30; // characters
+
+} // namespace
+
+frmLocation::frmLocation(Station& station, const mb& messages, QWidget* parent)
+    : QDialog(parent)
+    , m_station(station)
+    , m_messages(messages)
+    , m_guard(this)
+    , txtCallsign(Named(u"txtCallsign", new QLineEdit(this)))
+    , txtLat(Named(u"txtLat", new QLineEdit(this)))
+    , txtLong(Named(u"txtLong", new QLineEdit(this)))
+    , txtComment(Named(u"txtComment", new QLineEdit(this)))
+    , labLocator(Named(u"labLocator", new QLabel(this))) {
+    setObjectName(QStringLiteral("frmLocation"));
+    setWindowTitle(QStringLiteral("Station Information"));
+    Build();
+
+    FilterKeys(txtCallsign, FieldRules::CallsignKey);
+    FilterKeys(txtLat, FieldRules::PositionKey);
+    FilterKeys(txtLong, FieldRules::PositionKey);
+    m_guard.AddField(txtCallsign, [this] { return CheckCallsign(); });
+    m_guard.AddField(txtLat, [this] { return CheckPosition(*txtLat, Axis::Latitude); });
+    m_guard.AddField(txtLong, [this] { return CheckPosition(*txtLong, Axis::Longitude); });
+
+    Fill();
+    CentreOnScreen(this);
+}
+
+void frmLocation::Build() {
+    auto* form = new QFormLayout;
+    const std::pair<QString, QLineEdit*> rows[] = {
+        {QStringLiteral("C&allsign"), txtCallsign},
+        {QStringLiteral("&Latitude"), txtLat},
+        {QStringLiteral("Lo&ngitude"), txtLong},
+        {QStringLiteral("Co&mment"), txtComment},
+    };
+    for (const auto& [label, field] : rows) {
+        field->setFont(FixedFont());
+        field->setMinimumWidth(field->fontMetrics().averageCharWidth() * fieldWidth);
+        SelectAllOnFocus(field);
+        form->addRow(label, field);
+    }
+    txtCallsign->setPlaceholderText(QStringLiteral("N0CALL-1"));
+    txtLat->setPlaceholderText(QStringLiteral("DD.MM.hhN"));
+    txtLong->setPlaceholderText(QStringLiteral("DDD.MM.hhE"));
+    labLocator->setFont(FixedFont());
+    labLocator->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    labLocator->setAccessibleName(QStringLiteral("Locator"));
+    form->addRow(QStringLiteral("Locator"), labLocator);
+
+    auto* cmdOk = Named(u"cmdOk", new QPushButton(QStringLiteral("&OK"), this));
+    auto* cmdCancel = Named(u"cmdCancel", new QPushButton(QStringLiteral("&Cancel"), this));
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cmdOk);
+    buttons->addWidget(cmdCancel);
+    cmdOk->setDefault(true);
+    connect(cmdOk, &QPushButton::clicked, this, &frmLocation::Ok);
+    connect(cmdCancel, &QPushButton::clicked, this, &frmLocation::reject);
+    m_guard.AddExempt(cmdCancel);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(form);
+    layout->addLayout(buttons);
+    const QList<QWidget*> order{txtCallsign, txtLat, txtLong, txtComment, cmdOk, cmdCancel};
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order[i - 1], order[i]);
+}
+
+void frmLocation::Fill() {
+    txtLat->setText(PositionText::ToDisplayed(m_station.strLat(), Axis::Latitude));
+    txtLong->setText(PositionText::ToDisplayed(m_station.strLong(), Axis::Longitude));
+    txtComment->setText(m_station.strComment());
+    txtCallsign->setText(m_station.strCallsign());
+    ShowLocator();
+}
+
+bool frmLocation::CheckCallsign() {
+    if (FieldRules::IsCallsignOrEmpty(txtCallsign->text()))
+        return true;
+    m_messages.MessageBox(this, QStringLiteral("That is not a valid callsign."), MessageStyle::Critical);
+    return false;
+}
+
+bool frmLocation::CheckPosition(QLineEdit& field, Axis axis) {
+    const std::optional<QString> position = PositionText::ValidateLatLong(field.text(), axis, true);
+    if (!position) {
+        m_messages.MessageBox(
+            this, QStringLiteral("I can't make that into a valid ") + PositionText::Name(axis) + u'.',
+            MessageStyle::Exclamation);
+        return false;
+    }
+    if (*position != field.text())
+        field.setText(*position);
+    ShowLocator();
+    return true;
+}
+
+void frmLocation::ShowLocator() {
+    const auto locator = PositionText::Locator(PositionText::ToStored(txtLat->text(), Axis::Latitude),
+                                               PositionText::ToStored(txtLong->text(), Axis::Longitude));
+    if (locator)
+        labLocator->setText(*locator);
+}
+
+void frmLocation::closeEvent(QCloseEvent* event) {
+    if (m_guard.MayClose())
+        QDialog::closeEvent(event);
+    else
+        event->ignore();
+}
+
+void frmLocation::Ok() {
+    if (!m_guard.CheckAll())
+        return;
+    m_station.setStrLat(PositionText::ToStored(txtLat->text(), Axis::Latitude));
+    m_station.setStrLong(PositionText::ToStored(txtLong->text(), Axis::Longitude));
+    m_station.setStrCallsign(txtCallsign->text());
+    m_station.setStrComment(txtComment->text().trimmed());
+    m_station.setStrLoc(labLocator->text());
+    accept();
+}

@@ -1,0 +1,313 @@
+#include "station/terminal/frmTerm.h"
+
+#include "foundation/fields/FilterKeys.h"
+#include "foundation/fields/FixedFont.h"
+#include "foundation/fields/Named.h"
+#include "foundation/fields/SelectAllOnFocus.h"
+#include "foundation/messages/mb.h"
+#include "foundation/placement/Twips.h"
+#include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/Settings.h"
+#include "link/UnprotoLink.h"
+#include "station/identity/FieldRules.h"
+#include "station/terminal/LineWrap.h"
+#include "station/terminal/TerminalFont.h"
+#include "station/terminal/TerminalPane.h"
+#include "telemetry/monitor/DisplayKind.h"
+
+#include <QBoxLayout>
+#include <QCloseEvent>
+#include <QFontDatabase>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSignalBlocker>
+
+namespace {
+
+constexpr int columns = 84; // of the pane, when it opens for the first time
+constexpr int lines = 26;
+constexpr int idleCheckInterval = 1000; // ms
+
+QLineEdit* Field(QAnyStringView name, int characters) {
+    auto* field = Named(name, new QLineEdit);
+    field->setFont(FixedFont());
+    field->setMinimumWidth(field->fontMetrics().averageCharWidth() * characters);
+    SelectAllOnFocus(field);
+    return field;
+}
+
+QLabel* LabelOf(QWidget* buddy, const QString& text) {
+    auto* label = new QLabel(text);
+    label->setBuddy(buddy);
+    QFont font = label->font();
+    font.setKerning(false); // the underlined letter is drawn apart: "To" would lose half of its "o"
+    label->setFont(font);
+    return label;
+}
+
+} // namespace
+
+frmTerm::frmTerm(clsIni& cIni, const mb& messages, const Station& station, UnprotoLink& link,
+                 const Clock& clock, const ProgramFolder& folder, const ProgramVersion& version,
+                 QWidget* parent)
+    : QMainWindow(parent)
+    , m_cIni(cIni)
+    , m_messages(messages)
+    , m_link(link)
+    , m_folder(folder)
+    , m_transmitter(station, link, messages, version, this)
+    , m_log(cIni, clock, folder)
+    , m_guard(this)
+    , m_placement(std::make_unique<clsWindowPos>())
+    , m_timer1(this) {
+    setObjectName(QStringLiteral("frmTerm"));
+    setWindowTitle(QStringLiteral("Terminal"));
+    Build();
+    BuildMenu();
+    SetRules();
+    LoadFont();
+    const QFontMetrics metrics = rtbMon->fontMetrics();
+    resize(metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines);
+
+    m_placement->Init(this, QStringLiteral("TERMINAL"), &m_cIni);
+    m_log.Load();
+    mnuLogAllData->setChecked(m_log.IsLogging());
+    LoadFields();
+    m_timer1.setObjectName(QStringLiteral("Timer1"));
+    m_timer1.setInterval(idleCheckInterval);
+    connect(&m_timer1, &QTimer::timeout, this, [this] { m_log.CloseWhenIdle(); });
+    m_timer1.start();
+}
+
+frmTerm::~frmTerm() {
+    Release();
+}
+
+void frmTerm::Build() {
+    txtTo = Field(u"txtTo", 11);
+    txtVia = Field(u"txtVia", 22);
+    txtPort = Field(u"txtPort", 4);
+    txtPort->setMaximumWidth(txtPort->minimumWidth() * 2);
+    txtTx = Field(u"txtTx", 20);
+    cmdAprs = Named(u"cmdAprs", new QPushButton(QStringLiteral("&APRS beacon")));
+    cmdLoc = Named(u"cmdLoc", new QPushButton(QStringLiteral("&Locator beacon")));
+    rtbMon = Named(u"rtbMon", new TerminalPane);
+    rtbMon->setAccessibleName(QStringLiteral("Traffic"));
+
+    auto* address = new QHBoxLayout;
+    address->addWidget(LabelOf(txtTo, QStringLiteral("&To")));
+    address->addWidget(txtTo, 1);
+    address->addWidget(LabelOf(txtVia, QStringLiteral("&Via")));
+    address->addWidget(txtVia, 4);
+    address->addWidget(LabelOf(txtPort, QStringLiteral("&Port")));
+    address->addWidget(txtPort);
+    address->addWidget(cmdAprs);
+    address->addWidget(cmdLoc);
+
+    auto* inside = new QWidget(this);
+    auto* layout = new QVBoxLayout(inside);
+    layout->addLayout(address);
+    layout->addWidget(rtbMon, 1);
+    layout->addWidget(LabelOf(txtTx, QStringLiteral("T&ransmit")));
+    layout->addWidget(txtTx);
+    setCentralWidget(inside);
+    const QList<QWidget*> order{txtTo, txtVia, txtPort, cmdAprs, cmdLoc, rtbMon, txtTx};
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order[i - 1], order[i]);
+}
+
+void frmTerm::BuildMenu() {
+    QMenu* menu = Named(u"mnuFile", menuBar()->addMenu(QStringLiteral("&File")));
+    const auto add = [&](const QString& caption, QAnyStringView name, auto action) {
+        QAction* entry = Named(name, menu->addAction(caption));
+        connect(entry, &QAction::triggered, this, action);
+        return entry;
+    };
+    mnuLogAllData = add(QStringLiteral("Log All Data"), u"mnuLogAllData", [this] {
+        m_log.ToggleLogging();
+        mnuLogAllData->setChecked(m_log.IsLogging());
+    });
+    mnuLogAllData->setCheckable(true);
+    add(QStringLiteral("&Clear"), u"mnuClear", [this] { rtbMon->Empty(); });
+    Named(u"mnuBar1", menu->addSeparator());
+    add(QStringLiteral("Cl&ose"), u"mnuClose", [this] { Close(); });
+}
+
+void frmTerm::SetRules() {
+    FilterKeys(txtTo, FieldRules::CallsignKey);
+    FilterKeys(txtVia, FieldRules::ViaKey);
+    FilterKeys(txtPort, FieldRules::PortKey);
+    for (QLineEdit* field : {txtTo, txtVia, txtPort})
+        m_guard.AddField(field, [this, field] { return MayLeave(field); });
+    txtTx->installEventFilter(this);
+    connect(txtTx, &QLineEdit::textChanged, this, &frmTerm::Wrap);
+    connect(cmdAprs, &QPushButton::clicked, this, [this] { m_transmitter.SendPosition(Fields()); });
+    connect(cmdLoc, &QPushButton::clicked, this, [this] { m_transmitter.SendLocator(Fields()); });
+}
+
+// The font that the pane is meant for, if it is installed or lies beside the program.
+void frmTerm::LoadFont() {
+    const QString family = QStringLiteral("VORNAK");
+    const QString file = m_folder.File(QStringLiteral("vornak.fon"));
+    if (!QFontDatabase::hasFamily(family) && QFile::exists(file))
+        QFontDatabase::addApplicationFont(file);
+    QFont font = FixedFont();
+    if (QFontDatabase::hasFamily(family))
+        font.setFamily(family);
+    const float size = TerminalFont::SnapSize(TerminalFont::wantedPoints, Twips::FromPixels(1, *this));
+    font.setPointSizeF(static_cast<qreal>(size));
+    rtbMon->setFont(font);
+    txtTx->setFont(font);
+}
+
+void frmTerm::LoadFields() {
+    txtTo->setText(Settings::Read(m_cIni, Settings::terminalTo));
+    txtVia->setText(Settings::Read(m_cIni, Settings::terminalVia));
+    txtPort->setText(Settings::Read(m_cIni, Settings::terminalPort));
+    m_transmitter.SetSymbol(Beacons::LoadSymbol(m_cIni, m_folder));
+}
+
+void frmTerm::ShowData(QByteArrayView text, qint16 kind) {
+    if (m_isUnloaded || kind == DisplayKind::ShortForm)
+        return;
+    rtbMon->Append(text, kind);
+    m_log.WriteTrafficLog(text);
+}
+
+void frmTerm::BringForward() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
+AddressFields frmTerm::Fields() const {
+    return {.to = txtTo->text(), .via = txtVia->text(), .port = txtPort->text()};
+}
+
+// What is wrong with an address field; empty when nothing is. A good path is brought into form.
+QString frmTerm::FaultOf(const QWidget* field) {
+    const QString wrongAddress = QStringLiteral(" is not a valid AX25 address.");
+    if (field == txtTo && !FieldRules::IsCallsignOrEmpty(txtTo->text()))
+        return QStringLiteral("That") + wrongAddress;
+    if (field == txtVia) {
+        const FieldRules::ViaPath via = FieldRules::NormaliseVia(txtVia->text());
+        if (!via.wrong.isEmpty())
+            return via.wrong + wrongAddress;
+        if (via.path != txtVia->text())
+            txtVia->setText(via.path);
+    }
+    if (field == txtPort && !FieldRules::IsPortAvailable(txtPort->text(), m_link.PortCount()))
+        return FieldRules::PortMessage(m_link.PortCount());
+    return {};
+}
+
+bool frmTerm::MayLeave(const QWidget* field) {
+    const QString fault = FaultOf(field);
+    if (fault.isEmpty())
+        return true;
+    m_messages.MessageBox(this, fault, MessageStyle::Critical);
+    return false;
+}
+
+bool frmTerm::TransmitKey(const QKeyEvent& key) {
+    if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) {
+        m_lastLine = txtTx->text();
+        Transmit({*m_lastLine});
+        txtTx->clear();
+        return true;
+    }
+    if (key.key() == Qt::Key_R && key.modifiers() == Qt::ControlModifier) {
+        if (m_lastLine)
+            txtTx->setText(*m_lastLine);
+        return true;
+    }
+    return false;
+}
+
+void frmTerm::Wrap() {
+    const LineWrap wrap = WrapLines(txtTx->text());
+    if (wrap.lines.isEmpty())
+        return;
+    {
+        const QSignalBlocker silent(txtTx);
+        txtTx->setText(wrap.rest);
+    }
+    m_lastLine = wrap.lines.last();
+    Transmit(wrap.lines);
+}
+
+void frmTerm::Transmit(const QStringList& texts) {
+    const AddressFields fields = Fields();
+    m_transmitter.TransmitText(texts, fields, fields.to);
+}
+
+bool frmTerm::event(QEvent* event) {
+    // Whoever comes back to a field with something wrong in it still has to mend it.
+    if (event->type() == QEvent::WindowActivate && FaultOf(focusWidget()).isEmpty())
+        txtTx->setFocus(Qt::ActiveWindowFocusReason);
+    return QMainWindow::event(event);
+}
+
+bool frmTerm::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == txtTx && event->type() == QEvent::KeyPress)
+        return TransmitKey(*static_cast<QKeyEvent*>(event));
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void frmTerm::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape)
+        Close();
+    else
+        QMainWindow::keyPressEvent(event);
+}
+
+void frmTerm::moveEvent(QMoveEvent* event) {
+    QMainWindow::moveEvent(event);
+    if (m_placement)
+        m_placement->RecordPosition();
+}
+
+void frmTerm::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    if (!m_placement || isMinimized())
+        return;
+    if (isVisible())
+        m_placement->blnBeenInResize = true;
+    m_placement->RecordPosition();
+}
+
+void frmTerm::closeEvent(QCloseEvent* event) {
+    // The close box unloads, as the menu does; but what is stored then and wrong has been said.
+    m_guard.MayClose();
+    event->accept();
+    Unload();
+}
+
+void frmTerm::Close() {
+    const QPointer<frmTerm> self(this);
+    Unload();
+    if (self)
+        hide();
+}
+
+void frmTerm::Unload() {
+    if (Release())
+        Q_EMIT ImUnloading();
+}
+
+// False when it has been done before.
+bool frmTerm::Release() {
+    if (m_isUnloaded)
+        return false;
+    m_isUnloaded = true;
+    Settings::Save(m_cIni, Settings::terminalTo, txtTo->text());
+    Settings::Save(m_cIni, Settings::terminalVia, txtVia->text());
+    m_timer1.stop();
+    m_log.CloseTrafficLog();
+    m_placement.reset();
+    return true;
+}

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "foundation/fields/FieldGuard.h"
+#include "foundation/placement/clsWindowPos.h"
+#include "station/log/TrafficLog.h"
+#include "station/terminal/Transmitter.h"
+
+#include <QMainWindow>
+#include <QTimer>
+
+#include <memory>
+
+class QAction;
+class QLineEdit;
+class QPushButton;
+class TerminalPane;
+
+/// The terminal: all traffic in colour, and a line to send own frames. Made hidden; what arrives while it is
+/// hidden is kept and logged like the rest.
+class frmTerm : public QMainWindow {
+    Q_OBJECT
+public:
+    frmTerm(clsIni& cIni, const mb& messages, const Station& station, UnprotoLink& link, const Clock& clock,
+            const ProgramFolder& folder, const ProgramVersion& version, QWidget* parent = nullptr);
+    frmTerm(const frmTerm&) = delete;
+    frmTerm& operator=(const frmTerm&) = delete;
+
+    /// Saves and closes what Unload would, if that has not been done yet, and tells nobody.
+    ~frmTerm() override;
+
+    /// Shows a Windows-1252 text, its line ends included, and logs it; texts of kind 1 are not for the
+    /// terminal.
+    void ShowData(QByteArrayView text, qint16 kind);
+
+    /// Shows the window, restored if minimised, before all others.
+    void BringForward();
+
+    /// Saves what the user has entered, closes the log and gives up the window's place; then tells. What any
+    /// way of closing the window does. A second call does nothing.
+    void Unload();
+
+Q_SIGNALS:
+    /// The window has saved and closed everything that is its own, the last thing it does: whoever holds it
+    /// lets it go, with deleteLater(), and makes a new one when the user asks for the terminal again.
+    void ImUnloading();
+
+protected:
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void Build();
+    void BuildMenu();
+    void SetRules();
+    void LoadFont();
+    void LoadFields();
+    AddressFields Fields() const;
+    QString FaultOf(const QWidget* field);
+    bool MayLeave(const QWidget* field);
+    bool TransmitKey(const QKeyEvent& key);
+    void Wrap();
+    void Transmit(const QStringList& lines);
+    void Close();
+    bool Release();
+
+    clsIni& m_cIni;
+    const mb& m_messages;
+    UnprotoLink& m_link;
+    const ProgramFolder& m_folder;
+    Transmitter m_transmitter;
+    TrafficLog m_log;
+    FieldGuard m_guard;
+    std::unique_ptr<clsWindowPos> m_placement;
+    QTimer m_timer1;
+    std::optional<QString> m_lastLine;
+    bool m_isUnloaded = false;
+
+    TerminalPane* rtbMon = nullptr;
+    QLineEdit* txtTo = nullptr;
+    QLineEdit* txtVia = nullptr;
+    QLineEdit* txtPort = nullptr;
+    QLineEdit* txtTx = nullptr;
+    QPushButton* cmdAprs = nullptr;
+    QPushButton* cmdLoc = nullptr;
+    QAction* mnuLogAllData = nullptr;
+};

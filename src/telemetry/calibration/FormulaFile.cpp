@@ -1,0 +1,122 @@
+#include "telemetry/calibration/FormulaFile.h"
+
+#include "foundation/messages/mb.h"
+#include "telemetry/frames/ByteViews.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <iostream>
+#include <optional>
+#include <string>
+
+namespace {
+
+constexpr qint64 largestFile = 64 * 1024 * 1024;
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view blanks = " \t";
+
+// The whole file; nothing, and the reason, when it cannot be read.
+std::optional<QByteArray> ReadFile(const QString& path, QString& reason) {
+    QFile file(path);
+    if (file.exists() && !QFileInfo(path).isFile()) {
+        reason = QStringLiteral("%1 is not a file").arg(path);
+        return std::nullopt;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        reason = file.errorString();
+        return std::nullopt;
+    }
+    QByteArray bytes = file.read(std::min(file.size(), largestFile) + 1); // room for as much is made at once
+    if (file.error() != QFileDevice::NoError)
+        reason = file.errorString();
+    else if (bytes.size() > largestFile)
+        reason = QStringLiteral("%1 is too large for a formula file").arg(path);
+    else
+        return bytes;
+    return std::nullopt;
+}
+
+std::string_view Trimmed(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    return text.substr(0, text.find_last_not_of(blanks) + 1);
+}
+
+// Takes the first line off `text`; lines end in CR, LF or CR LF.
+std::string_view TakeLine(std::string_view& text) {
+    const std::size_t end = text.find_first_of("\r\n");
+    const std::string_view line = text.substr(0, end);
+    const std::size_t ending = end == std::string_view::npos          ? 0
+                               : text.substr(end).starts_with("\r\n") ? 2
+                                                                      : 1;
+    text.remove_prefix(line.size() + ending);
+    return line;
+}
+
+// The fields of a formula line; nothing for every other line.
+std::optional<FormulaTable::Fields> SplitFormulaLine(std::string_view line) {
+    line = Trimmed(line);
+    if (!line.starts_with('A') && !line.starts_with('B'))
+        return std::nullopt;
+    const auto split = SplitAtCommas<FormulaTable::fieldsInLine>(line);
+    if (!split)
+        return std::nullopt;
+    FormulaTable::Fields fields;
+    std::ranges::copy(*split, fields.begin());
+    return fields;
+}
+
+void TellOffendingLine(const QString& path, int number, std::string_view line) {
+    constexpr std::size_t longestShown = 200;
+    std::string shown(Trimmed(line).substr(0, longestShown));
+    std::ranges::replace_if(
+        shown, [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, '?');
+    std::cerr << path.toLocal8Bit().toStdString() << ", line " << number << ": no such grid or row: " << shown
+              << std::endl;
+}
+
+// Nothing after the last line; else what the line at fault came to, and its number.
+struct Fault {
+    FormulaTable::Store store;
+    int line;
+    std::string_view text;
+};
+
+std::optional<Fault> StoreLines(std::string_view text, const TelemetryGrids& grids, FormulaTable& table) {
+    if (text.starts_with(byteOrderMark))
+        text.remove_prefix(byteOrderMark.size());
+    for (int number = 1; !text.empty(); ++number) {
+        const std::string_view line = TakeLine(text);
+        if (const auto fields = SplitFormulaLine(line))
+            if (const auto store = table.StoreFormulaLine(*fields, grids); store != FormulaTable::Store::Done)
+                return Fault{store, number, line};
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+FormulaLoad LoadFormulae(const QString& path, const TelemetryGrids& grids, FormulaTable& table,
+                         const mb& messages, QObject* owner) {
+    table = FormulaTable();
+    QString reason;
+    if (const std::optional<QByteArray> bytes = ReadFile(path, reason)) {
+        const std::optional<Fault> fault = StoreLines(ToView(*bytes), grids, table);
+        if (!fault)
+            return FormulaLoad::Loaded;
+        if (fault->store == FormulaTable::Store::UnknownGridOrRow) {
+            TellOffendingLine(path, fault->line, fault->text);
+            return FormulaLoad::Halt;
+        }
+        reason = (fault->store == FormulaTable::Store::BadFrameType
+                      ? QStringLiteral("The frame type in line %1 is not 0 to 3")
+                      : QStringLiteral("A number in line %1 is too large"))
+                     .arg(fault->line);
+    }
+    messages.MessageBox(
+        owner,
+        QStringLiteral("An error occurred loading the formulae. The error message is '%1'").arg(reason),
+        MessageStyle::Critical);
+    return FormulaLoad::Failed;
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "telemetry/calibration/FormulaTable.h"
+
+#include <QString>
+
+class QObject;
+class mb;
+
+/// How the loading of the formulae ended.
+enum class FormulaLoad {
+    Loaded,
+    Failed, ///< the user has seen why; the program cannot start
+    Halt    ///< a misspelt grid or row, told to standard error with its line: the program must end at once
+};
+
+/// Reads the formula file: one formula a line, in eight fields separated by commas. Only lines that begin
+/// with "A" or "B" after their blanks and have eight fields count; all others are the file's own notes.
+FormulaLoad LoadFormulae(const QString& path, const TelemetryGrids& grids, FormulaTable& table,
+                         const mb& messages, QObject* owner);

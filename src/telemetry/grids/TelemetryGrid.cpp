@@ -1,0 +1,165 @@
+#include "telemetry/grids/TelemetryGrid.h"
+
+#include "foundation/text/Text.h"
+#include "telemetry/frames/ByteViews.h"
+#include "telemetry/grids/FixedNumber.h"
+
+#include <QLatin1StringView>
+
+#include <span>
+
+namespace {
+
+struct Layout {
+    const char* tag;
+    const char* heading; // of the name column; the formula file knows only the tag
+    std::span<const char* const> rows;
+    int decimals; // of the display format
+};
+
+constexpr std::array powerRows{"Batt A", "Batt B", "P Out", "8V Reg"};
+constexpr std::array currentRows{"X+", "X-", "Y+", "Y-", "Z+", "Z-", "Batt"};
+constexpr std::array tempRows{"X+", "X-", "Y+", "Y-", "Z+", "Z-", "Stack", "Batt", "Xmtr"};
+
+constexpr std::array<Layout, TelemetryGrid::grids> layouts{{
+    {"POWER", "POWER", powerRows, 2},
+    {"CURRENT", "CURRENT", currentRows, 0},
+    {"TEMP", "TEMPS", tempRows, 1},
+}};
+
+const Layout& LayoutOf(int index) {
+    return layouts.at(static_cast<std::size_t>(index));
+}
+
+QString HeaderText(int index, int column) {
+    switch (column) {
+    case TelemetryGrid::Name:
+        return QLatin1StringView(LayoutOf(index).heading);
+    case TelemetryGrid::ValueA:
+        return QStringLiteral("A");
+    case TelemetryGrid::ValueB:
+        return QStringLiteral("B");
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+TelemetryGrid::TelemetryGrid(int index, QObject* parent)
+    : QAbstractTableModel(parent)
+    , m_index(index)
+    , m_cells(LayoutOf(index).rows.size())
+    , m_changed(m_cells.size()) {}
+
+QByteArrayView TelemetryGrid::Tag() const {
+    return LayoutOf(m_index).tag;
+}
+
+const TelemetryGrid::Cell* TelemetryGrid::CellAt(int row, int side) const {
+    if (row < 1 || row > Rows() || side < 0 || side > 1)
+        return nullptr;
+    return &m_cells[static_cast<std::size_t>(row - 1)][static_cast<std::size_t>(side)];
+}
+
+QString TelemetryGrid::TextMatrix(int row, int column) const {
+    if (row == 0)
+        return HeaderText(m_index, column);
+    if (column == Name && row > 0 && row <= Rows())
+        return QLatin1StringView(LayoutOf(m_index).rows[static_cast<std::size_t>(row - 1)]);
+    const bool isLabel = column == LabelA || column == LabelB;
+    const Cell* cell = CellAt(row, column - (isLabel ? LabelA : ValueA));
+    if (cell == nullptr || !cell->isSet)
+        return {};
+    return isLabel ? Text::FromBytes(cell->sequence) + FormatDateTime(cell->time, u"  yyyy-mmm-dd hh:nn")
+                   : Text::GeneralNumber(cell->value);
+}
+
+QString TelemetryGrid::DisplayText(int row, int column) const {
+    const Cell* cell = column == ValueA || column == ValueB ? CellAt(row, column - ValueA) : nullptr;
+    return cell != nullptr && cell->isSet ? FixedNumber(cell->value, LayoutOf(m_index).decimals)
+                                          : TextMatrix(row, column);
+}
+
+int TelemetryGrid::FindRow(QByteArrayView upperCaseName) const {
+    const auto& rows = LayoutOf(m_index).rows;
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        if (QByteArray(rows[i]).toUpper() == upperCaseName)
+            return static_cast<int>(i) + 1;
+    return 0;
+}
+
+bool TelemetryGrid::SetValue(int row, int side, double value, const FrameLabel& label) {
+    if (CellAt(row, side) == nullptr)
+        return false;
+    Cell& cell = m_cells[static_cast<std::size_t>(row - 1)][static_cast<std::size_t>(side)];
+    cell.isSet = true;
+    cell.value = value;
+    cell.sequence.assign(ToView(label.sequence));
+    cell.time = label.time;
+    m_changed[static_cast<std::size_t>(row - 1)] = true;
+    if (!m_announced) {
+        m_announced = true;
+        QMetaObject::invokeMethod(this, &TelemetryGrid::Announce, Qt::QueuedConnection);
+    }
+    return true;
+}
+
+void TelemetryGrid::Announce() {
+    m_announced = false;
+    for (int row = 0; row < Rows(); ++row) {
+        if (!m_changed[static_cast<std::size_t>(row)])
+            continue;
+        m_changed[static_cast<std::size_t>(row)] = false;
+        Q_EMIT dataChanged(index(row, ValueA), index(row, LabelB));
+    }
+}
+
+int TelemetryGrid::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : Rows();
+}
+
+int TelemetryGrid::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : Columns;
+}
+
+Qt::ItemFlags TelemetryGrid::flags(const QModelIndex& index) const {
+    // The name column is fixed like the header row: nobody selects it.
+    return index.column() == Name ? Qt::ItemIsEnabled : QAbstractTableModel::flags(index);
+}
+
+QVariant TelemetryGrid::data(const QModelIndex& index, int role) const {
+    const int row = index.row() + 1;
+    switch (role) {
+    case Qt::DisplayRole:
+        return DisplayText(row, index.column());
+    case FullText:
+        return TextMatrix(row, index.column());
+    case Qt::AccessibleTextRole: // a value alone says nothing to somebody who cannot see its row and column
+        return index.column() == Name ? DisplayText(row, Name)
+                                      : QStringLiteral("%1, %2: %3")
+                                            .arg(TextMatrix(row, Name), TextMatrix(0, index.column()),
+                                                 DisplayText(row, index.column()));
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(Qt::Alignment(index.column() == Name ? Qt::AlignLeft : Qt::AlignRight) |
+                                   Qt::AlignVCenter);
+    default:
+        return {};
+    }
+}
+
+QVariant TelemetryGrid::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal)
+        return {};
+    if (role == Qt::TextAlignmentRole)
+        return QVariant::fromValue(Qt::Alignment(section == Name ? Qt::AlignLeft : Qt::AlignRight) |
+                                   Qt::AlignVCenter);
+    return role == Qt::DisplayRole ? HeaderText(m_index, section) : QVariant();
+}
+
+TelemetryGrids MakeTelemetryGrids() {
+    TelemetryGrids grids;
+    for (int index = 0; index < TelemetryGrid::grids; ++index)
+        grids[static_cast<std::size_t>(index)] = std::make_unique<TelemetryGrid>(index);
+    return grids;
+}

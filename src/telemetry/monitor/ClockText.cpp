@@ -1,0 +1,14 @@
+#include "telemetry/monitor/ClockText.h"
+
+#include <utility>
+
+ClockText::ClockText(std::function<DateTime()> displayTime)
+    : m_displayTime(std::move(displayTime)) {}
+
+std::string_view ClockText::Now() {
+    if (const DateTime time = m_displayTime(); m_text.empty() || time != m_time) {
+        m_time = time;
+        m_text = FormatDateTime(time, u"hh\\:nn\\:ss").toStdString();
+    }
+    return m_text;
+}

@@ -1,0 +1,77 @@
+#include "telemetry/monitor/MonitorPane.h"
+
+#include "foundation/fields/FixedFont.h"
+#include "foundation/text/Text.h"
+#include "telemetry/monitor/MonitorText.h"
+
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextCursor>
+
+#include <algorithm>
+
+namespace {
+
+// A document counts CR LF as one character.
+qsizetype DocumentLength(QByteArrayView text) {
+    return text.size() - text.count("\r\n");
+}
+
+QString DocumentText(QByteArrayView text) {
+    return Text::FromBytes(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+}
+
+} // namespace
+
+MonitorPane::MonitorPane(const MonitorText& text, QWidget* parent)
+    : QPlainTextEdit(parent)
+    , m_text(text)
+    , m_shownEnd(text.Begin()) {
+    setObjectName(QStringLiteral("txtMon"));
+    setAccessibleName(tr("Monitor"));
+    setReadOnly(true);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setUndoRedoEnabled(false);
+    setTabChangesFocus(true);
+    setFont(FixedFont());
+    connect(&text, &MonitorText::Changed, this, &MonitorPane::ShowChanges);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int value) {
+        if (!m_ownScroll)
+            m_follows = value == verticalScrollBar()->maximum();
+    });
+    ShowChanges();
+}
+
+void MonitorPane::ShowChanges() {
+    const QScopedValueRollback ownScroll(m_ownScroll, true);
+    const QTextCursor top(firstVisibleBlock());
+    const QByteArrayView text = m_text.Text();
+    const qsizetype shown = std::max(m_shownEnd, m_text.Begin()) - m_text.Begin();
+    m_shownEnd = m_text.End();
+
+    QTextCursor edit(document());
+    edit.beginEditBlock();
+    const qsizetype before = document()->characterCount() - 1; // without the document's own end
+    edit.setPosition(static_cast<int>(before - DocumentLength(text.first(shown))), QTextCursor::KeepAnchor);
+    edit.removeSelectedText();
+    edit.movePosition(QTextCursor::End);
+    edit.insertText(DocumentText(text.sliced(shown)));
+    edit.endEditBlock();
+
+    if (m_follows)
+        ScrollToNewest();
+    else
+        verticalScrollBar()->setValue(top.block().firstLineNumber());
+}
+
+void MonitorPane::ScrollToNewest() {
+    verticalScrollBar()->setValue(verticalScrollBar()->maximum());
+}
+
+void MonitorPane::resizeEvent(QResizeEvent* event) {
+    const QScopedValueRollback ownScroll(m_ownScroll, true);
+    QPlainTextEdit::resizeEvent(event);
+    if (m_follows)
+        ScrollToNewest();
+}
