@@ -149,7 +149,7 @@ void frmQIRANMenuTest::useLocalTimeHoldsFromTheNextFrame() {
     rig.clock.SetOffsetHours(3);
     QVERIFY(rig.Start());
     QTRY_COMPARE(rig.engine.MonitoringCount(), 1);
-    const HeardFrame heard{
+    const AirFrame heard{
         .from = "XQ9ZZ-1", .to = "APRS", .via = {}, .information = "T#1,10,20,30,40,0,0,00101111,0"};
     rig.engine.SendHeard(heard);
     QTRY_VERIFY(rig.Monitor().contains(u"12:00:00 XQ9ZZ-1>APRS:"_s));

@@ -45,7 +45,7 @@ namespace {
 
 const QByteArray telemetry = "T#001,10,20,30,40,0,0,00101111,0";
 
-HeardFrame Heard(const QByteArray& from, const QByteArray& information) {
+AirFrame Heard(const QByteArray& from, const QByteArray& information) {
     return {.from = from, .to = "APRS", .via = {"WIDE2-2"}, .information = information};
 }
 
@@ -302,7 +302,7 @@ void frmQIRANTest::transmittedAndOtherFramesAreMarked() {
     QVERIFY(rig.Start());
     QTRY_COMPARE(rig.engine.MonitoringCount(), 1);
     for (const char kind : {'I', 'S', 'T'}) {
-        HeardFrame heard = Heard(QByteArray("N0CALL-") + kind, "from here");
+        AirFrame heard = Heard(QByteArray("N0CALL-") + kind, "from here");
         heard.kind = kind;
         rig.engine.SendHeard(heard);
     }

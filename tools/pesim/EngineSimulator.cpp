@@ -18,7 +18,7 @@ constexpr int firstFreePort = 10000;
 constexpr int lastFreePort = 32767;
 constexpr int maxAttempts = 1000;
 
-QByteArray ControlPart(const HeardFrame& heard) {
+QByteArray ControlPart(const AirFrame& heard) {
     const QByteArray length = QByteArray::number(heard.information.size());
     switch (heard.kind) {
     case AgwKind::MonitoredInformation:
@@ -167,7 +167,7 @@ void EngineSimulator::Answer(Connection& connection, const AgwFrame& frame) {
 }
 
 void EngineSimulator::AnswerUnproto(const AgwFrame& frame) {
-    HeardFrame sent{.port = frame.port + 1,
+    AirFrame sent{.port = frame.port + 1,
                     .kind = AgwKind::Transmitted,
                     .from = frame.callFrom.toByteArray(),
                     .to = frame.callTo.toByteArray(),
@@ -187,7 +187,7 @@ void EngineSimulator::AnswerUnproto(const AgwFrame& frame) {
     SendHeard(sent);
 }
 
-QByteArray EngineSimulator::HeardBytes(const HeardFrame& heard, const QByteArray& time) {
+QByteArray EngineSimulator::HeardBytes(const AirFrame& heard, const QByteArray& time) {
     QByteArray text = ' ' + QByteArray::number(heard.port) + ":Fm " + heard.from + " To " + heard.to;
     if (!heard.via.isEmpty())
         text += " Via " + heard.via.join(',');
@@ -203,7 +203,7 @@ QByteArray EngineSimulator::HeardBytes(const HeardFrame& heard, const QByteArray
         .ToBytes();
 }
 
-void EngineSimulator::SendHeard(const HeardFrame& heard) {
+void EngineSimulator::SendHeard(const AirFrame& heard) {
     const QByteArray bytes =
         HeardBytes(heard, QTime::currentTime().toString(QStringLiteral("hh:mm:ss")).toLatin1());
     for (const auto& connection : m_connections) {

@@ -13,7 +13,7 @@
 class QTcpSocket;
 
 /// A frame as a packet engine monitors it.
-struct HeardFrame {
+struct AirFrame {
     int port = 1; ///< from 1
     char kind = AgwKind::MonitoredUnproto;
     QByteArray from;
@@ -49,13 +49,13 @@ public:
     void SetCloseAfter(char kind) { m_closeAfter = kind; } ///< closes having answered this kind; NUL: never
 
     /// Sends the frame to every connection that monitors.
-    void SendHeard(const HeardFrame& heard);
+    void SendHeard(const AirFrame& heard);
 
     /// Sends bytes to every connection.
     void SendRaw(const QByteArray& bytes);
 
     /// The monitored frame on the wire, as real engines write it; `time` is "hh:mm:ss".
-    static QByteArray HeardBytes(const HeardFrame& heard, const QByteArray& time);
+    static QByteArray HeardBytes(const AirFrame& heard, const QByteArray& time);
 
 Q_SIGNALS:
     void ConnectionOpened(int connection); ///< connections are counted from 1

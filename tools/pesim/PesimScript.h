@@ -10,7 +10,7 @@
 namespace PesimStep {
 
 struct Heard {
-    HeardFrame frame; ///< its port is the player's
+    AirFrame frame; ///< its port is the player's
 };
 struct RadioPort {
     int port;

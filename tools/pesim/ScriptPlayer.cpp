@@ -59,7 +59,7 @@ void ScriptPlayer::Play() {
 void ScriptPlayer::CarryOut(const PesimCommand& command) {
     std::visit(Overloaded{
                    [this](const PesimStep::Heard& step) {
-                       HeardFrame frame = step.frame;
+                       AirFrame frame = step.frame;
                        frame.port = m_radioPort;
                        m_engine.SendHeard(frame);
                    },
