@@ -10,11 +10,13 @@
 #include "foundation/settings/clsIni.h"
 #include "foundation/text/Clock.h"
 #include "link/UnprotoLink.h"
-#include "link/agwpe/MERAGW.h"
+#include "link/agwpe/AgwLink.h"
+#include "link/agwpe/AgwSettings.h"
 #include "station/identity/Station.h"
 #include "station/terminal/frmTerm.h"
-#include "telemetry/calibration/FormulaTable.h"
+#include "telemetry/calibration/TelemetryDecoder.h"
 #include "telemetry/frames/ByteViews.h"
+#include "telemetry/grids/GridValues.h"
 #include "telemetry/grids/TelemetryGridView.h"
 #include "telemetry/grids/TipCell.h"
 #include "telemetry/monitor/FrameIntake.h"
@@ -227,46 +229,56 @@ struct Road {
     ProgramFolder program{folder.path(), QStringLiteral("frames")};
     clsIni ini{program.IniFile()};
     Clock clock;
-    SecondTime time{clock, [this] { return FromCalendar(clock.Utc()); }};
-    std::function<DateTime()> displayTime = [this] { return time.Now(); };
+    SecondTime time{[](qint64 utc) { return FromCalendar(Clock::UtcAt(utc)); }};
+    std::function<DateTime(qint64)> displayTime = [this](qint64 utc) { return time.At(utc); };
     TelemetryGrids grids = MakeTelemetryGrids();
     ChannelMap map;
     FormulaTable formulae;
     CallsignList callsigns{ini};
-    TelemetryDecoder decoder{map, formulae, grids, callsigns, displayTime};
+    TelemetryDecoder decoder{map, formulae, callsigns};
+    GridValues values{grids, displayTime};
     MonitorText monitor;
-    FrameIntake intake{callsigns, decoder, monitor, displayTime};
-    MERAGW client;
+    FrameIntake intake{callsigns, monitor, displayTime};
+    FanOut<HeardFrame> heard;
+    AgwSettings settings{ini};
+    AgwLink link{settings, clock};
 
     explicit Road(bool onlyShowQiran) {
         map.BuildChannelMap();
         callsigns.LoadCallsigns();
         intake.SetOnlyShowQiran(onlyShowQiran);
+        heard.Add([this](const HeardFrame& frame) { intake.Take(frame); });
+        heard.Add([this](const HeardFrame& frame) { decoder.Take(frame); },
+                  FanOut<HeardFrame>::Takes::LiveAndReplayed);
+        decoder.Decoded().Add([this](const TelemetryFrame& frame) { values.Take(frame); });
         for (const auto& grid : grids)
             for (const char* side : {"A", "B"})
                 for (const char* type : {"0", "1", "2", "3"})
                     for (int row = 1; row <= grid->Rows(); ++row)
                         formulae.StoreFormulaLine({side, type, grid->Tag(),
                                                    grid->TextMatrix(row, TelemetryGrid::Name).toLatin1(),
-                                                   "1e-6", "1e-4", "1.25", "-12.5"},
-                                                  grids);
+                                                   "1e-6", "1e-4", "1.25", "-12.5"});
     }
 
     Result Run(const Stream& stream, long frames) {
         const Sender sender(stream, frames);
         long seen = 0;
-        QObject::connect(&client, &MERAGW::FrameArrival, &client, [&](const MonitoredFrame& frame) {
-            intake.FrameReceived(frame);
+        QObject::connect(&link, &AgwLink::Heard, &link, [&](const HeardFrame& frame) {
+            heard.Hand(frame);
             ++seen;
         });
-        QObject::connect(&client, &MERAGW::Disconnected, qApp, &QCoreApplication::quit);
-        client.SetHost(QStringLiteral("127.0.0.1"));
-        client.SetPort(sender.Port());
-        client.Connect();
+        QObject::connect(&link, &AgwLink::MonitorEnabled, qApp, [](bool isConnected) {
+            if (!isConnected)
+                QCoreApplication::quit();
+        });
+        settings.setStrAgwHost(QStringLiteral("127.0.0.1"));
+        settings.setIntAgwPort(sender.Port());
+        link.Connect();
         const Stopwatch watch;
         QCoreApplication::exec();
         const Result result = watch.Read(seen);
-        client.disconnect();
+        link.disconnect();
+        link.Stop();
         if (grids[0]->TextMatrix(1, TelemetryGrid::ValueA).isEmpty())
             std::abort();
         return result;
@@ -292,9 +304,11 @@ Result WithWidgets(const Stream& stream, long frames, bool onlyShowQiran) {
         row->addWidget(new TelemetryGridView(*grid, tipCell));
     window.resize(900, 600);
     window.show();
-    frmTerm terminal(road.ini, messages, station, nobody, road.clock, road.program, ProgramVersion{});
+    TerminalSession session(road.ini, road.clock, road.program, station, nobody, messages, ProgramVersion{});
+    session.Open();
+    frmTerm terminal(road.ini, messages, nobody, session, road.program);
     terminal.show();
-    road.intake.SetTerminal([&](QByteArrayView text, qint16 kind) { terminal.ShowData(text, kind); });
+    road.intake.SetTerminal([&](QByteArrayView text, qint16 kind) { session.Take(text, kind); });
     return road.Run(stream, frames);
 }
 

@@ -5,6 +5,7 @@
 #include "ScratchFolder.h"
 #include "foundation/messages/mb.h"
 #include "telemetry/calibration/FormulaFile.h"
+#include "telemetry/grids/TelemetryGrid.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,12 +30,12 @@ struct Loading {
     std::string error; // what went to standard error
 };
 
-Loading Load(const QString& path, const TelemetryGrids& grids) {
+Loading Load(const QString& path) {
     CountingPresenter presenter;
     Loading loading;
     std::ostringstream error;
     std::streambuf* const before = std::cerr.rdbuf(error.rdbuf());
-    loading.end = LoadFormulae(path, grids, loading.table, mb(presenter), nullptr);
+    loading.end = LoadFormulae(path, loading.table, mb(presenter), nullptr);
     std::cerr.rdbuf(before);
     loading.error = error.str();
     Require(presenter.messages == (loading.end == FormulaLoad::Failed ? 1 : 0),
@@ -92,8 +93,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const ScratchFolder scratch;
     static const TelemetryGrids grids = MakeTelemetryGrids();
     const std::string_view text = Input(data, size);
-    const Loading first = Load(scratch.Write(QStringLiteral("a"), text), grids);
-    const Loading second = Load(scratch.Write(QStringLiteral("a"), WithLineEnds(text)), grids);
+    const Loading first = Load(scratch.Write(QStringLiteral("a"), text));
+    const Loading second = Load(scratch.Write(QStringLiteral("a"), WithLineEnds(text)));
     Require(first.end == second.end && first.error == second.error, "line ends do not count");
     Require(first.error.empty() == (first.end != FormulaLoad::Halt), "a halt is told, and nothing else is");
     Require(first.error.size() < 400 &&

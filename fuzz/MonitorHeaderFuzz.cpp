@@ -3,6 +3,7 @@
 #include "Input.h"
 #include "Require.h"
 #include "foundation/settings/clsIni.h"
+#include "link/agwpe/AgwHeard.h"
 #include "telemetry/monitor/DisplayKind.h"
 #include "telemetry/monitor/FrameIntake.h"
 #include "telemetry/monitor/MonitorHeader.h"
@@ -49,17 +50,12 @@ std::size_t CountSolid(std::string_view text) {
 
 struct Room {
     clsIni ini{QString()};
-    ChannelMap map;
-    FormulaTable formulae;
-    TelemetryGrids grids = MakeTelemetryGrids();
     CallsignList callsigns{ini};
-    TelemetryDecoder decoder{map, formulae, grids, callsigns, [] { return 45000.0; }};
     MonitorText monitor;
-    FrameIntake intake{callsigns, decoder, monitor, [] { return 45000.0; }};
+    FrameIntake intake{callsigns, monitor, [](qint64) { return 45000.0; }};
     QByteArray terminal;
 
     Room() {
-        map.BuildChannelMap();
         callsigns.LoadCallsigns();
         intake.SetTerminal([this](QByteArrayView text, qint16) { terminal += text; });
     }
@@ -68,7 +64,13 @@ struct Room {
 void CheckIntake(std::string_view frame, std::string_view source, bool onlyQiran) {
     Room room;
     room.intake.SetOnlyShowQiran(onlyQiran);
-    room.intake.FrameReceived({1, Bytes(source), "APRS", Bytes(frame)});
+    const MonitoredFrame monitored{
+        .port = 1, .source = Bytes(source), .destination = "APRS", .data = Bytes(frame)};
+    const HeardFrame heard = AgwHeard::FromFrame(monitored, 0);
+    Require(heard.information.size() <= monitored.data.size(), "the information is a part of the text");
+    room.intake.Take(heard);
+    for (const auto kind : {HeardFrame::Kind::I, HeardFrame::Kind::S, HeardFrame::Kind::T})
+        AgwHeard::FromText(Bytes(frame), kind, 0);
     const std::string_view shown = View(room.terminal);
     Require(shown.ends_with("\r\n"), "a frame ends with a blank line in the terminal");
     CheckLines(shown.substr(0, shown.size() - 2));

@@ -4,6 +4,7 @@
 #include "Require.h"
 #include "foundation/settings/clsIni.h"
 #include "telemetry/calibration/TelemetryDecoder.h"
+#include "telemetry/grids/GridValues.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,9 +24,11 @@ struct Room {
     FormulaTable formulae;
     TelemetryGrids grids = MakeTelemetryGrids();
     CallsignList callsigns{ini};
-    TelemetryDecoder decoder{map, formulae, grids, callsigns, [] { return 45000.5; }};
+    TelemetryDecoder decoder{map, formulae, callsigns};
+    GridValues values{grids, [](qint64) { return 45000.5; }};
 
     Room() {
+        decoder.Decoded().Add([this](const TelemetryFrame& frame) { values.Take(frame); });
         map.BuildChannelMap();
         callsigns.LoadCallsigns();
         for (const auto& grid : grids)
@@ -36,8 +39,7 @@ struct Room {
                 const auto& numbers = coefficients[static_cast<std::size_t>(row) % std::size(coefficients)];
                 const auto stored =
                     formulae.StoreFormulaLine({place % 8 < 4 ? "A" : "B", type, grid->Tag(), name, numbers[0],
-                                               numbers[1], numbers[2], numbers[3]},
-                                              grids);
+                                               numbers[1], numbers[2], numbers[3]});
                 Require(stored == FormulaTable::Store::Done, "every cell takes a formula");
             }
     }
@@ -90,7 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Room room;
         const int side = room.decoder.SideIndexOf(source);
         Require(side == (source == "QIRAN" ? 1 : 0), "the callsign tells the side");
-        room.decoder.DecodeTelemetry(source, Bytes(line));
+        room.decoder.DecodeTelemetry({.source = source}, Bytes(line));
         const int types = room.TypesOfSetCells(side);
         Require(types > 0, "only the cells of one frame type and side are set");
         if (std::ranges::count(line, ',') != 8)

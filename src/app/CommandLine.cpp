@@ -1,6 +1,6 @@
 #include "app/CommandLine.h"
 
-#include "app/Texts.h"
+#include "core/Texts.h"
 
 #include <QCommandLineParser>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include "app/frmAbout.h"
 
-#include "app/Texts.h"
+#include "core/Texts.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>

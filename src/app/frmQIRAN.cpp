@@ -2,9 +2,8 @@
 
 #include "app/MainMenuView.h"
 #include "app/OpenDialogs.h"
-#include "app/Texts.h"
-#include "app/Version.h"
 #include "app/frmAbout.h"
+#include "core/Texts.h"
 #include "foundation/messages/mb.h"
 #include "foundation/placement/PlaceWindow.h"
 #include "foundation/placement/Twips.h"
@@ -17,7 +16,6 @@
 #include "orbit/predictions/frmPass.h"
 #include "station/identity/frmLocation.h"
 #include "station/terminal/frmTerm.h"
-#include "telemetry/calibration/FormulaFile.h"
 #include "telemetry/callsigns/frmCalls.h"
 #include "telemetry/grids/TelemetryGridView.h"
 #include "telemetry/history/TelemetryFiles.h"
@@ -26,14 +24,12 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QFile>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
 #include <QVBoxLayout>
 
 #include <chrono>
-#include <cstdio>
 
 namespace {
 
@@ -42,14 +38,13 @@ constexpr std::chrono::milliseconds closeRetry(10); // while dialogs close
 } // namespace
 
 frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages)
-    : m_folder(folder)
-    , m_clock(clock)
-    , m_messages(messages)
-    , m_instance(folder)
+    : m_messages(messages)
+    , m_ground(folder, clock, messages, *this)
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
     , m_timer1(this) {
     setObjectName(QStringLiteral("frmQIRAN"));
     setWindowTitle(Texts::Title());
+    m_ground.setParent(this); // its timers are found by name below the window
     m_timer1.setObjectName(QStringLiteral("Timer1"));
     m_timer1.setInterval(1000);
     connect(&m_timer1, &QTimer::timeout, this, [this] { m_framLocation->Tick(); });
@@ -58,17 +53,17 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
 }
 
 frmQIRAN::~frmQIRAN() {
-    Unload();
+    m_ground.Stop();
 }
 
 void frmQIRAN::LayOut() {
     auto* grids = new QHBoxLayout;
-    for (const auto& grid : m_tables.grids)
+    for (const auto& grid : m_ground.grids)
         grids->addWidget(new TelemetryGridView(*grid, m_tipCell), 0, Qt::AlignTop);
     Label2 = new QLabel;
     Label2->setObjectName(QStringLiteral("Label2"));
     Label2->setTextFormat(Qt::PlainText);
-    txtMon = new MonitorPane(m_monitor);
+    txtMon = new MonitorPane(m_ground.monitor);
 
     auto* telemetry = new QVBoxLayout;
     telemetry->addLayout(grids);
@@ -95,67 +90,38 @@ void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
     entry(menu.mnuCallsigns, &frmQIRAN::ShowCallsigns);
     entry(menu.mnuDownloadKeps, &frmQIRAN::DownloadKeps);
     connect(menu.mnuUseLocalTime, &QAction::triggered, this, [this] {
-        m_ground->ToggleLocalTime();
+        m_ground.ToggleLocalTime();
         SetDueCaption();
         m_framLocation->Refresh();
     });
     connect(menu.mnuOnlyShowQIRAN, &QAction::triggered, this,
-            [this] { m_menu->mnuOnlyShowQIRAN->setChecked(m_ground->ToggleOnlyShowQiran()); });
+            [this] { m_menu->mnuOnlyShowQIRAN->setChecked(m_ground.ToggleOnlyShowQiran()); });
     connect(menu.mnuHelpContents, &QAction::triggered, this, [this] { m_messages.HelpContents(); });
     connect(menu.mnuAbout, &QAction::triggered, this, [this] { frmAbout(this).exec(); });
     connect(menu.mnuExit, &QAction::triggered, this, &QWidget::close);
 }
 
 bool frmQIRAN::Load() {
-    if (m_instance.IsAnotherRunning()) {
-        m_messages.MessageBox(this, Texts::AlreadyRunning(), MessageStyle::Information);
+    if (m_isClosing || m_ground.Start() != GroundStation::Outcome::Started)
         return false;
-    }
-    setWindowTitle(Texts::Caption(windowTitle()));
-    m_messages.SetUpHelp(this, m_folder.Path());
-    Label2->setText(Texts::CubeExplanation());
-    if (!LoadFormulaTable())
-        return false;
-    m_ground = std::make_unique<GroundStation>(m_folder, m_clock, m_tables, m_monitor, this);
-    m_framLocation = new framLocation(m_ground->cSats, m_ground->satellites);
-    m_side->addWidget(m_framLocation);
-    m_side->addStretch();
-    m_messages.SetTitle(Texts::Title());
-    LoadSettings();
-    m_ground->callsigns.LoadCallsigns();
-    PrepareTracking();
-    LoadTerminal();
-    connect(&m_ground->link, &AgwLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
-    m_ground->link.Connect();
-    m_framLocation->Tick(true);
-    m_timer1.start();
-    show();
-    WarnOfWhatIsMissing();
+    m_ground.ShowNotices();
     return true;
 }
 
-bool frmQIRAN::LoadFormulaTable() {
-    m_tables.channelMap.BuildChannelMap();
-    const QString path = m_folder.File(QStringLiteral("formula.txt"));
-    const FormulaLoad result = LoadFormulae(path, m_tables.grids, m_tables.formulae, m_messages, this);
-    if (result == FormulaLoad::Failed && !QFile::exists(path))
-        std::fprintf(stderr, "%s", Texts::WhereFormulaeBelong(path).toLocal8Bit().constData());
-    return result == FormulaLoad::Loaded;
-}
-
-void frmQIRAN::LoadSettings() {
-    m_ground->satellites.LoadSettings(m_ground->cIni);
-    PlaceWindow();
-    m_ground->LoadSettings();
-    m_menu->mnuOnlyShowQIRAN->setChecked(m_ground->intake.OnlyShowQiran());
+void frmQIRAN::Announce() {
+    setWindowTitle(Texts::Caption(windowTitle()));
+    m_messages.SetUpHelp(this, m_ground.folder.Path());
+    Label2->setText(Texts::CubeExplanation());
 }
 
 void frmQIRAN::PlaceWindow() {
+    m_framLocation = new framLocation(m_ground.cSats, m_ground.satellites);
+    m_side->addWidget(m_framLocation);
+    m_side->addStretch();
     resize(sizeHint());
     CentreOnScreen(this);
     const auto place = [this](const Setting& setting, int pixels) {
-        return Twips::PixelsOf(Settings::ReadOr(m_ground->cIni, setting, Twips::TextOf(pixels, *this)),
-                               *this);
+        return Twips::PixelsOf(Settings::ReadOr(m_ground.cIni, setting, Twips::TextOf(pixels, *this)), *this);
     };
     const int left = place(Settings::left, x());
     const int top = place(Settings::top, y());
@@ -164,56 +130,54 @@ void frmQIRAN::PlaceWindow() {
 }
 
 void frmQIRAN::PrepareTracking() {
+    m_menu->mnuOnlyShowQIRAN->setChecked(m_ground.OnlyShowQiran());
     connect(m_framLocation, &framLocation::SatChanged, this, [this] {
         if (m_map)
             m_map->SatHasChanged();
     });
     connect(m_framLocation, &framLocation::PassInfoRequested, this, &frmQIRAN::ShowPassPredictions);
-    connect(&m_ground->station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
+    connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
+    connect(&m_ground.link, &AgwLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
     ApplyStationPosition();
-    LoadElements();
+    m_framLocation->ShowCaption();
     SetDueCaption();
 }
 
-void frmQIRAN::LoadElements() {
-    m_ground->cSats.setStrKeplerPath(m_folder.KepsFolder());
-    m_framLocation->FindInKeps(m_folder.KepsFolder());
+void frmQIRAN::LoadTerminal() {
+    m_terminal = std::make_unique<frmTerm>(m_ground.cIni, m_messages, m_ground.link, m_ground.terminal,
+                                           m_ground.folder);
+    connect(m_terminal.get(), &frmTerm::ImUnloading, this,
+            [this] { m_terminal.release()->deleteLater(); }); // it is still about its own closing
+}
+
+void frmQIRAN::Show() {
+    m_framLocation->Tick(true);
+    m_timer1.start();
+    show();
 }
 
 void frmQIRAN::ApplyStationPosition() {
-    m_framLocation->ApplyStationPosition(m_ground->station.dblLat(), m_ground->station.dblLong());
+    m_framLocation->ApplyStationPosition(m_ground.station.dblLat(), m_ground.station.dblLong());
 }
 
 void frmQIRAN::SetDueCaption() {
     m_framLocation->SetDueCaption();
-    m_menu->mnuUseLocalTime->setChecked(m_ground->cSats.blnLocalTime());
+    m_menu->mnuUseLocalTime->setChecked(m_ground.cSats.blnLocalTime());
 }
 
 void frmQIRAN::ShowPassPredictions() {
-    frmPass(m_ground->cSats, m_ground->satellites, this).exec();
-}
-
-void frmQIRAN::LoadTerminal() {
-    m_terminal = std::make_unique<frmTerm>(m_ground->cIni, m_messages, m_ground->station, m_ground->link,
-                                           m_clock, m_folder,
-                                           ProgramVersion{Version::major, Version::minor, Version::revision});
-    m_ground->intake.SetTerminal(
-        [this](QByteArrayView text, qint16 kind) { m_terminal->ShowData(text, kind); });
-    connect(m_terminal.get(), &frmTerm::ImUnloading, this, [this] {
-        m_ground->intake.SetTerminal({});
-        m_terminal.release()->deleteLater(); // it is still about its own closing
-    });
+    frmPass(m_ground.cSats, m_ground.satellites, this).exec();
 }
 
 void frmQIRAN::ShowTerminal() {
     if (!m_terminal)
-        LoadTerminal();
+        m_ground.OpenTerminal();
     m_terminal->BringForward();
 }
 
 void frmQIRAN::ShowMap() {
     if (!m_map) {
-        m_map = new frmMap(m_ground->cSats, m_ground->satellites, m_ground->cIni, m_messages, m_folder);
+        m_map = new frmMap(m_ground.cSats, m_ground.satellites, m_ground.cIni, m_messages, m_ground.folder);
         m_map->setAttribute(Qt::WA_DeleteOnClose);
         connect(m_map, &frmMap::ChangeSatRequested, m_framLocation, &framLocation::ChangeSat);
         connect(m_map, &frmMap::ImUnloading, this, [this] { m_map.clear(); });
@@ -225,66 +189,58 @@ void frmQIRAN::ShowMap() {
 }
 
 void frmQIRAN::ShowStationInformation() {
-    frmLocation(m_ground->station, m_messages, this).exec();
+    frmLocation(m_ground.station, m_messages, this).exec();
 }
 
 void frmQIRAN::ShowAgwpeSetup() {
-    frmAgwpeSetup(m_ground->agw, m_ground->link, m_messages, this).exec();
+    frmAgwpeSetup(m_ground.agw, m_ground.link, m_messages, this).exec();
 }
 
 void frmQIRAN::ShowCallsigns() {
-    frmCalls(m_ground->callsigns, m_messages, this).DoCalls();
+    frmCalls(m_ground.callsigns, m_messages, this).DoCalls();
 }
 
 void frmQIRAN::DownloadKeps() {
     HttpTransfer inet;
-    if (!frmDownload(m_folder, m_ground->cIni, m_messages, inet, this).DownloadKeps())
+    if (!frmDownload(m_ground.folder, m_ground.cIni, m_messages, inet, this).DownloadKeps())
         return;
-    LoadElements();
+    m_ground.LoadElements();
+    m_framLocation->ShowCaption();
     m_framLocation->Refresh();
 }
 
-void frmQIRAN::WarnOfWhatIsMissing() {
-    if (!m_ground->station.PositionKnown())
-        m_messages.MessageBox(this, Texts::PositionUnknown(), MessageStyle::Information);
-    if (const QString missing = m_ground->satellites.NoKepsMessage(); !missing.isEmpty())
-        m_messages.MessageBox(this, missing, MessageStyle::Information);
-}
-
 void frmQIRAN::PurgeTelemetryFiles() {
-    TelemetryFiles::PurgeTelemetryFiles(m_folder.Path());
+    TelemetryFiles::PurgeTelemetryFiles(m_ground.folder.Path());
 }
 
 void frmQIRAN::closeEvent(QCloseEvent* event) {
+    m_isClosing = true;
     // What stands open still needs what is released below.
     if (!DismissOpenDialogs()) {
         event->ignore();
         QTimer::singleShot(closeRetry, this, &QWidget::close);
         return;
     }
-    Unload();
+    m_ground.Stop();
     event->accept();
     QApplication::quit();
 }
 
-void frmQIRAN::Unload() {
-    if (!m_ground)
-        return;
+void frmQIRAN::ReleaseWindows() {
     m_timer1.stop();
-    m_ground->link.Stop();
-    m_ground->intake.SetTerminal({});
     m_terminal.reset();
     if (frmMap* map = m_map) {
         map->close();
         delete map;
     }
-    if (!isMinimized()) {
-        if (WindowsCanBePlaced()) {
-            Settings::Save(m_ground->cIni, Settings::left, Twips::TextOf(x(), *this));
-            Settings::Save(m_ground->cIni, Settings::top, Twips::TextOf(y(), *this));
-        }
-        m_ground->satellites.SaveSettings(m_ground->cIni);
+}
+
+bool frmQIRAN::SaveWindowPlace() {
+    if (isMinimized())
+        return false;
+    if (WindowsCanBePlaced()) {
+        Settings::Save(m_ground.cIni, Settings::left, Twips::TextOf(x(), *this));
+        Settings::Save(m_ground.cIni, Settings::top, Twips::TextOf(y(), *this));
     }
-    m_messages.HelpQuit();
-    m_ground.reset();
+    return true;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/GroundStation.h"
-#include "foundation/system/SingleInstance.h"
+#include "core/GroundStation.h"
+#include "core/Roof.h"
 #include "telemetry/grids/TipCell.h"
 
 #include <QMainWindow>
@@ -19,16 +19,18 @@ class QLabel;
 class QVBoxLayout;
 struct MainMenuView;
 
-/// The main window: it owns everything that lives as long as the program, and wires it. Loading it starts the
-/// program, closing it ends the program.
-class frmQIRAN : public QMainWindow {
+/// The main window: the roof of windows over the station. Loading it starts the program, closing it ends the
+/// program.
+class frmQIRAN : public QMainWindow, private Roof {
     Q_OBJECT
 public:
     /// All arguments must outlive the window.
     frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages);
     ~frmQIRAN() override;
 
-    /// Starts the program and shows the window; false when it cannot start, which the user has been told.
+    /// Starts the program, shows the window and tells what is missing; false when the program cannot start,
+    /// which the user has been told. Called from a running event loop, so that a message that stands open can
+    /// be dismissed when the program is asked to end.
     bool Load();
 
     /// Housekeeping of the telemetry files, made ready for a history of decoded values.
@@ -38,15 +40,18 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    QObject* MessageOwner() override { return this; }
+    void Announce() override;
+    void PlaceWindow() override;
+    void PrepareTracking() override;
+    void LoadTerminal() override;
+    void Show() override;
+    void ReleaseWindows() override;
+    bool SaveWindowPlace() override;
+
     void LayOut();
     void ConnectMenu(const MainMenuView& menu);
-    bool LoadFormulaTable();
-    void LoadSettings();
-    void PlaceWindow();
-    void PrepareTracking();
-    void LoadTerminal();
     void ApplyStationPosition();
-    void LoadElements();
     void SetDueCaption();
     void ShowPassPredictions();
     void ShowTerminal();
@@ -55,21 +60,15 @@ private:
     void ShowAgwpeSetup();
     void ShowCallsigns();
     void DownloadKeps();
-    void WarnOfWhatIsMissing();
-    void Unload();
 
-    const ProgramFolder& m_folder;
-    const Clock& m_clock;
     mb& m_messages;
-    SingleInstance m_instance;
-    TelemetryTables m_tables;
+    GroundStation m_ground;
     TipCell m_tipCell;
-    MonitorText m_monitor;
-    std::unique_ptr<GroundStation> m_ground; // from the settings' loading to the end
     std::unique_ptr<MainMenuView> m_menu;
     std::unique_ptr<frmTerm> m_terminal;
     QPointer<frmMap> m_map;
     QTimer m_timer1;
+    bool m_isClosing = false;
     MonitorPane* txtMon;
     QLabel* Label2;
     framLocation* m_framLocation = nullptr;

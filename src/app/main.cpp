@@ -13,6 +13,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <functional>
 #include <sys/stat.h>
 
 namespace {
@@ -30,6 +31,19 @@ CommandLine ReadArguments(int argc, char** argv) {
     return CommandLine::Read(arguments);
 }
 
+// Starts from inside the event loop, so that whoever asks the program to end while a message of the start
+// stands open finds the loop that is to be ended.
+int RunInLoop(const std::function<bool()>& start) {
+    QMetaObject::invokeMethod(
+        qApp,
+        [&start] {
+            if (!start())
+                QApplication::exit(1);
+        },
+        Qt::QueuedConnection);
+    return QApplication::exec();
+}
+
 int Run(const CommandLine& line, const QString& executable) {
     const ProgramFolder folder(line.folder.isEmpty() ? QApplication::applicationDirPath() : line.folder,
                                QFileInfo(executable).completeBaseName());
@@ -42,16 +56,16 @@ int Run(const CommandLine& line, const QString& executable) {
         mb messages(presenter);
         frmQIRAN window(folder, clock, messages);
         QObject::connect(&requests, &EndRequests::Requested, &window, &QWidget::close);
-        return window.Load() ? QApplication::exec() : 1;
+        return RunInLoop([&window] { return window.Load(); });
     }
     ReportPresenter presenter(helpFile, line.reportFolder);
     mb messages(presenter);
     frmQIRAN window(folder, clock, messages);
-    if (!window.Load())
-        return 1;
     QObject::connect(&requests, &EndRequests::Requested, &window, [&] { presenter.Report(window); });
-    presenter.ReportAfter(window, line.reportSeconds);
-    return QApplication::exec();
+    return RunInLoop([&] {
+        presenter.ReportAfter(window, line.reportSeconds);
+        return window.Load();
+    });
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "foundation/text/Clock.h"
 #include "link/ClientEvents.h"
 #include "link/agwpe/AgwLink.h"
 #include "link/agwpe/AgwSettings.h"
@@ -31,6 +32,7 @@ private:
     TemporaryProgramFolder m_folder;
     clsIni m_ini{m_folder.IniFile()};
     AgwSettings m_settings{m_ini};
+    const Clock m_clock;
     std::unique_ptr<AgwLink> m_link;
     std::unique_ptr<ClientEvents> m_seen;
     QStringList m_lines;
@@ -70,7 +72,7 @@ void DirewolfLinkTest::init() {
     m_lines.clear();
     m_settings.setStrAgwHost(QStringLiteral("localhost"));
     m_settings.setIntAgwPort(m_port);
-    m_link = std::make_unique<AgwLink>(m_settings);
+    m_link = std::make_unique<AgwLink>(m_settings, m_clock);
     m_link->SetRetryInterval(500);
     connect(m_link.get(), &AgwLink::StatusText, this, [this](const QString& text) { m_lines.append(text); });
     m_seen = std::make_unique<ClientEvents>(m_link->Client());

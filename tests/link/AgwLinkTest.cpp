@@ -3,6 +3,7 @@
 #include "link/agwpe/AgwSettings.h"
 #include "pesim/EngineSimulator.h"
 #include "support/TemporaryProgramFolder.h"
+#include "support/TestClock.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -47,6 +48,7 @@ private:
     QByteArrayList m_received;
     std::unique_ptr<TemporaryProgramFolder> m_folder;
     std::unique_ptr<clsIni> m_ini;
+    TestClock m_clock;
     std::unique_ptr<AgwSettings> m_settings;
     std::unique_ptr<EngineSimulator> m_engine;
     std::unique_ptr<AgwLink> m_link;
@@ -65,7 +67,7 @@ void AgwLinkTest::init() {
     QVERIFY(m_engine->Listen());
     m_settings->setStrAgwHost(QStringLiteral("127.0.0.1"));
     m_settings->setIntAgwPort(static_cast<qint16>(m_engine->Port()));
-    m_link = std::make_unique<AgwLink>(*m_settings);
+    m_link = std::make_unique<AgwLink>(*m_settings, m_clock);
     m_link->SetRetryInterval(50);
     connect(m_link.get(), &AgwLink::StatusText, this, [this](const QString& text) { m_lines.append(text); });
     connect(m_link.get(), &AgwLink::MonitorEnabled, this,
@@ -81,7 +83,7 @@ void AgwLinkTest::cleanup() {
 }
 
 void AgwLinkTest::theRetryTimerIsThirtySecondsOnceAndOff() {
-    const AgwLink link(*m_settings);
+    const AgwLink link(*m_settings, m_clock);
     const auto* timer = link.findChild<QTimer*>(QStringLiteral("timRetry"));
     QVERIFY(timer != nullptr);
     QCOMPARE(timer->interval(), 30000);

@@ -9,6 +9,7 @@
 #include "support/RecordingPresenter.h"
 #include "support/Screenshots.h"
 #include "support/TemporaryProgramFolder.h"
+#include "support/TestClock.h"
 
 #include <QFile>
 #include <QGuiApplication>
@@ -69,6 +70,7 @@ private:
 
     std::unique_ptr<TemporaryProgramFolder> m_folder;
     std::unique_ptr<clsIni> m_ini;
+    TestClock m_clock;
     std::unique_ptr<AgwSettings> m_settings;
     std::unique_ptr<EngineSimulator> m_engine;
     std::unique_ptr<AgwLink> m_link;
@@ -89,7 +91,7 @@ void frmAgwpeSetupTest::init() {
     m_settings->setIntAgwPort(static_cast<qint16>(m_engine->Port()));
     m_settings->setStrAgwLoginId(QStringLiteral("me"));
     m_settings->setStrAgwPassword(QStringLiteral("secret"));
-    m_link = std::make_unique<AgwLink>(*m_settings);
+    m_link = std::make_unique<AgwLink>(*m_settings, m_clock);
     m_link->Connect();
     QTRY_COMPARE(m_link->PortCount(), 1);
     m_lines.clear();

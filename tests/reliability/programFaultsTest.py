@@ -9,6 +9,7 @@ import contextlib
 import os
 import pathlib
 import shutil
+import signal
 import stat
 import subprocess
 import sys
@@ -73,6 +74,20 @@ class ProgramFaultsTest(unittest.TestCase):
         finally:
             for program in programs:
                 program.__exit__(None, None, None)
+
+    def test_it_ends_when_asked_twice_while_a_notice_of_the_start_stands_open(self):
+        for name, latitude in (("both notices", '""'), ("that of missing elements alone", "5130.00N")):
+            with self.subTest(name), Engine(self.port) as engine:
+                folder = rig.make_program_folder(self.folder / name, self.port,
+                                                  settings={("SETUP", "LATITUDE"): latitude})
+                shutil.rmtree(folder / "Keps", ignore_errors=True)
+                with rig.running([PROGRAM, "--folder", folder], stderr=subprocess.PIPE) as program:
+                    # The notice's own loop runs the link.
+                    rig.wait_for(engine.monitoring, "it connects", alive=program)
+                    program.send_signal(signal.SIGTERM)
+                    program.send_signal(signal.SIGHUP)
+                    self.assertEqual(program.wait(timeout=60), 0)
+                self.assertFalse((folder / "QiranDecode.lock").exists())
 
     def test_everything_it_makes_is_for_its_owner_alone(self):
         (self.program_folder / rig.SETTINGS_FILE).unlink()

@@ -49,7 +49,8 @@ private Q_SLOTS:
 
 private:
     Transmitter Make(const AprsSymbol& symbol = {}) {
-        Transmitter transmitter(*m_station, m_link, m_messages, {2, 4, 2}, this);
+        Transmitter transmitter(*m_station, m_link, m_messages, {2, 4, 2});
+        transmitter.SetOwner(this);
         transmitter.SetSymbol(symbol);
         return transmitter;
     }

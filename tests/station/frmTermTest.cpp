@@ -102,8 +102,8 @@ private:
             open, [](const QFileInfo& file) { return file.symLinkTarget().endsWith(u"20261121.TXT"_s); });
     }
     void Make() {
-        m_window = std::make_unique<frmTerm>(*m_ini, m_messages, *m_station, m_link, m_clock,
-                                             m_folder->Program(), ProgramVersion{2, 4, 2});
+        m_session->Open();
+        m_window = std::make_unique<frmTerm>(*m_ini, m_messages, m_link, *m_session, m_folder->Program());
         connect(m_window.get(), &frmTerm::ImUnloading, this, [this] { ++m_unloadings; });
     }
     void Open() {
@@ -126,6 +126,7 @@ private:
     mb m_messages{m_presenter};
     RecordingLink m_link;
     TestClock m_clock;
+    std::unique_ptr<TerminalSession> m_session;
     std::unique_ptr<frmTerm> m_window;
     int m_unloadings = 0;
 };
@@ -135,6 +136,8 @@ void frmTermTest::init() {
     m_ini = std::make_unique<clsIni>(m_folder->IniFile());
     m_station = std::make_unique<Station>(*m_ini);
     m_station->setStrCallsign(u"XQ9ZZ-1"_s);
+    m_session = std::make_unique<TerminalSession>(*m_ini, m_clock, m_folder->Program(), *m_station, m_link,
+                                                  m_messages, ProgramVersion{2, 4, 2});
     m_presenter.messages.clear();
     m_presenter.whileShown = nullptr;
     m_link.sent.clear();
@@ -182,7 +185,7 @@ void frmTermTest::whatArrivesWhileHiddenIsKeptAndLogged() {
     QVERIFY(Entry(u"mnuLogAllData"_s)->isChecked());
     QCOMPARE(m_folder->Read(u"LOGS/20261121.TXT"_s), "");
     for (int i = 0; i < 1000; ++i)
-        m_window->ShowData(QByteArray::number(i) + "\r\n", 2);
+        m_session->Take(QByteArray::number(i) + "\r\n", 2);
     QCOMPARE(m_folder->Read(u"LOGS/20261121.TXT"_s).count('\n'), 1000);
     m_window->show();
     QVERIFY(Shown().endsWith(u"\n998\n999\n"_s));
@@ -201,8 +204,8 @@ void frmTermTest::transmittedFramesAreCyanAndAllElseGreen() {
 void frmTermTest::shortFormsNeverReachIt() {
     m_ini->SaveIniString(u"TERMINAL"_s, u"LOGGING"_s, u"True"_s);
     Open();
-    m_window->ShowData("short\r\n", 1);
-    m_window->ShowData("x\r\n", 0);
+    m_session->Take("short\r\n", 1);
+    m_session->Take("x\r\n", 0);
     QTRY_COMPARE(Shown(), u"x\n"_s);
     QCOMPARE(m_folder->Read(u"LOGS/20261121.TXT"_s), "x\r\n");
 }
@@ -216,8 +219,8 @@ void frmTermTest::textFromTheAirIsNeverMarkup() {
 void frmTermTest::theLogHoldsTheBytesOfThePane() {
     m_ini->SaveIniString(u"TERMINAL"_s, u"LOGGING"_s, u"True"_s);
     Open();
-    m_window->ShowData("Gr\xfc\xdf\x65 5 \x80\r\n\r\n", 2);
-    m_window->ShowData("*** AGWPE V2005.127\r\n", 0);
+    m_session->Take("Gr\xfc\xdf\x65 5 \x80\r\n\r\n", 2);
+    m_session->Take("*** AGWPE V2005.127\r\n", 0);
     QTRY_COMPARE(Shown(), QStringLiteral(u"Gr\u00fc\u00dfe 5 \u20ac\n\n*** AGWPE V2005.127\n"));
     QCOMPARE(m_folder->Read(u"LOGS/20261121.TXT"_s), "Gr\xfc\xdf\x65 5 \x80\r\n\r\n*** AGWPE V2005.127\r\n");
 }
@@ -720,7 +723,7 @@ void frmTermTest::everyWayOfClosingUnloads() {
     if (m_window) {
         QVERIFY(!m_window->isVisible());
         QCOMPARE(m_unloadings, 1);
-        QVERIFY(!m_window->findChild<QTimer*>(u"Timer1"_s)->isActive());
+        QVERIFY(!m_session->IsOpen());
         m_window.reset();
         QCOMPARE(m_unloadings, 1);
     }
@@ -760,7 +763,7 @@ void frmTermTest::anUnloadedTerminalStaysSilent() {
     m_ini->SaveIniString(u"TERMINAL"_s, u"LOGGING"_s, u"True"_s);
     Open();
     Press(Qt::Key_Escape);
-    m_window->ShowData("late\r\n", 2);
+    m_session->Take("late\r\n", 2);
     QCOMPARE(m_folder->Read(u"LOGS/20261121.TXT"_s), "");
     m_window->Unload();
     QCOMPARE(m_unloadings, 1);
@@ -817,24 +820,24 @@ void frmTermTest::logAllDataIsRememberedAndTicked() {
     QVERIFY(entry->isChecked());
     QCOMPARE(Ini(u"LOGGING"_s), u"True"_s);
     QVERIFY(m_folder->Read(u"LOGS/20261121.TXT"_s).isNull());
-    m_window->ShowData("one\r\n", 2);
+    m_session->Take("one\r\n", 2);
     entry->trigger();
     QVERIFY(!entry->isChecked());
     QCOMPARE(Ini(u"LOGGING"_s), u"False"_s);
-    m_window->ShowData("two\r\n", 2);
+    m_session->Take("two\r\n", 2);
     entry->trigger();
-    m_window->ShowData("three\r\n", 2);
+    m_session->Take("three\r\n", 2);
     QCOMPARE(m_folder->Read(u"LOGS/20261121.TXT"_s), "one\r\nthree\r\n");
 }
 
 void frmTermTest::timer1ClosesAnIdleLog() {
     m_ini->SaveIniString(u"TERMINAL"_s, u"LOGGING"_s, u"True"_s);
     Open();
-    m_window->ShowData("one\r\n", 2);
+    m_session->Take("one\r\n", 2);
     QVERIFY(IsLogHeldOpen());
     m_clock.Advance(301.0);
     QTRY_VERIFY(!IsLogHeldOpen());
-    m_window->ShowData("two\r\n", 2);
+    m_session->Take("two\r\n", 2);
     QVERIFY(IsLogHeldOpen());
     QCOMPARE(m_folder->Read(u"LOGS/20261121.TXT"_s), "one\r\ntwo\r\n");
 }

@@ -55,11 +55,10 @@ private:
 FormulaTest::Loaded FormulaTest::LoadPath(const QString& path) {
     RecordingPresenter presenter;
     mb messages(presenter);
-    const TelemetryGrids grids = MakeTelemetryGrids();
     std::ostringstream told;
     std::streambuf* before = std::cerr.rdbuf(told.rdbuf());
     Loaded loaded{};
-    loaded.outcome = LoadFormulae(path, grids, loaded.table, messages, nullptr);
+    loaded.outcome = LoadFormulae(path, loaded.table, messages, nullptr);
     std::cerr.rdbuf(before);
     loaded.messages = presenter.messages;
     loaded.standardError = QByteArray::fromStdString(told.str());
@@ -280,10 +279,9 @@ void FormulaTest::loadingAgainStartsEmpty() {
     const TemporaryProgramFolder folder;
     folder.Write(QStringLiteral("formula.txt"), "# nothing");
     RecordingPresenter presenter;
-    const TelemetryGrids grids = MakeTelemetryGrids();
     FormulaTable table;
-    table.StoreFormulaLine({"A", "0", "TEMP", "X+", "0", "0", "1", "0"}, grids);
-    QCOMPARE(LoadFormulae(folder.File(QStringLiteral("formula.txt")), grids, table, mb(presenter), nullptr),
+    table.StoreFormulaLine({"A", "0", "TEMP", "X+", "0", "0", "1", "0"});
+    QCOMPARE(LoadFormulae(folder.File(QStringLiteral("formula.txt")), table, mb(presenter), nullptr),
              FormulaLoad::Loaded);
     QVERIFY(table.At(0, 0, 2, 1) == nullptr);
 }

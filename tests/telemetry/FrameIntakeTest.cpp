@@ -188,7 +188,7 @@ void FrameIntakeTest::lineEndsOfTheInformation() {
 
 void FrameIntakeTest::satelliteFrameWithoutInformationLineIsNotDecoded() {
     TelemetryRoom room;
-    room.intake.FrameReceived({1, "XQ9ZZ", "APRS", " 1:Fm XQ9ZZ To APRS <UI pid=F0 Len=0 >"});
+    room.Hear("XQ9ZZ", " 1:Fm XQ9ZZ To APRS <UI pid=F0 Len=0 >");
     QVERIFY(room.monitor.Text().isEmpty());
     QCOMPARE(room.FilledCells(), 0);
     QCOMPARE(room.terminal.size(), 1U);
@@ -198,9 +198,8 @@ void FrameIntakeTest::satelliteFrameWithoutInformationLineIsNotDecoded() {
 void FrameIntakeTest::aLineFeedEndsTheHeaderOfASatelliteFrameToo() {
     for (const QByteArray& end : {QByteArray("\n"), QByteArray("\r\n")}) {
         TelemetryRoom room;
-        room.intake.FrameReceived(
-            {1, "XQ9ZZ", "APRS",
-             " 1:Fm XQ9ZZ To APRS <UI pid=F0 Len=31 >" + end + "T#001,10,20,30,40,0,0,00101111,0\r"});
+        room.Hear("XQ9ZZ",
+                  " 1:Fm XQ9ZZ To APRS <UI pid=F0 Len=31 >" + end + "T#001,10,20,30,40,0,0,00101111,0\r");
         QCOMPARE(room.monitor.Text().toByteArray(),
                  QByteArray("14:07:09 XQ9ZZ>APRS:\r\nT#001,10,20,30,40,0,0,00101111,0\r\n"));
         QCOMPARE(room.FilledCells(), 8);
@@ -209,23 +208,23 @@ void FrameIntakeTest::aLineFeedEndsTheHeaderOfASatelliteFrameToo() {
 
 void FrameIntakeTest::emptyFrameIsHarmless() {
     TelemetryRoom room;
-    room.intake.FrameReceived({1, "XQ9ZZ", "APRS", QByteArrayView()});
+    room.Hear("XQ9ZZ", QByteArrayView());
     QVERIFY(room.monitor.Text().isEmpty());
-    room.intake.FrameReceived({1, "XQ9ZZ", "APRS", "\r"});
+    room.Hear("XQ9ZZ", "\r");
     QVERIFY(room.monitor.Text().isEmpty());
 }
 
 void FrameIntakeTest::frameWithoutCrIsShownAsItIs() {
     TelemetryRoom room;
     room.intake.SetOnlyShowQiran(false);
-    room.intake.ShowMonitoredFrame("1:Fm A To B <UI >\nx", DisplayKind::Frame);
+    room.intake.ShowMonitoredFrame("1:Fm A To B <UI >\nx", DisplayKind::Frame, room.clock.Milliseconds());
     QCOMPARE(room.monitor.Text().toByteArray(), QByteArray("1:Fm A To B <UI >\r\nx\r\n"));
 }
 
 void FrameIntakeTest::unparsableHeaderIsShownUnchanged() {
     TelemetryRoom room;
     room.intake.SetOnlyShowQiran(false);
-    room.intake.ShowMonitoredFrame("1:To B Fm A <UI >\rx\r", DisplayKind::Frame);
+    room.intake.ShowMonitoredFrame("1:To B Fm A <UI >\rx\r", DisplayKind::Frame, room.clock.Milliseconds());
     QCOMPARE(room.monitor.Text().toByteArray(), QByteArray("1:To B Fm A <UI >\r\nx\r\n"));
 }
 
@@ -251,7 +250,8 @@ void FrameIntakeTest::aGreaterSignInTheInformationStays() {
 
 void FrameIntakeTest::kindOfTheFrameReachesTheHeader() {
     TelemetryRoom room;
-    room.intake.ShowMonitoredFrame("1:Fm A To B <UI >\rx\r", DisplayKind::Transmitted);
+    room.intake.ShowMonitoredFrame("1:Fm A To B <UI >\rx\r", DisplayKind::Transmitted,
+                                   room.clock.Milliseconds());
     QCOMPARE(room.terminal.size(), 1U);
     QCOMPARE(room.terminal[0].second, DisplayKind::Transmitted);
     QCOMPARE(room.terminal[0].first, QByteArray("14:07:09T A>B Port=1 <UI>:\r\nx\r\n\r\n"));
@@ -273,25 +273,21 @@ void FrameIntakeTest::stringsBecomeWindows1252() {
 }
 
 void FrameIntakeTest::timeIsAskedForOnceASecond() {
-    TestClock clock;
     int asked = 0;
-    SecondTime time(clock, [&] {
+    const auto displayTime = [](qint64 utc) { return FromCalendar(Clock::UtcAt(utc)); };
+    SecondTime time([&](qint64 utc) {
         ++asked;
-        return FromCalendar(clock.Utc());
+        return displayTime(utc);
     });
-    const qint64 start = clock.Milliseconds();
-    for (const int milliseconds : {0, 1, 500}) {
-        clock.SetMilliseconds(start + milliseconds);
-        QCOMPARE(time.Now(), FromCalendar(clock.Utc()));
-    }
+    const qint64 start = TestClock().Milliseconds();
+    for (const int milliseconds : {0, 1, 500})
+        QCOMPARE(time.At(start + milliseconds), displayTime(start + milliseconds));
     QCOMPARE(asked, 1);
-    for (const int milliseconds : {501, 999, 1500, 1501, 1000, 0}) { // to and fro
-        clock.SetMilliseconds(start + milliseconds);
-        QCOMPARE(time.Now(), FromCalendar(clock.Utc()));
-    }
+    for (const int milliseconds : {501, 999, 1500, 1501, 1000, 0}) // to and fro
+        QCOMPARE(time.At(start + milliseconds), displayTime(start + milliseconds));
     QCOMPARE(asked, 5);
     time.Forget();
-    time.Now();
+    time.At(start);
     QCOMPARE(asked, 6);
 }
 

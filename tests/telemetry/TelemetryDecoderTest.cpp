@@ -26,6 +26,11 @@ private Q_SLOTS:
     void aFailingChannelDoesNotStopTheOthers();
     void aFailingChannelKeepsItsCells();
     void channelsWithoutFormulaStayUndisplayed();
+    void thereAreNoReadingsOutsideTheMap();
+    void aLineIsHandedOnWithItsReadings();
+    void aChannelWithoutFormulaIsReadRaw();
+    void replayedFramesAreDecodedForThoseWhoTakeThem();
+    void onlyUiFramesAreDecoded();
 };
 
 namespace {
@@ -72,7 +77,7 @@ void TelemetryDecoderTest::channelMapHasNothingOutside() {
 
 void TelemetryDecoderTest::frameTypeTwoOfSideA() {
     TelemetryRoom room;
-    room.decoder.DecodeTelemetry("XQ9ZZ", "T#001,10,20,30,40,0,0,00101111,0");
+    room.Decode("XQ9ZZ", "T#001,10,20,30,40,0,0,00101111,0");
     QCOMPARE(room.Cell(2, "X+", TelemetryGrid::ValueA), QStringLiteral("3010"));
     QCOMPARE(room.Cell(2, "Stack", TelemetryGrid::ValueA), QStringLiteral("3020"));
     QCOMPARE(room.Cell(1, "Y-", TelemetryGrid::ValueA), QStringLiteral("3030"));
@@ -82,7 +87,7 @@ void TelemetryDecoderTest::frameTypeTwoOfSideA() {
 
 void TelemetryDecoderTest::frameTypeTwoOfSideB() {
     TelemetryRoom room;
-    room.decoder.DecodeTelemetry("QIRAN-3", "T#001,10,20,30,40,0,0,00101111,0");
+    room.Decode("QIRAN-3", "T#001,10,20,30,40,0,0,00101111,0");
     QCOMPARE(room.Cell(2, "X-", TelemetryGrid::ValueB), QStringLiteral("13010"));
     QCOMPARE(room.Cell(2, "Stack", TelemetryGrid::ValueB), QStringLiteral("13020"));
     QCOMPARE(room.Cell(1, "Y+", TelemetryGrid::ValueB), QStringLiteral("13030"));
@@ -102,13 +107,13 @@ void TelemetryDecoderTest::otherNumbersOfFieldsChangeNothing_data() {
 void TelemetryDecoderTest::otherNumbersOfFieldsChangeNothing() {
     QFETCH(const QByteArray, line);
     TelemetryRoom room;
-    room.decoder.DecodeTelemetry("XQ9ZZ", line);
+    room.Decode("XQ9ZZ", line);
     QCOMPARE(room.FilledCells(), 0);
 }
 
 void TelemetryDecoderTest::nineEmptyFieldsAreTypeZeroOfZeros() {
     TelemetryRoom room;
-    room.decoder.DecodeTelemetry("XQ9ZZ", ",,,,,,,,");
+    room.Decode("XQ9ZZ", ",,,,,,,,");
     for (const char* row : {"X+", "Z+", "Y+", "X-"}) {
         QCOMPARE(room.Cell(1, row, TelemetryGrid::ValueA), QStringLiteral("1000"));
         QCOMPARE(room.Cell(1, row, TelemetryGrid::LabelA), QStringLiteral("  2002-Mar-05 14:07"));
@@ -148,7 +153,7 @@ void TelemetryDecoderTest::frameTypes() {
     QFETCH(const QByteArray, field);
     QFETCH(const int, type);
     TelemetryRoom room;
-    room.decoder.DecodeTelemetry("XQ9ZZ", Line(field));
+    room.Decode("XQ9ZZ", Line(field));
     QCOMPARE(room.FilledCells(), type < 0 ? 0 : 8);
     if (type < 0)
         return;
@@ -181,7 +186,7 @@ void TelemetryDecoderTest::rawValues_data() {
 void TelemetryDecoderTest::rawValues() {
     QFETCH(const QByteArray, field);
     TelemetryRoom room;
-    room.decoder.DecodeTelemetry("XQ9ZZ", "T#7," + field + ",20,30,40,0,0,00000000,0");
+    room.Decode("XQ9ZZ", "T#7," + field + ",20,30,40,0,0,00000000,0");
     QTEST(room.Cell(1, "X+", TelemetryGrid::ValueA), "text");
 }
 
@@ -212,17 +217,17 @@ void TelemetryDecoderTest::firstEntryOfACallsignDecides() {
 
 void TelemetryDecoderTest::labelNamesFrameAndTime() {
     TelemetryRoom room;
-    room.decoder.DecodeTelemetry("XQ9ZZ", "T#123,10,20,30,40,0,0,00000000,0");
+    room.Decode("XQ9ZZ", "T#123,10,20,30,40,0,0,00000000,0");
     QCOMPARE(room.Cell(1, "X+", TelemetryGrid::LabelA), QStringLiteral("T#123  2002-Mar-05 14:07"));
-    room.decoder.DecodeTelemetry("XQ9ZZ", "\x80,10,20,30,40,0,0,00000000,0");
+    room.Decode("XQ9ZZ", "\x80,10,20,30,40,0,0,00000000,0");
     QCOMPARE(room.Cell(1, "X+", TelemetryGrid::LabelA), QStringLiteral("€  2002-Mar-05 14:07"));
 }
 
 void TelemetryDecoderTest::laterFrameReplacesEarlierValue() {
     TelemetryRoom room;
-    room.decoder.DecodeTelemetry("XQ9ZZ", "T#1,10,20,30,40,0,0,00000000,0");
+    room.Decode("XQ9ZZ", "T#1,10,20,30,40,0,0,00000000,0");
     room.clock.Advance(60);
-    room.decoder.DecodeTelemetry("XQ9ZZ", "T#2,11,20,30,40,0,0,00000000,0");
+    room.Decode("XQ9ZZ", "T#2,11,20,30,40,0,0,00000000,0");
     QCOMPARE(room.Cell(1, "X+", TelemetryGrid::ValueA), QStringLiteral("1011"));
     QCOMPARE(room.Cell(1, "X+", TelemetryGrid::LabelA), QStringLiteral("T#2  2002-Mar-05 14:08"));
     QCOMPARE(room.FilledCells(), 8);
@@ -231,7 +236,7 @@ void TelemetryDecoderTest::laterFrameReplacesEarlierValue() {
 void TelemetryDecoderTest::aFailingChannelDoesNotStopTheOthers() {
     TelemetryRoom room;
     QCOMPARE(room.Store({"A", "0", "CURRENT", "X+", "1e300", "0", "0", "0"}), FormulaTable::Store::Done);
-    room.decoder.DecodeTelemetry("XQ9ZZ", "T#1,1000,20,30,40,0,0,00000000,0");
+    room.Decode("XQ9ZZ", "T#1,1000,20,30,40,0,0,00000000,0");
     QCOMPARE(room.Cell(1, "X+", TelemetryGrid::ValueA), QString());
     QCOMPARE(room.Cell(1, "Z+", TelemetryGrid::ValueA), QStringLiteral("1020"));
     QCOMPARE(room.FilledCells(), 6);
@@ -239,8 +244,8 @@ void TelemetryDecoderTest::aFailingChannelDoesNotStopTheOthers() {
 
 void TelemetryDecoderTest::aFailingChannelKeepsItsCells() {
     TelemetryRoom room;
-    room.decoder.DecodeTelemetry("XQ9ZZ", "T#1,10,20,30,40,0,0,00000000,0");
-    room.decoder.DecodeTelemetry("XQ9ZZ", "T#2," + QByteArray(400, '9') + ",20,30,40,0,0,00000000,0");
+    room.Decode("XQ9ZZ", "T#1,10,20,30,40,0,0,00000000,0");
+    room.Decode("XQ9ZZ", "T#2," + QByteArray(400, '9') + ",20,30,40,0,0,00000000,0");
     QCOMPARE(room.Cell(1, "X+", TelemetryGrid::ValueA), QStringLiteral("1010"));
     QVERIFY(room.Cell(1, "X+", TelemetryGrid::LabelA).startsWith(u"T#1 "));
     QVERIFY(room.Cell(1, "Z+", TelemetryGrid::LabelA).startsWith(u"T#2 "));
@@ -249,15 +254,77 @@ void TelemetryDecoderTest::aFailingChannelKeepsItsCells() {
 void TelemetryDecoderTest::channelsWithoutFormulaStayUndisplayed() {
     TelemetryRoom room;
     room.formulae = FormulaTable();
-    room.decoder.DecodeTelemetry("XQ9ZZ", "T#1,10,20,30,40,0,0,00000000,0");
+    room.Decode("XQ9ZZ", "T#1,10,20,30,40,0,0,00000000,0");
     QCOMPARE(room.FilledCells(), 0);
     QCOMPARE(room.Store({"B", "1", "TEMP", "Xmtr", "0", "0", "1", "0"}), FormulaTable::Store::Done);
-    room.decoder.DecodeTelemetry("XQ9ZZ", "T#1,10,20,30,40,0,0,00000000,0"); // rows there now, and empty
+    room.Decode("XQ9ZZ", "T#1,10,20,30,40,0,0,00000000,0"); // rows there now, and empty
     QCOMPARE(room.FilledCells(), 0);
-    room.decoder.ShowChannelValue(2, 0, 0, 1.0, {"T#1", 0.0});
-    room.decoder.ShowChannelValue(0, 4, 0, 1.0, {"T#1", 0.0});
-    room.decoder.ShowChannelValue(0, 0, 4, 1.0, {"T#1", 0.0});
-    QCOMPARE(room.FilledCells(), 0);
+}
+
+void TelemetryDecoderTest::thereAreNoReadingsOutsideTheMap() {
+    const TelemetryRoom room;
+    QVERIFY(room.decoder.ReadChannel({.side = 1, .frameType = 3}, 3));
+    QVERIFY(!room.decoder.ReadChannel({.side = 2, .frameType = 0}, 0));
+    QVERIFY(!room.decoder.ReadChannel({.side = 0, .frameType = 4}, 0));
+    QVERIFY(!room.decoder.ReadChannel({.side = 0, .frameType = 0}, 4));
+}
+
+void TelemetryDecoderTest::aLineIsHandedOnWithItsReadings() {
+    TelemetryRoom room;
+    std::vector<TelemetryFrame> frames;
+    room.decoder.Decoded().Add([&](const TelemetryFrame& frame) { frames.push_back(frame); });
+    const QByteArray line = "T#024,168,1.5,x,-4,0,0,00111111,0";
+    room.Decode("QIRAN-3", line);
+    QCOMPARE(frames.size(), 1U);
+    QCOMPARE(frames[0].utc, room.clock.Milliseconds());
+    QCOMPARE(frames[0].side, 1);
+    QCOMPARE(frames[0].frameType, 3);
+    QCOMPARE(frames[0].fields[7], QByteArrayView("00111111"));
+    QCOMPARE(frames[0].Readings().size(), 4U);
+    const Reading& second = frames[0].Readings()[1];
+    QCOMPARE(second.source, QByteArrayView("QIRAN-3"));
+    QCOMPARE(second.sequence, QByteArrayView("T#024"));
+    QCOMPARE(second.channel, 1);
+    QCOMPARE(second.grid, 0);
+    QCOMPARE(second.row, 2);
+    QCOMPARE(second.raw, 1.5);
+    QCOMPARE(second.value, std::optional(14001.5));
+    // A type that the map does not know has no readings, and the line is handed on all the same.
+    room.Decode("QIRAN-3", "T#025,1,2,3,4,0,0,00901111,0");
+    QCOMPARE(frames.size(), 2U);
+    QVERIFY(frames[1].Readings().empty());
+}
+
+void TelemetryDecoderTest::aChannelWithoutFormulaIsReadRaw() {
+    TelemetryRoom room;
+    room.formulae = FormulaTable();
+    const std::optional<Reading> reading = room.decoder.ReadChannel({.fields = {"", "12"}}, 0);
+    QVERIFY(reading);
+    QCOMPARE(reading->raw, 12.0);
+    QVERIFY(!reading->value);
+}
+
+void TelemetryDecoderTest::replayedFramesAreDecodedForThoseWhoTakeThem() {
+    TelemetryRoom room;
+    int all = 0;
+    room.decoder.Decoded().Add([&](const TelemetryFrame&) { ++all; },
+                               FanOut<TelemetryFrame>::Takes::LiveAndReplayed);
+    HeardFrame frame{.utc = 1, .origin = HeardFrame::Origin::Replayed, .source = "XQ9ZZ"};
+    frame.information = "T#1,10,20,30,40,0,0,00000000,0";
+    room.decoder.Take(frame);
+    QCOMPARE(all, 1);
+    QCOMPARE(room.FilledCells(), 0); // the grids show what is heard now
+}
+
+void TelemetryDecoderTest::onlyUiFramesAreDecoded() {
+    TelemetryRoom room;
+    for (const auto kind :
+         {HeardFrame::Kind::I, HeardFrame::Kind::S, HeardFrame::Kind::T, HeardFrame::Kind::U}) {
+        HeardFrame frame{.kind = kind, .source = "XQ9ZZ"};
+        frame.information = "T#1,10,20,30,40,0,0,00000000,0\rmore";
+        room.decoder.Take(frame);
+        QCOMPARE(room.FilledCells() > 0, kind == HeardFrame::Kind::U);
+    }
 }
 
 QTEST_GUILESS_MAIN(TelemetryDecoderTest)

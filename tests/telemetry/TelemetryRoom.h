@@ -2,6 +2,9 @@
 
 #include "foundation/settings/clsIni.h"
 #include "support/TestClock.h"
+#include "telemetry/calibration/TelemetryDecoder.h"
+#include "telemetry/frames/ByteViews.h"
+#include "telemetry/grids/GridValues.h"
 #include "telemetry/monitor/FrameIntake.h"
 
 #include <QTemporaryDir>
@@ -16,14 +19,15 @@ struct TelemetryRoom {
     QTemporaryDir folder;
     clsIni ini{folder.filePath(QStringLiteral("QiranDecode.INI"))};
     TestClock clock{DateOf(2002, 3, 5) + 14.0 / 24.0 + 7.0 / minutesPerDay + 9.0 / secondsPerDay};
-    std::function<DateTime()> displayTime = [this] { return FromCalendar(clock.Utc()); };
+    std::function<DateTime(qint64)> displayTime = [](qint64 utc) { return FromCalendar(Clock::UtcAt(utc)); };
     TelemetryGrids grids = MakeTelemetryGrids();
     ChannelMap map;
     FormulaTable formulae;
     CallsignList callsigns{ini};
-    TelemetryDecoder decoder{map, formulae, grids, callsigns, displayTime};
+    TelemetryDecoder decoder{map, formulae, callsigns};
+    GridValues gridValues{grids, displayTime};
     MonitorText monitor;
-    FrameIntake intake{callsigns, decoder, monitor, displayTime};
+    FrameIntake intake{callsigns, monitor, displayTime};
     std::vector<std::pair<QByteArray, qint16>> terminal; // what ShowData was given
 
     TelemetryRoom() {
@@ -36,6 +40,7 @@ struct TelemetryRoom {
                         Store({side == 0 ? "A" : "B", QByteArray::number(type), grid->Tag().toByteArray(),
                                grid->TextMatrix(row, 0).toLatin1(), "0", "0", "1",
                                QByteArray::number(1000 * (type + 1) + 10000 * side)});
+        decoder.Decoded().Add([this](const TelemetryFrame& frame) { gridValues.Take(frame); });
         intake.SetTerminal(
             [this](QByteArrayView text, qint16 kind) { terminal.emplace_back(text.toByteArray(), kind); });
     }
@@ -43,7 +48,7 @@ struct TelemetryRoom {
     FormulaTable::Store Store(const std::array<QByteArray, FormulaTable::fieldsInLine>& texts) {
         FormulaTable::Fields fields;
         std::copy(texts.begin(), texts.end(), fields.begin());
-        return formulae.StoreFormulaLine(fields, grids);
+        return formulae.StoreFormulaLine(fields);
     }
 
     /// The text of a grid cell, by names as the user knows them.
@@ -66,6 +71,22 @@ struct TelemetryRoom {
     void Receive(const QByteArray& source, const QByteArray& information) {
         const QByteArray data =
             " 1:Fm " + source + " To APRS Via WIDE2-2 <UI pid=F0 Len=42 PF=0 >[00:16:57]\r" + information;
-        intake.FrameReceived({1, source, "APRS", data});
+        Hear(source, data);
+    }
+
+    /// A UI frame with this text of the engine: what the link makes of it goes to monitor and decoder.
+    void Hear(QByteArrayView source, QByteArrayView engineText) {
+        HeardFrame frame{.utc = clock.Milliseconds(), .source = source, .destination = "APRS"};
+        frame.engineText = engineText;
+        if (const std::size_t end = FindLineEnd(ToView(engineText)); end != std::string_view::npos)
+            frame.information =
+                ToView(engineText).substr(end + (ToView(engineText).substr(end).starts_with("\r\n") ? 2 : 1));
+        intake.Take(frame);
+        decoder.Take(frame);
+    }
+
+    /// A telemetry line from this callsign, now.
+    void Decode(QByteArrayView source, QByteArrayView line) {
+        decoder.DecodeTelemetry({.utc = clock.Milliseconds(), .source = source}, line);
     }
 };

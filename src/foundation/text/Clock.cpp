@@ -8,17 +8,11 @@ qint64 Clock::Milliseconds() const {
     return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
 }
 
-CalendarRecord Clock::Utc() const {
-    const qint64 now = Milliseconds();
+CalendarRecord Clock::UtcAt(qint64 now) {
     const qint64 second = now >= 0 ? now / 1000 : (now - 999) / 1000;
     CalendarRecord utc = ToCalendar(DateOf(1970, 1, 1) + static_cast<double>(second) / secondsPerDay);
     utc.milliseconds = static_cast<int>(now - second * 1000);
     return utc;
-}
-
-CalendarRecord Clock::Local() const {
-    const CalendarRecord utc = Utc();
-    return ToLocal(utc).value_or(utc);
 }
 
 std::optional<CalendarRecord> Clock::ToLocal(const CalendarRecord& utc) const {

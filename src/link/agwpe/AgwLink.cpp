@@ -1,7 +1,10 @@
 #include "link/agwpe/AgwLink.h"
 
+#include "foundation/text/Clock.h"
 #include "foundation/text/Text.h"
+#include "link/agwpe/AgwHeard.h"
 #include "link/agwpe/AgwSettings.h"
+#include "telemetry/monitor/DisplayKind.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -13,9 +16,10 @@ constexpr QLatin1StringView lineEnd("\r\n");
 
 } // namespace
 
-AgwLink::AgwLink(const AgwSettings& settings, QObject* parent)
+AgwLink::AgwLink(const AgwSettings& settings, const Clock& clock, QObject* parent)
     : QObject(parent)
     , m_settings(settings)
+    , m_clock(clock)
     , m_client(this)
     , m_timRetry(this) {
     m_client.setObjectName(QStringLiteral("MERAGW"));
@@ -30,6 +34,10 @@ AgwLink::AgwLink(const AgwSettings& settings, QObject* parent)
     connect(&m_client, &MERAGW::Connected, this, &AgwLink::HandleConnected);
     connect(&m_client, &MERAGW::Disconnected, this, &AgwLink::HandleDisconnected);
     connect(&m_client, &MERAGW::Error, this, &AgwLink::HandleError);
+    connect(&m_client, &MERAGW::FrameArrival, this, [this](const MonitoredFrame& frame) {
+        Q_EMIT Heard(AgwHeard::FromFrame(frame, m_clock.Milliseconds()));
+    });
+    connect(&m_client, &MERAGW::Monitoring, this, &AgwLink::HandleMonitoring);
 }
 
 void AgwLink::Connect() {
@@ -67,6 +75,13 @@ void AgwLink::SendUnproto(qint16 port, const QString& source, const QString& des
 void AgwLink::ShowLinkError() {
     Q_EMIT StatusText(QString::number(m_client.LastErrorNumber()) + u' ' + m_client.LastErrorText() +
                       lineEnd);
+}
+
+void AgwLink::HandleMonitoring(QByteArrayView data, qint16 kind) {
+    const HeardFrame::Kind heard = kind == DisplayKind::Transmitted   ? HeardFrame::Kind::T
+                                   : kind == DisplayKind::Information ? HeardFrame::Kind::I
+                                                                      : HeardFrame::Kind::S;
+    Q_EMIT Heard(AgwHeard::FromText(data, heard, m_clock.Milliseconds()));
 }
 
 void AgwLink::HandlePortInformation(const QStringList& descriptions) {

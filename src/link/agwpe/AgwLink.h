@@ -6,16 +6,18 @@
 #include <QTimer>
 
 class AgwSettings;
+class Clock;
+struct HeardFrame;
 
 /// The program's link to the packet engine: connects, connects again after a loss, and puts what happens into
 /// words for the monitor.
 class AgwLink : public QObject, public UnprotoLink {
     Q_OBJECT
 public:
-    /// `settings` must outlive this object.
-    explicit AgwLink(const AgwSettings& settings, QObject* parent = nullptr);
+    /// `settings` and `clock` must outlive this object.
+    AgwLink(const AgwSettings& settings, const Clock& clock, QObject* parent = nullptr);
 
-    /// The client, for those who take its frames.
+    /// The client, for those who follow its events.
     MERAGW& Client() { return m_client; }
 
     /// Connects with the settings as they are now. A retry that was waiting is given up for this attempt.
@@ -42,10 +44,12 @@ public:
     void SetRetryInterval(int milliseconds) { m_timRetry.setInterval(milliseconds); }
 
 Q_SIGNALS:
+    void Heard(const HeardFrame& frame);  ///< any frame that the engine monitors; valid during the call
     void StatusText(const QString& text); ///< lines for the monitor, each ended by CR LF; DisplayKind::Status
     void MonitorEnabled(bool enabled);    ///< whether the monitor pane is to be enabled
 
 private:
+    void HandleMonitoring(QByteArrayView data, qint16 kind);
     void HandlePortInformation(const QStringList& descriptions);
     void HandleConnected(const QString& host);
     void HandleDisconnected(const QString& host);
@@ -53,6 +57,7 @@ private:
     QString AnnounceRetry();
 
     const AgwSettings& m_settings;
+    const Clock& m_clock;
     MERAGW m_client;
     QTimer m_timRetry;
     bool m_blnConectedToAgw = false;

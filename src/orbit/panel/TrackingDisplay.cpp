@@ -25,8 +25,6 @@ TrackingLabels TrackingDisplay::ApplyStationPosition(double latitude, double lon
         m_labels.strAz = m_labels.strEl = m_labels.strDue = unknown;
         SetBackground(TrackingLabels::Background::Window);
     }
-    m_cSats.setDblObsLat(latitude);
-    m_cSats.setDblObsLong(longitude);
     return m_labels;
 }
 

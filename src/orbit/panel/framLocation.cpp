@@ -76,11 +76,6 @@ QLabel* framLocation::AddValue(QGridLayout& layout, int row, QLabel* caption, co
     return label;
 }
 
-void framLocation::FindInKeps(const QString& folder) {
-    m_satellites.FindInKeps(folder);
-    ShowCaption();
-}
-
 void framLocation::ApplyStationPosition(double latitude, double longitude) {
     Show(m_display.ApplyStationPosition(latitude, longitude));
     cmdPassInfo->setEnabled(m_display.IsLocationKnown());

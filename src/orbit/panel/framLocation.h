@@ -15,8 +15,8 @@ class framLocation : public QGroupBox {
 public:
     framLocation(clsSats& cSats, TrackedSatellites& satellites, QWidget* parent = nullptr);
 
-    /// Looks for the satellites in the element files of a folder.
-    void FindInKeps(const QString& folder);
+    /// The satellite that is shown, or what the element files call it, has changed.
+    void ShowCaption();
 
     /// The place of the station in degrees; 0 as either means that it is not known.
     void ApplyStationPosition(double latitude, double longitude);
@@ -43,7 +43,6 @@ Q_SIGNALS:
 private:
     QLabel* AddValue(class QGridLayout& layout, int row, QLabel* caption, const QString& name);
     void Show(const TrackingLabels& labels);
-    void ShowCaption();
 
     TrackedSatellites& m_satellites;
     TrackingDisplay m_display;

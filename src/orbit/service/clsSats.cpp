@@ -45,6 +45,11 @@ DateTime clsSats::datTime() const {
     return m_blnLocalTime ? FromCalendar(m_clock.Local()) : datGmtTime();
 }
 
+DateTime clsSats::datTimeAt(qint64 utc) const {
+    const CalendarRecord record = Clock::UtcAt(utc);
+    return FromCalendar(m_blnLocalTime ? m_clock.LocalOf(record) : record);
+}
+
 DateTime clsSats::GmtToLocal(DateTime datT) const {
     const CalendarRecord utc = ToCalendar(datT);
     const bool isDate = std::abs(FromCalendar(utc) - datT) < 1.0; // what is none became day 0

@@ -32,6 +32,9 @@ public:
     /// Now, in display time.
     DateTime datTime() const;
 
+    /// A UTC time in milliseconds since 1970, in display time.
+    DateTime datTimeAt(qint64 utc) const;
+
     /// The local time of a UTC time by the operating system's rules; `datT` itself when they have none.
     DateTime GmtToLocal(DateTime datT) const;
 

@@ -6,12 +6,11 @@
 #include "station/identity/Station.h"
 
 Transmitter::Transmitter(const Station& station, UnprotoLink& link, const mb& messages,
-                         const ProgramVersion& version, QObject* owner)
+                         const ProgramVersion& version)
     : m_station(station)
     , m_link(link)
     , m_messages(messages)
-    , m_strUivDest(Beacons::strUivDest(version))
-    , m_owner(owner) {}
+    , m_strUivDest(Beacons::strUivDest(version)) {}
 
 void Transmitter::TransmitText(const QStringList& texts, const AddressFields& fields,
                                const std::optional<QString>& destination) const {

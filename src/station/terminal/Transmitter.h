@@ -20,9 +20,10 @@ struct AddressFields {
 /// Sends lines and beacons, or tells the user why not.
 class Transmitter {
 public:
-    /// `owner` is the window over which messages appear.
-    Transmitter(const Station& station, UnprotoLink& link, const mb& messages, const ProgramVersion& version,
-                QObject* owner);
+    Transmitter(const Station& station, UnprotoLink& link, const mb& messages, const ProgramVersion& version);
+
+    /// The window over which messages appear from now on, or none.
+    void SetOwner(QObject* owner) { m_owner = owner; }
 
     /// The symbol that the beacons show from now on.
     void SetSymbol(const AprsSymbol& symbol) { m_symbol = symbol; }
@@ -45,5 +46,5 @@ private:
     const mb& m_messages;
     AprsSymbol m_symbol;
     QString m_strUivDest;
-    QObject* m_owner;
+    QObject* m_owner = nullptr;
 };

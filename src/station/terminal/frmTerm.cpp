@@ -7,13 +7,11 @@
 #include "foundation/messages/mb.h"
 #include "foundation/placement/Twips.h"
 #include "foundation/settings/ProgramFolder.h"
-#include "foundation/settings/Settings.h"
 #include "link/UnprotoLink.h"
 #include "station/identity/FieldRules.h"
 #include "station/terminal/LineWrap.h"
 #include "station/terminal/TerminalFont.h"
 #include "station/terminal/TerminalPane.h"
-#include "telemetry/monitor/DisplayKind.h"
 
 #include <QBoxLayout>
 #include <QCloseEvent>
@@ -29,7 +27,6 @@ namespace {
 
 constexpr int columns = 84; // of the pane, when it opens for the first time
 constexpr int lines = 26;
-constexpr int idleCheckInterval = 1000; // ms
 
 QLineEdit* Field(QAnyStringView name, int characters) {
     auto* field = Named(name, new QLineEdit);
@@ -50,19 +47,16 @@ QLabel* LabelOf(QWidget* buddy, const QString& text) {
 
 } // namespace
 
-frmTerm::frmTerm(clsIni& cIni, const mb& messages, const Station& station, UnprotoLink& link,
-                 const Clock& clock, const ProgramFolder& folder, const ProgramVersion& version,
-                 QWidget* parent)
+frmTerm::frmTerm(clsIni& cIni, const mb& messages, UnprotoLink& link, TerminalSession& session,
+                 const ProgramFolder& folder, QWidget* parent)
     : QMainWindow(parent)
     , m_cIni(cIni)
     , m_messages(messages)
     , m_link(link)
     , m_folder(folder)
-    , m_transmitter(station, link, messages, version, this)
-    , m_log(cIni, clock, folder)
+    , m_session(session)
     , m_guard(this)
-    , m_placement(std::make_unique<clsWindowPos>())
-    , m_timer1(this) {
+    , m_placement(std::make_unique<clsWindowPos>()) {
     setObjectName(QStringLiteral("frmTerm"));
     setWindowTitle(QStringLiteral("Terminal"));
     Build();
@@ -73,13 +67,10 @@ frmTerm::frmTerm(clsIni& cIni, const mb& messages, const Station& station, Unpro
     resize(metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines);
 
     m_placement->Init(this, QStringLiteral("TERMINAL"), &m_cIni);
-    m_log.Load();
-    mnuLogAllData->setChecked(m_log.IsLogging());
+    mnuLogAllData->setChecked(m_session.log.IsLogging());
     LoadFields();
-    m_timer1.setObjectName(QStringLiteral("Timer1"));
-    m_timer1.setInterval(idleCheckInterval);
-    connect(&m_timer1, &QTimer::timeout, this, [this] { m_log.CloseWhenIdle(); });
-    m_timer1.start();
+    m_session.transmitter.SetOwner(this);
+    m_session.SetPane([this](QByteArrayView text, qint16 kind) { ShowData(text, kind); });
 }
 
 frmTerm::~frmTerm() {
@@ -127,8 +118,8 @@ void frmTerm::BuildMenu() {
         return entry;
     };
     mnuLogAllData = add(QStringLiteral("Log All Data"), u"mnuLogAllData", [this] {
-        m_log.ToggleLogging();
-        mnuLogAllData->setChecked(m_log.IsLogging());
+        m_session.log.ToggleLogging();
+        mnuLogAllData->setChecked(m_session.log.IsLogging());
     });
     mnuLogAllData->setCheckable(true);
     add(QStringLiteral("&Clear"), u"mnuClear", [this] { rtbMon->Empty(); });
@@ -144,8 +135,8 @@ void frmTerm::SetRules() {
         m_guard.AddField(field, [this, field] { return MayLeave(field); });
     txtTx->installEventFilter(this);
     connect(txtTx, &QLineEdit::textChanged, this, &frmTerm::Wrap);
-    connect(cmdAprs, &QPushButton::clicked, this, [this] { m_transmitter.SendPosition(Fields()); });
-    connect(cmdLoc, &QPushButton::clicked, this, [this] { m_transmitter.SendLocator(Fields()); });
+    connect(cmdAprs, &QPushButton::clicked, this, [this] { m_session.transmitter.SendPosition(Fields()); });
+    connect(cmdLoc, &QPushButton::clicked, this, [this] { m_session.transmitter.SendLocator(Fields()); });
 }
 
 // The font that the pane is meant for, if it is installed or lies beside the program.
@@ -164,17 +155,14 @@ void frmTerm::LoadFont() {
 }
 
 void frmTerm::LoadFields() {
-    txtTo->setText(Settings::Read(m_cIni, Settings::terminalTo));
-    txtVia->setText(Settings::Read(m_cIni, Settings::terminalVia));
-    txtPort->setText(Settings::Read(m_cIni, Settings::terminalPort));
-    m_transmitter.SetSymbol(Beacons::LoadSymbol(m_cIni, m_folder));
+    txtTo->setText(m_session.fields.to);
+    txtVia->setText(m_session.fields.via);
+    txtPort->setText(m_session.fields.port);
 }
 
 void frmTerm::ShowData(QByteArrayView text, qint16 kind) {
-    if (m_isUnloaded || kind == DisplayKind::ShortForm)
-        return;
-    rtbMon->Append(text, kind);
-    m_log.WriteTrafficLog(text);
+    if (!m_isUnloaded)
+        rtbMon->Append(text, kind);
 }
 
 void frmTerm::BringForward() {
@@ -242,7 +230,7 @@ void frmTerm::Wrap() {
 
 void frmTerm::Transmit(const QStringList& texts) {
     const AddressFields fields = Fields();
-    m_transmitter.TransmitText(texts, fields, fields.to);
+    m_session.transmitter.TransmitText(texts, fields, fields.to);
 }
 
 bool frmTerm::event(QEvent* event) {
@@ -304,10 +292,10 @@ bool frmTerm::Release() {
     if (m_isUnloaded)
         return false;
     m_isUnloaded = true;
-    Settings::Save(m_cIni, Settings::terminalTo, txtTo->text());
-    Settings::Save(m_cIni, Settings::terminalVia, txtVia->text());
-    m_timer1.stop();
-    m_log.CloseTrafficLog();
+    m_session.SetPane({});
+    m_session.transmitter.SetOwner(nullptr);
+    m_session.fields = Fields();
+    m_session.Close();
     m_placement.reset();
     return true;
 }

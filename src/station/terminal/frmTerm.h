@@ -2,11 +2,9 @@
 
 #include "foundation/fields/FieldGuard.h"
 #include "foundation/placement/clsWindowPos.h"
-#include "station/log/TrafficLog.h"
-#include "station/terminal/Transmitter.h"
+#include "station/terminal/TerminalSession.h"
 
 #include <QMainWindow>
-#include <QTimer>
 
 #include <memory>
 
@@ -16,27 +14,27 @@ class QPushButton;
 class TerminalPane;
 
 /// The terminal: all traffic in colour, and a line to send own frames. Made hidden; what arrives while it is
-/// hidden is kept and logged like the rest.
+/// hidden is kept like the rest.
 class frmTerm : public QMainWindow {
     Q_OBJECT
 public:
-    frmTerm(clsIni& cIni, const mb& messages, const Station& station, UnprotoLink& link, const Clock& clock,
-            const ProgramFolder& folder, const ProgramVersion& version, QWidget* parent = nullptr);
+    /// `session` is open; all arguments must outlive the window.
+    frmTerm(clsIni& cIni, const mb& messages, UnprotoLink& link, TerminalSession& session,
+            const ProgramFolder& folder, QWidget* parent = nullptr);
     frmTerm(const frmTerm&) = delete;
     frmTerm& operator=(const frmTerm&) = delete;
 
     /// Saves and closes what Unload would, if that has not been done yet, and tells nobody.
     ~frmTerm() override;
 
-    /// Shows a Windows-1252 text, its line ends included, and logs it; texts of kind 1 are not for the
-    /// terminal.
+    /// Shows a Windows-1252 text of this DisplayKind, its line ends included.
     void ShowData(QByteArrayView text, qint16 kind);
 
     /// Shows the window, restored if minimised, before all others.
     void BringForward();
 
-    /// Saves what the user has entered, closes the log and gives up the window's place; then tells. What any
-    /// way of closing the window does. A second call does nothing.
+    /// Hands what the user has entered to the session, closes it and gives up the window's place; then tells.
+    /// What any way of closing the window does. A second call does nothing.
     void Unload();
 
 Q_SIGNALS:
@@ -71,11 +69,9 @@ private:
     const mb& m_messages;
     UnprotoLink& m_link;
     const ProgramFolder& m_folder;
-    Transmitter m_transmitter;
-    TrafficLog m_log;
+    TerminalSession& m_session;
     FieldGuard m_guard;
     std::unique_ptr<clsWindowPos> m_placement;
-    QTimer m_timer1;
     std::optional<QString> m_lastLine;
     bool m_isUnloaded = false;
 

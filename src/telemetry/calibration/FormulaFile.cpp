@@ -83,13 +83,13 @@ struct Fault {
     std::string_view text;
 };
 
-std::optional<Fault> StoreLines(std::string_view text, const TelemetryGrids& grids, FormulaTable& table) {
+std::optional<Fault> StoreLines(std::string_view text, FormulaTable& table) {
     if (text.starts_with(byteOrderMark))
         text.remove_prefix(byteOrderMark.size());
     for (int number = 1; !text.empty(); ++number) {
         const std::string_view line = TakeLine(text);
         if (const auto fields = SplitFormulaLine(line))
-            if (const auto store = table.StoreFormulaLine(*fields, grids); store != FormulaTable::Store::Done)
+            if (const auto store = table.StoreFormulaLine(*fields); store != FormulaTable::Store::Done)
                 return Fault{store, number, line};
     }
     return std::nullopt;
@@ -97,12 +97,11 @@ std::optional<Fault> StoreLines(std::string_view text, const TelemetryGrids& gri
 
 } // namespace
 
-FormulaLoad LoadFormulae(const QString& path, const TelemetryGrids& grids, FormulaTable& table,
-                         const mb& messages, QObject* owner) {
+FormulaLoad LoadFormulae(const QString& path, FormulaTable& table, const mb& messages, QObject* owner) {
     table = FormulaTable();
     QString reason;
     if (const std::optional<QByteArray> bytes = ReadFile(path, reason)) {
-        const std::optional<Fault> fault = StoreLines(ToView(*bytes), grids, table);
+        const std::optional<Fault> fault = StoreLines(ToView(*bytes), table);
         if (!fault)
             return FormulaLoad::Loaded;
         if (fault->store == FormulaTable::Store::UnknownGridOrRow) {

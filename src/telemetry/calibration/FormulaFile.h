@@ -16,5 +16,4 @@ enum class FormulaLoad {
 
 /// Reads the formula file: one formula a line, in eight fields separated by commas. Only lines that begin
 /// with "A" or "B" after their blanks and have eight fields count; all others are the file's own notes.
-FormulaLoad LoadFormulae(const QString& path, const TelemetryGrids& grids, FormulaTable& table,
-                         const mb& messages, QObject* owner);
+FormulaLoad LoadFormulae(const QString& path, FormulaTable& table, const mb& messages, QObject* owner);

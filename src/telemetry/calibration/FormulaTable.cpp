@@ -4,7 +4,6 @@
 #include "telemetry/calibration/Inside.h"
 #include "telemetry/frames/ByteViews.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -16,7 +15,7 @@ double Number(QByteArrayView field) {
 } // namespace
 
 const clsFormula* FormulaTable::At(int side, int frameType, int grid, int row) const {
-    if (!Inside(side, sides) || !Inside(frameType, frameTypes) || !Inside(grid, TelemetryGrid::grids) ||
+    if (!Inside(side, sides) || !Inside(frameType, frameTypes) || !Inside(grid, GridLayout::grids) ||
         !Inside(row, RowBound() + 1))
         return nullptr;
     const auto& entry = m_rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(side)]
@@ -24,7 +23,7 @@ const clsFormula* FormulaTable::At(int side, int frameType, int grid, int row) c
     return entry ? &*entry : nullptr;
 }
 
-FormulaTable::Store FormulaTable::StoreFormulaLine(const Fields& fields, const TelemetryGrids& grids) {
+FormulaTable::Store FormulaTable::StoreFormulaLine(const Fields& fields) {
     std::array<QByteArray, fieldsInLine> texts;
     for (std::size_t i = 0; i < fieldsInLine; ++i)
         texts[i] = fields[i].trimmed().toByteArray().toUpper();
@@ -39,9 +38,8 @@ FormulaTable::Store FormulaTable::StoreFormulaLine(const Fields& fields, const T
         !std::isfinite(dblD))
         return Store::TooLarge;
 
-    const auto grid =
-        std::ranges::find_if(grids, [&](const auto& candidate) { return candidate->Tag() == texts[2]; });
-    const int row = grid == grids.end() ? 0 : (*grid)->FindRow(texts[3]);
+    const int grid = GridLayout::FindGrid(texts[2]);
+    const int row = grid < 0 ? 0 : GridLayout::FindRow(grid, texts[3]);
     if (row == 0)
         return Store::UnknownGridOrRow;
     if (row > RowBound())
@@ -50,7 +48,7 @@ FormulaTable::Store FormulaTable::StoreFormulaLine(const Fields& fields, const T
         return Store::BadFrameType;
 
     auto& entry = m_rows[static_cast<std::size_t>(row)][side][static_cast<std::size_t>(*frameType)]
-                        [static_cast<std::size_t>(grid - grids.begin())];
+                        [static_cast<std::size_t>(grid)];
     clsFormula& formula = entry ? *entry : entry.emplace();
     formula.dblA = dblA;
     formula.dblB = dblB;

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "telemetry/calibration/GridLayout.h"
 #include "telemetry/calibration/clsFormula.h"
-#include "telemetry/grids/TelemetryGrid.h"
 
 #include <QByteArrayView>
 
@@ -34,12 +34,11 @@ public:
     /// Stores one line of the formula file: side, frame type, grid tag, row name, and the coefficients of
     /// x^3, x^2, x and 1. Blanks around a field and case do not count. A later line for the same cell
     /// replaces its coefficients.
-    Store StoreFormulaLine(const Fields& fields, const TelemetryGrids& grids);
+    Store StoreFormulaLine(const Fields& fields);
 
 private:
     using Row =
-        std::array<std::array<std::array<std::optional<clsFormula>, TelemetryGrid::grids>, frameTypes>,
-                   sides>;
+        std::array<std::array<std::array<std::optional<clsFormula>, GridLayout::grids>, frameTypes>, sides>;
 
     std::vector<Row> m_rows = std::vector<Row>(1);
 };

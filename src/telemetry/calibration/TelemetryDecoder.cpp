@@ -3,10 +3,13 @@
 #include "foundation/text/Text.h"
 #include "telemetry/frames/ByteViews.h"
 
-#include <optional>
-#include <utility>
+#include <algorithm>
 
 namespace {
+
+constexpr std::size_t sequenceField = 0;
+constexpr std::size_t firstChannelField = 1;
+constexpr std::size_t typeField = 7;
 
 // The value of one character; 0 for one that the field lacks.
 int DigitAt(std::string_view field, std::size_t at) {
@@ -16,25 +19,34 @@ int DigitAt(std::string_view field, std::size_t at) {
 } // namespace
 
 TelemetryDecoder::TelemetryDecoder(const ChannelMap& map, const FormulaTable& formulae,
-                                   const TelemetryGrids& grids, const CallsignList& callsigns,
-                                   std::function<DateTime()> displayTime)
+                                   const CallsignList& callsigns)
     : m_map(map)
     , m_formulae(formulae)
-    , m_grids(grids)
-    , m_callsigns(callsigns)
-    , m_displayTime(std::move(displayTime)) {}
+    , m_callsigns(callsigns) {}
 
-void TelemetryDecoder::DecodeTelemetry(QByteArrayView source, QByteArrayView line) {
-    const auto fields = SplitAtCommas<9>(ToView(line));
+void TelemetryDecoder::Take(const HeardFrame& frame) {
+    if (frame.kind != HeardFrame::Kind::U || m_callsigns.Find(frame.source) == nullptr)
+        return;
+    const std::string_view information = ToView(frame.information);
+    DecodeTelemetry(frame, information.substr(0, FindLineEnd(information)));
+}
+
+void TelemetryDecoder::DecodeTelemetry(const HeardFrame& frame, QByteArrayView line) {
+    const auto fields = SplitAtCommas<TelemetryFrame::fieldsInLine>(ToView(line));
     if (!fields)
         return;
-    const qint16 side = SideIndexOf(source);
-    const std::string_view typeField = (*fields)[7];
-    const int frameType = 2 * DigitAt(typeField, 2) + DigitAt(typeField, 3); // the map ends at 3
-    const FrameLabel label{(*fields)[0], m_displayTime()};
+    const std::string_view type = (*fields)[typeField];
+    TelemetryFrame decoded{.utc = frame.utc,
+                           .origin = frame.origin,
+                           .source = frame.source,
+                           .side = SideIndexOf(frame.source),
+                           .frameType = 2 * DigitAt(type, 2) + DigitAt(type, 3), // the map ends at 3
+                           .line = line};
+    std::ranges::copy(*fields, decoded.fields.begin());
     for (int channel = 0; channel < ChannelMap::channels; ++channel)
-        ShowChannelValue(side, frameType, channel,
-                         Text::LeadingNumber((*fields)[static_cast<std::size_t>(channel) + 1]), label);
+        if (const std::optional<Reading> reading = ReadChannel(decoded, channel))
+            decoded.found[decoded.count++] = *reading;
+    m_decoded.Hand(decoded);
 }
 
 qint16 TelemetryDecoder::SideIndexOf(QByteArrayView source) const {
@@ -42,12 +54,21 @@ qint16 TelemetryDecoder::SideIndexOf(QByteArrayView source) const {
     return callsign != nullptr && callsign->strSide == u"B" ? 1 : 0;
 }
 
-void TelemetryDecoder::ShowChannelValue(int side, int frameType, int channel, double raw,
-                                        const FrameLabel& label) {
-    const ChannelCell* cell = m_map.At(side, frameType, channel);
-    const clsFormula* formula = cell ? m_formulae.At(side, frameType, cell->grid, cell->row) : nullptr;
-    if (formula == nullptr)
-        return;
-    if (const std::optional<double> value = formula->CalcValue(raw))
-        m_grids[static_cast<std::size_t>(cell->grid)]->SetValue(cell->row, side, *value, label);
+std::optional<Reading> TelemetryDecoder::ReadChannel(const TelemetryFrame& line, int channel) const {
+    const ChannelCell* cell = m_map.At(line.side, line.frameType, channel);
+    if (cell == nullptr)
+        return std::nullopt;
+    const clsFormula* formula = m_formulae.At(line.side, line.frameType, cell->grid, cell->row);
+    const double raw =
+        Text::LeadingNumber(ToView(line.fields[firstChannelField + static_cast<std::size_t>(channel)]));
+    return Reading{.utc = line.utc,
+                   .source = line.source,
+                   .side = line.side,
+                   .sequence = line.fields[sequenceField],
+                   .frameType = line.frameType,
+                   .channel = channel,
+                   .grid = cell->grid,
+                   .row = cell->row,
+                   .raw = raw,
+                   .value = formula != nullptr ? formula->CalcValue(raw) : std::nullopt};
 }

@@ -3,32 +3,35 @@
 #include "telemetry/calibration/ChannelMap.h"
 #include "telemetry/calibration/FormulaTable.h"
 #include "telemetry/callsigns/CallsignList.h"
-#include "telemetry/grids/TelemetryGrid.h"
+#include "telemetry/frames/FanOut.h"
+#include "telemetry/frames/Reading.h"
 
-#include <functional>
-
-/// Turns the satellite's telemetry lines into values in the grids. What cannot be decoded changes nothing and
-/// is not reported.
+/// Turns the satellite's frames into readings. What cannot be decoded is dropped without a word.
 class TelemetryDecoder {
 public:
-    /// `displayTime`: the present time as it is shown to the user.
-    TelemetryDecoder(const ChannelMap& map, const FormulaTable& formulae, const TelemetryGrids& grids,
-                     const CallsignList& callsigns, std::function<DateTime()> displayTime);
+    /// All arguments must outlive the decoder.
+    TelemetryDecoder(const ChannelMap& map, const FormulaTable& formulae, const CallsignList& callsigns);
+
+    /// Who takes what is decoded, each telemetry line with its readings.
+    FanOut<TelemetryFrame>& Decoded() { return m_decoded; }
+
+    /// Decodes the first information line of a UI frame that comes from one of the satellite's callsigns.
+    void Take(const HeardFrame& frame);
 
     /// Decodes a line of nine fields: sequence, four raw channel values, two unused, one whose 3rd and 4th
-    /// characters are the frame type's binary digits, one unused. Texts are Windows-1252.
-    void DecodeTelemetry(QByteArrayView source, QByteArrayView line);
+    /// characters are the frame type's binary digits, one unused. `frame` tells when and from whom it came.
+    void DecodeTelemetry(const HeardFrame& frame, QByteArrayView line);
 
     /// 1 when the first entry with this callsign is of side "B", else 0.
     qint16 SideIndexOf(QByteArrayView source) const;
 
-    /// Converts one channel's raw value and writes it and its label into their grid.
-    void ShowChannelValue(int side, int frameType, int channel, double raw, const FrameLabel& label);
+    /// A channel's reading, converted where there is a formula; none outside the map. `line` holds what the
+    /// readings of a line share.
+    std::optional<Reading> ReadChannel(const TelemetryFrame& line, int channel) const;
 
 private:
     const ChannelMap& m_map;
     const FormulaTable& m_formulae;
-    const TelemetryGrids& m_grids;
     const CallsignList& m_callsigns;
-    const std::function<DateTime()> m_displayTime;
+    FanOut<TelemetryFrame> m_decoded;
 };

@@ -23,15 +23,15 @@ struct HeardFrame {
     qint64 utc = 0; ///< of arrival, milliseconds since 1970-01-01 00:00
     Kind kind = Kind::U;
     Origin origin = Origin::Live;
-    qint16 port = 1;            ///< radio port, from 1
-    QByteArrayView source;      ///< callsign with SSID
-    QByteArrayView destination; ///< callsign with SSID
-    QByteArrayView path;        ///< digipeaters between commas, "*" behind one that has repeated the frame
-    std::optional<quint8> pid;  ///< none where the frame has none or nobody told it
-    QByteArrayView information; ///< its bytes, or of an engine's text what the engine shows of them
-    bool isComplete = false;    ///< whether `information` is known to be all of the frame's bytes
-    QByteArrayView engineText;  ///< the engine's header line, CR and the rest as it came; empty without one
-    QByteArrayView raw;         ///< the AX.25 frame without flags and checksum; empty where nobody gives it
+    qint16 port = 1;              ///< radio port, from 1
+    QByteArrayView source{};      ///< callsign with SSID
+    QByteArrayView destination{}; ///< callsign with SSID
+    QByteArrayView path{};        ///< digipeaters between commas, "*" behind one that has repeated the frame
+    std::optional<quint8> pid{};  ///< none where the frame has none or nobody told it
+    QByteArrayView information{}; ///< its bytes, or of an engine's text what the engine shows of them
+    bool isComplete = false;      ///< whether `information` is known to be all of the frame's bytes
+    QByteArrayView engineText{};  ///< the engine's header line, CR and the rest as it came; empty without one
+    QByteArrayView raw{};         ///< the AX.25 frame without flags and checksum; empty where nobody gives it
 };
 
 /// A frame that holds its own bytes.

@@ -1,40 +1,18 @@
 #include "telemetry/grids/TelemetryGrid.h"
 
 #include "foundation/text/Text.h"
+#include "telemetry/calibration/GridLayout.h"
 #include "telemetry/frames/ByteViews.h"
 #include "telemetry/grids/FixedNumber.h"
 
 #include <QLatin1StringView>
 
-#include <span>
-
 namespace {
-
-struct Layout {
-    const char* tag;
-    const char* heading; // of the name column; the formula file knows only the tag
-    std::span<const char* const> rows;
-    int decimals; // of the display format
-};
-
-constexpr std::array powerRows{"Batt A", "Batt B", "P Out", "8V Reg"};
-constexpr std::array currentRows{"X+", "X-", "Y+", "Y-", "Z+", "Z-", "Batt"};
-constexpr std::array tempRows{"X+", "X-", "Y+", "Y-", "Z+", "Z-", "Stack", "Batt", "Xmtr"};
-
-constexpr std::array<Layout, TelemetryGrid::grids> layouts{{
-    {"POWER", "POWER", powerRows, 2},
-    {"CURRENT", "CURRENT", currentRows, 0},
-    {"TEMP", "TEMPS", tempRows, 1},
-}};
-
-const Layout& LayoutOf(int index) {
-    return layouts.at(static_cast<std::size_t>(index));
-}
 
 QString HeaderText(int index, int column) {
     switch (column) {
     case TelemetryGrid::Name:
-        return QLatin1StringView(LayoutOf(index).heading);
+        return QLatin1StringView(GridLayout::Heading(index));
     case TelemetryGrid::ValueA:
         return QStringLiteral("A");
     case TelemetryGrid::ValueB:
@@ -49,11 +27,11 @@ QString HeaderText(int index, int column) {
 TelemetryGrid::TelemetryGrid(int index, QObject* parent)
     : QAbstractTableModel(parent)
     , m_index(index)
-    , m_cells(LayoutOf(index).rows.size())
+    , m_cells(GridLayout::RowNames(index).size())
     , m_changed(m_cells.size()) {}
 
 QByteArrayView TelemetryGrid::Tag() const {
-    return LayoutOf(m_index).tag;
+    return GridLayout::Tag(m_index);
 }
 
 const TelemetryGrid::Cell* TelemetryGrid::CellAt(int row, int side) const {
@@ -66,7 +44,7 @@ QString TelemetryGrid::TextMatrix(int row, int column) const {
     if (row == 0)
         return HeaderText(m_index, column);
     if (column == Name && row > 0 && row <= Rows())
-        return QLatin1StringView(LayoutOf(m_index).rows[static_cast<std::size_t>(row - 1)]);
+        return QLatin1StringView(GridLayout::RowName(m_index, row));
     const bool isLabel = column == LabelA || column == LabelB;
     const Cell* cell = CellAt(row, column - (isLabel ? LabelA : ValueA));
     if (cell == nullptr || !cell->isSet)
@@ -77,16 +55,12 @@ QString TelemetryGrid::TextMatrix(int row, int column) const {
 
 QString TelemetryGrid::DisplayText(int row, int column) const {
     const Cell* cell = column == ValueA || column == ValueB ? CellAt(row, column - ValueA) : nullptr;
-    return cell != nullptr && cell->isSet ? FixedNumber(cell->value, LayoutOf(m_index).decimals)
+    return cell != nullptr && cell->isSet ? FixedNumber(cell->value, GridLayout::Decimals(m_index))
                                           : TextMatrix(row, column);
 }
 
 int TelemetryGrid::FindRow(QByteArrayView upperCaseName) const {
-    const auto& rows = LayoutOf(m_index).rows;
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        if (QByteArray(rows[i]).toUpper() == upperCaseName)
-            return static_cast<int>(i) + 1;
-    return 0;
+    return GridLayout::FindRow(m_index, upperCaseName);
 }
 
 bool TelemetryGrid::SetValue(int row, int side, double value, const FrameLabel& label) {
@@ -159,7 +133,7 @@ QVariant TelemetryGrid::headerData(int section, Qt::Orientation orientation, int
 
 TelemetryGrids MakeTelemetryGrids() {
     TelemetryGrids grids;
-    for (int index = 0; index < TelemetryGrid::grids; ++index)
+    for (int index = 0; index < GridLayout::grids; ++index)
         grids[static_cast<std::size_t>(index)] = std::make_unique<TelemetryGrid>(index);
     return grids;
 }

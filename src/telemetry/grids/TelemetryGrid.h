@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/text/DateTime.h"
+#include "telemetry/calibration/GridLayout.h"
 
 #include <QAbstractTableModel>
 #include <QByteArrayView>
@@ -35,8 +36,6 @@ public:
 
     /// `FullText` gives the text of a cell before its display format.
     enum Role { FullText = Qt::UserRole };
-
-    static constexpr int grids = 3;
 
     /// `index`: 0 POWER, 1 CURRENT, 2 TEMP.
     explicit TelemetryGrid(int index, QObject* parent = nullptr);
@@ -85,6 +84,6 @@ private:
 };
 
 /// The three grids in the order of their indices.
-using TelemetryGrids = std::array<std::unique_ptr<TelemetryGrid>, TelemetryGrid::grids>;
+using TelemetryGrids = std::array<std::unique_ptr<TelemetryGrid>, GridLayout::grids>;
 
 TelemetryGrids MakeTelemetryGrids();

@@ -23,29 +23,46 @@ void AppendLines(std::string_view text, std::string& lines) {
     }
 }
 
+qint16 KindOf(HeardFrame::Kind kind) {
+    switch (kind) {
+    case HeardFrame::Kind::I:
+        return DisplayKind::Information;
+    case HeardFrame::Kind::S:
+        return DisplayKind::Supervisory;
+    case HeardFrame::Kind::T:
+        return DisplayKind::Transmitted;
+    case HeardFrame::Kind::U:
+        break;
+    }
+    return DisplayKind::Frame;
+}
+
 } // namespace
 
-FrameIntake::FrameIntake(const CallsignList& callsigns, TelemetryDecoder& decoder, MonitorText& monitor,
-                         std::function<DateTime()> displayTime)
+FrameIntake::FrameIntake(const CallsignList& callsigns, MonitorText& monitor,
+                         std::function<DateTime(qint64 utc)> displayTime)
     : m_callsigns(callsigns)
-    , m_decoder(decoder)
     , m_monitor(monitor)
     , m_clock(std::move(displayTime)) {}
 
-void FrameIntake::FrameReceived(const MonitoredFrame& frame) {
-    const std::string_view time = m_clock.Now();
-    ShowInFull(frame.data, DisplayKind::Frame, time);
-    if (m_callsigns.Find(frame.source) == nullptr)
+void FrameIntake::Take(const HeardFrame& frame) {
+    if (frame.kind == HeardFrame::Kind::U)
+        FrameReceived(frame);
+    else
+        ShowMonitoredFrame(frame.engineText, KindOf(frame.kind), frame.utc);
+}
+
+void FrameIntake::FrameReceived(const HeardFrame& frame) {
+    ShowMonitoredFrame(frame.engineText, DisplayKind::Frame, frame.utc);
+    if (!m_onlyShowQiran || m_callsigns.Find(frame.source) == nullptr)
         return;
-    const std::string_view data = ToView(frame.data);
+    const std::string_view data = ToView(frame.engineText);
     const std::size_t headerEnd = FindLineEnd(data);
     if (headerEnd == npos)
         return; // no information line
     std::string_view line = data.substr(headerEnd + (data.substr(headerEnd).starts_with(lineEnd) ? 2 : 1));
     line = line.substr(0, FindLineEnd(line));
-    m_decoder.DecodeTelemetry(frame.source, line);
-    if (m_onlyShowQiran)
-        ShowShortForm(data.substr(0, headerEnd), line, time);
+    ShowShortForm(data.substr(0, headerEnd), line, m_clock.At(frame.utc));
 }
 
 void FrameIntake::ShowShortForm(std::string_view header, std::string_view line, std::string_view time) {
@@ -55,11 +72,7 @@ void FrameIntake::ShowShortForm(std::string_view header, std::string_view line, 
     AddToMonitor(QByteArrayView(m_frameText), DisplayKind::ShortForm);
 }
 
-void FrameIntake::ShowMonitoredFrame(QByteArrayView data, qint16 kind) {
-    ShowInFull(data, kind, m_clock.Now());
-}
-
-void FrameIntake::ShowInFull(QByteArrayView data, qint16 kind, std::string_view time) {
+void FrameIntake::ShowMonitoredFrame(QByteArrayView data, qint16 kind, qint64 utc) {
     const std::string_view text = ToView(data);
     const std::size_t headerEnd = text.find('\r');
     if (headerEnd == npos) {
@@ -67,7 +80,7 @@ void FrameIntake::ShowInFull(QByteArrayView data, qint16 kind, std::string_view 
         return;
     }
     m_frameText.clear();
-    FormatMonitorHeader(text.substr(0, headerEnd), kind, HeaderForm::Full, time, m_frameText);
+    FormatMonitorHeader(text.substr(0, headerEnd), kind, HeaderForm::Full, m_clock.At(utc), m_frameText);
     m_frameText.append(text.substr(headerEnd));
     AddToMonitor(QByteArrayView(m_frameText), kind);
 }

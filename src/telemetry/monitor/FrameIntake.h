@@ -1,8 +1,7 @@
 #pragma once
 
-#include "telemetry/calibration/TelemetryDecoder.h"
 #include "telemetry/callsigns/CallsignList.h"
-#include "telemetry/frames/MonitoredFrame.h"
+#include "telemetry/frames/HeardFrame.h"
 #include "telemetry/monitor/ClockText.h"
 #include "telemetry/monitor/MonitorText.h"
 
@@ -11,16 +10,16 @@
 #include <functional>
 #include <string>
 
-/// Where every frame heard comes in: shows it, and hands the satellite's telemetry to the decoder. Texts are
+/// Shows every frame heard, and the status of the link, in the monitor and the terminal. Texts are
 /// Windows-1252; a frame is finished before the next one begins, only its showing is gathered.
 class FrameIntake {
 public:
     /// A text for the terminal, and its DisplayKind.
     using ShowData = std::function<void(QByteArrayView text, qint16 kind)>;
 
-    /// `displayTime`: the present time as it is shown to the user.
-    FrameIntake(const CallsignList& callsigns, TelemetryDecoder& decoder, MonitorText& monitor,
-                std::function<DateTime()> displayTime);
+    /// `displayTime`: the time shown to the user of a UTC time in milliseconds since 1970.
+    FrameIntake(const CallsignList& callsigns, MonitorText& monitor,
+                std::function<DateTime(qint64 utc)> displayTime);
 
     /// The terminal's side; none while there is no terminal.
     void SetTerminal(ShowData showData) { m_showData = std::move(showData); }
@@ -29,11 +28,11 @@ public:
     bool OnlyShowQiran() const { return m_onlyShowQiran; }
     void SetOnlyShowQiran(bool only) { m_onlyShowQiran = only; }
 
-    /// One frame heard on any radio port.
-    void FrameReceived(const MonitoredFrame& frame);
+    /// One frame of any kind: a UI frame in full and, when it is the satellite's, in short form.
+    void Take(const HeardFrame& frame);
 
-    /// Shows a frame (header line, CR, information field) in full form.
-    void ShowMonitoredFrame(QByteArrayView data, qint16 kind);
+    /// Shows a frame (header line, CR, information field) that was heard at `utc` in full form.
+    void ShowMonitoredFrame(QByteArrayView data, qint16 kind, qint64 utc);
 
     /// Shows a text in the terminal and the monitor as its kind demands: lines trimmed of blanks, empty ones
     /// dropped, each ended by CR LF.
@@ -41,11 +40,10 @@ public:
     void AddToMonitor(const QString& text, qint16 kind);
 
 private:
-    void ShowInFull(QByteArrayView data, qint16 kind, std::string_view time);
+    void FrameReceived(const HeardFrame& frame);
     void ShowShortForm(std::string_view header, std::string_view line, std::string_view time);
 
     const CallsignList& m_callsigns;
-    TelemetryDecoder& m_decoder;
     MonitorText& m_monitor;
     ClockText m_clock;
     ShowData m_showData;

@@ -1,17 +1,14 @@
 #include "telemetry/monitor/SecondTime.h"
 
-#include "foundation/text/Clock.h"
-
 #include <utility>
 
-SecondTime::SecondTime(const Clock& clock, std::function<DateTime()> displayTime)
-    : m_clock(clock)
-    , m_displayTime(std::move(displayTime)) {}
+SecondTime::SecondTime(std::function<DateTime(qint64 utc)> displayTime)
+    : m_displayTime(std::move(displayTime)) {}
 
-DateTime SecondTime::Now() {
+DateTime SecondTime::At(qint64 utc) {
     // More than 500 milliseconds count as the next second.
-    if (const qint64 second = (m_clock.Milliseconds() + 499) / 1000; second != m_second) {
-        m_time = m_displayTime();
+    if (const qint64 second = (utc + 499) / 1000; second != m_second) {
+        m_time = m_displayTime(utc);
         m_second = second;
     }
     return m_time;

@@ -4,15 +4,14 @@
 
 #include <functional>
 
-class Clock;
-
-/// The display time for a fast stream of frames: asked for anew only when the clock's second has changed, for
-/// time zones are slow to ask about.
+/// The display time of a fast stream of frames: asked for anew only when the second has changed, for time
+/// zones are slow to ask about.
 class SecondTime {
 public:
-    SecondTime(const Clock& clock, std::function<DateTime()> displayTime);
+    /// `displayTime`: the time shown of a UTC time in milliseconds since 1970.
+    explicit SecondTime(std::function<DateTime(qint64 utc)> displayTime);
 
-    DateTime Now();
+    DateTime At(qint64 utc);
 
     /// What is displayed has changed (from local time to UTC, say): ask anew at the next frame.
     void Forget() { m_second = never; }
@@ -20,8 +19,7 @@ public:
 private:
     static constexpr qint64 never = -1;
 
-    const Clock& m_clock;
-    const std::function<DateTime()> m_displayTime;
+    const std::function<DateTime(qint64 utc)> m_displayTime;
     qint64 m_second = never;
     DateTime m_time = 0.0;
 };

@@ -1,6 +1,6 @@
-#include "app/Texts.h"
+#include "core/Texts.h"
 
-#include "app/Version.h"
+#include "core/Version.h"
 
 namespace Texts {
 

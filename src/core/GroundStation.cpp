@@ -1,0 +1,151 @@
+#include "core/GroundStation.h"
+
+#include "core/Roof.h"
+#include "core/Texts.h"
+#include "core/Version.h"
+#include "foundation/messages/mb.h"
+#include "foundation/settings/Settings.h"
+#include "orbit/service/KVRSatLib.h"
+#include "telemetry/calibration/FormulaFile.h"
+#include "telemetry/monitor/DisplayKind.h"
+
+#include <QFile>
+
+#include <iostream>
+
+GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& clock, mb& messages, Roof& roof)
+    : folder(programFolder)
+    , cIni(folder.IniFile())
+    , cSats(std::make_unique<KVRSatLib>(), clock)
+    , station(cIni)
+    , agw(cIni)
+    , link(agw, clock, this)
+    , callsigns(cIni)
+    , decoder(channelMap, formulae, callsigns)
+    , terminal(cIni, clock, folder, station, link, messages,
+               ProgramVersion{Version::major, Version::minor, Version::revision})
+    , m_clock(clock)
+    , m_messages(messages)
+    , m_roof(roof)
+    , m_instance(folder)
+    , m_frameTime([this](qint64 utc) { return cSats.datTimeAt(utc); })
+    , m_intake(callsigns, monitor, [this](qint64 utc) { return m_frameTime.At(utc); })
+    , m_gridValues(grids, [this](qint64 utc) { return m_frameTime.At(utc); }) {
+    using Takes = FanOut<HeardFrame>::Takes;
+    heard.Add([this](const HeardFrame& frame) { m_intake.Take(frame); });
+    heard.Add([this](const HeardFrame& frame) { decoder.Take(frame); }, Takes::LiveAndReplayed);
+    decoder.Decoded().Add([this](const TelemetryFrame& frame) { m_gridValues.Take(frame); });
+    m_intake.SetTerminal([this](QByteArrayView text, qint16 kind) { terminal.Take(text, kind); });
+
+    connect(&link, &AgwLink::Heard, this, [this](const HeardFrame& frame) { heard.Hand(frame); });
+    connect(&link, &AgwLink::StatusText, this, &GroundStation::ShowStatus);
+    connect(&station, &Station::Changed, this, &GroundStation::ApplyStationPosition);
+    cIni.SetWriteFailed(
+        [this](const QString& file, const QString& reason) { ShowStatus(Texts::CannotSave(file, reason)); });
+}
+
+GroundStation::~GroundStation() {
+    Stop();
+}
+
+GroundStation::Outcome GroundStation::Start() {
+    if (m_instance.IsAnotherRunning()) {
+        m_messages.MessageBox(m_roof.MessageOwner(), Texts::AlreadyRunning(), MessageStyle::Information);
+        return Outcome::AlreadyRunning;
+    }
+    m_roof.Announce();
+    channelMap.BuildChannelMap();
+    const QString formulaFile = folder.File(QStringLiteral("formula.txt"));
+    const FormulaLoad loaded = LoadFormulae(formulaFile, formulae, m_messages, m_roof.MessageOwner());
+    if (loaded == FormulaLoad::Failed && !QFile::exists(formulaFile))
+        std::cerr << Texts::WhereFormulaeBelong(formulaFile).toLocal8Bit().constData();
+    if (loaded != FormulaLoad::Loaded)
+        return Outcome::NoFormulae;
+    m_isRunning = true;
+    m_messages.SetTitle(Texts::Title());
+    satellites.LoadSettings(cIni);
+    m_roof.PlaceWindow();
+    LoadOptions();
+    RemoveOldKeys();
+    callsigns.LoadCallsigns();
+    ApplyStationPosition();
+    LoadElements();
+    m_roof.PrepareTracking();
+    terminal.Open();
+    m_roof.LoadTerminal();
+    link.Connect();
+    m_roof.Show();
+    return Outcome::Started;
+}
+
+void GroundStation::ShowNotices() {
+    if (!station.PositionKnown())
+        m_messages.MessageBox(m_roof.MessageOwner(), Texts::PositionUnknown(), MessageStyle::Information);
+    if (const QString missing = satellites.NoKepsMessage(); !missing.isEmpty())
+        m_messages.MessageBox(m_roof.MessageOwner(), missing, MessageStyle::Information);
+}
+
+void GroundStation::Stop() {
+    if (!m_isRunning)
+        return;
+    m_isRunning = false;
+    link.Stop();
+    m_roof.ReleaseWindows();
+    terminal.Close();
+    if (m_roof.SaveWindowPlace())
+        satellites.SaveSettings(cIni);
+    m_messages.HelpQuit();
+}
+
+void GroundStation::LoadElements() {
+    cSats.setStrKeplerPath(folder.KepsFolder());
+    satellites.FindInKeps(folder.KepsFolder());
+}
+
+void GroundStation::ShowStatus(const QString& text) {
+    m_intake.AddToMonitor(text, DisplayKind::Status);
+    for (const QString& line : text.split(QStringLiteral("\r\n"), Qt::SkipEmptyParts))
+        Q_EMIT StatusLine(line);
+}
+
+void GroundStation::OpenTerminal() {
+    terminal.Open();
+    m_roof.LoadTerminal();
+}
+
+void GroundStation::LoadOptions() {
+    QString localTime = Settings::Read(cIni, Settings::useLocalTime);
+    cSats.setBlnLocalTime(clsIni::IsItTrue(localTime));
+    QString onlyShow = Settings::Read(cIni, Settings::onlyShowQiran);
+    m_intake.SetOnlyShowQiran(clsIni::IsItTrue(onlyShow));
+    station.Load();
+    agw.Load();
+}
+
+void GroundStation::RemoveOldKeys() {
+    for (const Setting& old : {Settings::oldObjectName, Settings::oldCallA, Settings::oldCallB})
+        cIni.DeleteKey(QString::fromUtf16(old.section), QString::fromUtf16(old.key));
+    cIni.DeleteSection(QString::fromUtf16(Settings::oldSidesSection));
+}
+
+void GroundStation::ApplyStationPosition() {
+    cSats.setDblObsLat(station.dblLat());
+    cSats.setDblObsLong(station.dblLong());
+}
+
+bool GroundStation::ToggleLocalTime() {
+    cSats.setBlnLocalTime(!cSats.blnLocalTime());
+    m_frameTime.Forget();
+    SaveOption(Settings::useLocalTime, cSats.blnLocalTime());
+    return cSats.blnLocalTime();
+}
+
+bool GroundStation::ToggleOnlyShowQiran() {
+    m_intake.SetOnlyShowQiran(!m_intake.OnlyShowQiran());
+    SaveOption(Settings::onlyShowQiran, m_intake.OnlyShowQiran());
+    return m_intake.OnlyShowQiran();
+}
+
+void GroundStation::SaveOption(const Setting& setting, bool value) {
+    Settings::Save(cIni, setting, clsIni::TrueOrFalse(value));
+}

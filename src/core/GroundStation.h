@@ -1,0 +1,104 @@
+#pragma once
+
+#include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/clsIni.h"
+#include "foundation/system/SingleInstance.h"
+#include "link/agwpe/AgwLink.h"
+#include "link/agwpe/AgwSettings.h"
+#include "orbit/service/TrackedSatellites.h"
+#include "orbit/service/clsSats.h"
+#include "station/identity/Station.h"
+#include "station/terminal/TerminalSession.h"
+#include "telemetry/calibration/TelemetryDecoder.h"
+#include "telemetry/callsigns/CallsignList.h"
+#include "telemetry/grids/GridValues.h"
+#include "telemetry/monitor/FrameIntake.h"
+#include "telemetry/monitor/MonitorText.h"
+#include "telemetry/monitor/SecondTime.h"
+
+#include <QObject>
+
+class Clock;
+class Roof;
+class mb;
+struct Setting;
+
+/// The station: everything that runs whether or not there is a window, wired, started and ended in its order.
+///
+///     link --> heard --> monitor, terminal and traffic log
+///                   \--> decoder --> grids
+///
+/// A new taker of frames or readings is added in the constructor, and nowhere else.
+class GroundStation : public QObject {
+    Q_OBJECT
+public:
+    /// All arguments must outlive the station.
+    GroundStation(const ProgramFolder& folder, const Clock& clock, mb& messages, Roof& roof);
+    ~GroundStation() override;
+
+    enum class Outcome {
+        Started,
+        AlreadyRunning, ///< another program holds the folder; the user has been told
+        NoFormulae,     ///< the formulae cannot be loaded; the user has been told, but for a misspelt name
+    };
+
+    /// The whole start, in its order; the roof has its turns in it.
+    Outcome Start();
+
+    /// Tells what the start found missing: the station's position, elements.
+    void ShowNotices();
+
+    /// The end, in its order; a second call does nothing. The roof has its turns in it.
+    void Stop();
+
+    /// Reads the element files (again) and looks for the satellites in them.
+    void LoadElements();
+
+    /// A status line, or several, for the monitor and the terminal.
+    void ShowStatus(const QString& text);
+
+    /// Inverts the option, saves it, and answers what it is now.
+    bool ToggleLocalTime();
+    bool ToggleOnlyShowQiran();
+
+    /// Opens the terminal again after it was closed.
+    void OpenTerminal();
+
+    const ProgramFolder& folder;
+    clsIni cIni;
+    clsSats cSats;
+    TrackedSatellites satellites;
+    Station station;
+    AgwSettings agw;
+    AgwLink link;
+    CallsignList callsigns;
+    ChannelMap channelMap;
+    FormulaTable formulae;
+    TelemetryGrids grids = MakeTelemetryGrids();
+    MonitorText monitor;
+    FanOut<HeardFrame> heard;
+    TelemetryDecoder decoder;
+    TerminalSession terminal;
+
+    /// Whether the monitor shows only the satellite's frames.
+    bool OnlyShowQiran() const { return m_intake.OnlyShowQiran(); }
+
+Q_SIGNALS:
+    /// One status line, without its end.
+    void StatusLine(const QString& line);
+
+private:
+    void LoadOptions();
+    void RemoveOldKeys();
+    void ApplyStationPosition();
+    void SaveOption(const Setting& setting, bool value);
+
+    const Clock& m_clock;
+    mb& m_messages;
+    Roof& m_roof;
+    SingleInstance m_instance;
+    SecondTime m_frameTime;
+    FrameIntake m_intake;
+    GridValues m_gridValues;
+    bool m_isRunning = false;
+};

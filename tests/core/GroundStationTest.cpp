@@ -1,0 +1,231 @@
+#include "core/GroundStation.h"
+
+#include "core/Roof.h"
+#include "core/Texts.h"
+#include "foundation/messages/mb.h"
+#include "pesim/EngineSimulator.h"
+#include "support/RecordingPresenter.h"
+#include "support/TemporaryProgramFolder.h"
+#include "support/TestClock.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Notes its turns.
+class NotingRoof : public Roof {
+public:
+    QStringList turns;
+    std::function<void(const QString&)> atTurn = [](const QString&) {};
+
+    void Announce() override { Turn(u"announce"_s); }
+    void PlaceWindow() override { Turn(u"place"_s); }
+    void PrepareTracking() override { Turn(u"tracking"_s); }
+    void LoadTerminal() override { Turn(u"terminal"_s); }
+    void Show() override { Turn(u"show"_s); }
+    void ReleaseWindows() override { Turn(u"release"_s); }
+    bool SaveWindowPlace() override {
+        Turn(u"save"_s);
+        return savesPlace;
+    }
+
+    bool savesPlace = true;
+
+private:
+    void Turn(const QString& name) {
+        turns.append(name);
+        atTurn(name);
+    }
+};
+
+struct Fixture {
+    TemporaryProgramFolder folder;
+    TestClock clock;
+    RecordingPresenter presenter;
+    mb messages{presenter};
+    NotingRoof roof;
+    EngineSimulator engine;
+    std::unique_ptr<GroundStation> station;
+
+    Fixture() {
+        folder.Write(u"formula.txt"_s, "A,2,TEMP,X+,0,0,1,0\r\n");
+        if (!engine.Listen())
+            qFatal("no port");
+        Set("AGWPE", "HOST_ADDRESS", u"127.0.0.1"_s);
+        Set("AGWPE", "HOST_PORT", QString::number(engine.Port()));
+        station = std::make_unique<GroundStation>(folder.Program(), clock, messages, roof);
+    }
+
+    void Set(const char* section, const char* key, const QString& value) const {
+        clsIni(folder.IniFile()).SaveIniString(QLatin1StringView(section), QLatin1StringView(key), value);
+    }
+    QString Get(const char* section, const char* key) const {
+        return clsIni(folder.IniFile())
+            .GetIniString(QLatin1StringView(section), QLatin1StringView(key), u"absent"_s);
+    }
+};
+
+} // namespace
+
+class GroundStationTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void theRoofHasItsTurnsInTheOrderOfTheStart();
+    void aSecondStationInTheFolderIsRefused();
+    void withoutFormulaeNothingOfTheStartFollows();
+    void aStationRunsWithoutAnyRoof();
+    void theObserverFollowsTheStation();
+    void theLogIsWrittenWhileTheTerminalExists();
+    void statusLinesAreToldOneByOne();
+    void theSatelliteIsSavedWhereTheWindowsPlaceIs_data();
+    void theSatelliteIsSavedWhereTheWindowsPlaceIs();
+    void replayedFramesAreNeitherShownNorLogged();
+    void whatIsMissingIsTold();
+};
+
+void GroundStationTest::theRoofHasItsTurnsInTheOrderOfTheStart() {
+    Fixture f;
+    QStringList atPlace;
+    f.roof.atTurn = [&](const QString& turn) {
+        if (turn == u"place") // the settings that stand before the window's are read, those behind it are not
+            atPlace = {f.Get("SETUP", "OBJ_INDEX"), f.Get("SETUP", "USE_LOCAL_TIME")};
+        if (turn == u"terminal")
+            QCOMPARE(f.Get("TERMINAL", "TO"), u"CQ"_s);
+    };
+    QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    QCOMPARE(atPlace, (QStringList{u"0"_s, u"absent"_s}));
+    f.station->Stop();
+    f.station->Stop();
+    QCOMPARE(f.roof.turns, (QStringList{u"announce"_s, u"place"_s, u"tracking"_s, u"terminal"_s, u"show"_s,
+                                        u"release"_s, u"save"_s}));
+}
+
+void GroundStationTest::aSecondStationInTheFolderIsRefused() {
+    Fixture f;
+    QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    NotingRoof roof;
+    GroundStation second(f.folder.Program(), f.clock, f.messages, roof);
+    QCOMPARE(second.Start(), GroundStation::Outcome::AlreadyRunning);
+    QCOMPARE(f.presenter.Texts(), QStringList{Texts::AlreadyRunning()});
+    QVERIFY(roof.turns.isEmpty());
+}
+
+void GroundStationTest::withoutFormulaeNothingOfTheStartFollows() {
+    Fixture f;
+    QFile::remove(f.folder.File(u"formula.txt"_s));
+    QCOMPARE(f.station->Start(), GroundStation::Outcome::NoFormulae);
+    QCOMPARE(f.presenter.messages.size(), 1);
+    QCOMPARE(f.roof.turns, QStringList{u"announce"_s});
+    QCOMPARE(f.Get("SETUP", "OBJ_INDEX"), u"absent"_s);
+    f.station->Stop();
+    QCOMPARE(f.Get("SETUP", "OBJ_INDEX"), u"absent"_s);
+}
+
+void GroundStationTest::aStationRunsWithoutAnyRoof() {
+    Fixture f;
+    Roof none;
+    GroundStation station(f.folder.Program(), f.clock, f.messages, none);
+    QCOMPARE(station.Start(), GroundStation::Outcome::Started);
+    QTRY_COMPARE(f.engine.MonitoringCount(), 1);
+    f.engine.SendHeard(
+        {.from = "XQ9ZZ-1", .to = "APRS", .via = {}, .information = "T#1,10,20,30,40,0,0,00101111,0"});
+    QTRY_COMPARE(station.grids[2]->TextMatrix(1, TelemetryGrid::ValueA), u"10"_s);
+    station.Stop();
+    QTRY_COMPARE(f.engine.ConnectionCount(), 0);
+}
+
+void GroundStationTest::theObserverFollowsTheStation() {
+    Fixture f;
+    f.folder.Write(u"Keps/iss.txt"_s,
+                   "ISS (ZARYA)\r\n"
+                   "1 25544U 98067A   26324.50000000  .00010000  00000-0  18000-3 0  9995\r\n"
+                   "2 25544  51.6400 100.0000 0005000  60.0000 300.0000 15.50000000000015\r\n");
+    QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    const auto elevation = [&] {
+        const auto place = f.station->cSats.PositionAt(u"25544"_s, f.station->cSats.datGmtTime());
+        return place ? place->dblEl : 1000.0;
+    };
+    const double before = elevation();
+    QVERIFY(before < 999.0);
+    f.station->station.setStrLat(u"5130.00N"_s);
+    f.station->station.setStrLong(u"00007.50W"_s);
+    QVERIFY(std::abs(elevation() - before) > 0.1);
+}
+
+void GroundStationTest::theLogIsWrittenWhileTheTerminalExists() {
+    Fixture f;
+    f.Set("TERMINAL", "LOGGING", u"True"_s);
+    QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    const auto log = [&] { return f.folder.Read(u"LOGS/20261121.TXT"_s); };
+    f.station->ShowStatus(u"one\r\n"_s);
+    QCOMPARE(log(), "one\r\n");
+    f.station->terminal.Close();
+    f.station->ShowStatus(u"two\r\n"_s);
+    QCOMPARE(log(), "one\r\n");
+    f.station->OpenTerminal();
+    QCOMPARE(f.roof.turns.count(u"terminal"_s), 2);
+    f.station->ShowStatus(u"three\r\n"_s);
+    QCOMPARE(log(), "one\r\nthree\r\n");
+}
+
+void GroundStationTest::statusLinesAreToldOneByOne() {
+    Fixture f;
+    QStringList lines;
+    connect(f.station.get(), &GroundStation::StatusLine, this,
+            [&](const QString& line) { lines.append(line); });
+    QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    QTRY_COMPARE(f.engine.MonitoringCount(), 1);
+    QTRY_VERIFY(lines.contains(u"*** AGW-Connected to - 127.0.0.1"_s));
+    lines.clear();
+    f.engine.DropConnections();
+    QTRY_COMPARE(lines, (QStringList{u"*** AGW-Disconnected from - 127.0.0.1"_s,
+                                     u"Will automatically retry in 30 seconds time."_s}));
+}
+
+void GroundStationTest::theSatelliteIsSavedWhereTheWindowsPlaceIs_data() {
+    QTest::addColumn<bool>("saves");
+    QTest::newRow("an ordinary end") << true;
+    QTest::newRow("minimised, or no window") << false;
+}
+
+void GroundStationTest::theSatelliteIsSavedWhereTheWindowsPlaceIs() {
+    QFETCH(const bool, saves);
+    Fixture f;
+    f.roof.savesPlace = saves;
+    QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    f.station->satellites.Toggle();
+    f.station->Stop();
+    QCOMPARE(f.Get("SETUP", "OBJ_INDEX"), saves ? u"1"_s : u"0"_s);
+}
+
+void GroundStationTest::replayedFramesAreNeitherShownNorLogged() {
+    Fixture f;
+    f.Set("TERMINAL", "LOGGING", u"True"_s);
+    QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    f.station->terminal.log.OpenTrafficLog();
+    const QByteArray before = f.folder.Read(u"LOGS/20261121.TXT"_s);
+    HeardFrame frame{.utc = 1, .origin = HeardFrame::Origin::Replayed, .source = "XQ9ZZ-1"};
+    frame.information = "T#1,10,20,30,40,0,0,00101111,0";
+    frame.engineText = "1:Fm XQ9ZZ-1 To APRS <UI >\rT#1,10,20,30,40,0,0,00101111,0\r";
+    f.station->heard.Hand(frame);
+    QVERIFY(f.station->monitor.Text().isEmpty());
+    QCOMPARE(f.folder.Read(u"LOGS/20261121.TXT"_s), before);
+    frame.origin = HeardFrame::Origin::Live;
+    f.station->heard.Hand(frame);
+    QVERIFY(!f.station->monitor.Text().isEmpty());
+    QVERIFY(f.folder.Read(u"LOGS/20261121.TXT"_s) != before);
+}
+
+void GroundStationTest::whatIsMissingIsTold() {
+    Fixture f;
+    QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    QVERIFY(f.presenter.messages.isEmpty());
+    f.station->ShowNotices();
+    QCOMPARE(f.presenter.Texts(),
+             (QStringList{Texts::PositionUnknown(), u"No Keps found for QIRAN and ISS."_s}));
+}
+
+QTEST_GUILESS_MAIN(GroundStationTest)
+#include "GroundStationTest.moc"
