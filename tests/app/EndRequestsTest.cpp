@@ -9,6 +9,10 @@
 class EndRequestsTest : public QObject {
     Q_OBJECT
 
+public:
+    /// As in the program: held back before Qt Test starts its own thread, which would let them through.
+    static void initMain() { EndRequests::Hold(); }
+
 private Q_SLOTS:
     void EverySignalThatAsksForTheEndIsAnEvent_data() {
         QTest::addColumn<int>("signal");
@@ -43,12 +47,6 @@ private Q_SLOTS:
     }
 };
 
-// As in the program: held back before Qt Test starts its own thread, which would let them through.
-int main(int argc, char** argv) {
-    EndRequests::Hold();
-    QCoreApplication application(argc, argv);
-    EndRequestsTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+QTEST_GUILESS_MAIN(EndRequestsTest)
 
 #include "EndRequestsTest.moc"
