@@ -45,7 +45,7 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     : m_folder(folder)
     , m_clock(clock)
     , m_messages(messages)
-    , m_instance(folder)
+    , m_lock(FolderLock::OfProgram(folder))
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
     , m_timer1(this) {
     setObjectName(QStringLiteral("frmQIRAN"));
@@ -107,7 +107,9 @@ void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
 }
 
 bool frmQIRAN::Load() {
-    if (m_instance.IsAnotherRunning()) {
+    if (!m_lock.TryLock()) {
+        const QString heldBy = Texts::HeldBy(m_folder.Path(), m_lock.Holder());
+        std::fprintf(stderr, "%s", heldBy.toLocal8Bit().constData());
         m_messages.MessageBox(this, Texts::AlreadyRunning(), MessageStyle::Information);
         return false;
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/GroundStation.h"
-#include "foundation/system/SingleInstance.h"
+#include "foundation/system/FolderLock.h"
 #include "telemetry/grids/TipCell.h"
 
 #include <QMainWindow>
@@ -61,7 +61,7 @@ private:
     const ProgramFolder& m_folder;
     const Clock& m_clock;
     mb& m_messages;
-    SingleInstance m_instance;
+    FolderLock m_lock;
     TelemetryTables m_tables;
     TipCell m_tipCell;
     MonitorText m_monitor;
