@@ -27,7 +27,7 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , m_clock(clock)
     , m_messages(messages)
     , m_roof(roof)
-    , m_instance(folder)
+    , m_lock(FolderLock::OfProgram(folder))
     , m_frameTime([this](qint64 utc) { return cSats.datTimeAt(utc); })
     , m_intake(callsigns, monitor, [this](qint64 utc) { return m_frameTime.At(utc); })
     , m_gridValues(grids, [this](qint64 utc) { return m_frameTime.At(utc); }) {
@@ -49,7 +49,8 @@ GroundStation::~GroundStation() {
 }
 
 GroundStation::Outcome GroundStation::Start() {
-    if (m_instance.IsAnotherRunning()) {
+    if (!m_lock.TryLock()) {
+        std::cerr << Texts::HeldBy(folder.Path(), m_lock.Holder()).toLocal8Bit().constData();
         m_messages.MessageBox(m_roof.MessageOwner(), Texts::AlreadyRunning(), MessageStyle::Information);
         return Outcome::AlreadyRunning;
     }

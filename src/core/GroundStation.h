@@ -2,7 +2,7 @@
 
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
-#include "foundation/system/SingleInstance.h"
+#include "foundation/system/FolderLock.h"
 #include "link/agwpe/AgwLink.h"
 #include "link/agwpe/AgwSettings.h"
 #include "orbit/service/TrackedSatellites.h"
@@ -96,7 +96,7 @@ private:
     const Clock& m_clock;
     mb& m_messages;
     Roof& m_roof;
-    SingleInstance m_instance;
+    FolderLock m_lock;
     SecondTime m_frameTime;
     FrameIntake m_intake;
     GridValues m_gridValues;

@@ -55,4 +55,8 @@ QString AlreadyRunning() {
     return QStringLiteral("QiranDecode is already running. ");
 }
 
+QString HeldBy(const QString& folder, const QString& holder) {
+    return QStringLiteral("QiranDecode: the folder %1 is held by %2\n").arg(folder, holder);
+}
+
 } // namespace Texts

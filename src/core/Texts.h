@@ -33,4 +33,7 @@ QString WhereFormulaeBelong(const QString& path);
 /// The notice of a second start in the same folder.
 QString AlreadyRunning();
 
+/// For standard error: who keeps the program folder for itself.
+QString HeldBy(const QString& folder, const QString& holder);
+
 } // namespace Texts

@@ -1,5 +1,6 @@
 #include "keps/ConvertKepsFile.h"
 
+#include "foundation/system/SyncToDisk.h"
 #include "keps/KepsText.h"
 
 #include <QDir>
@@ -7,12 +8,10 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <unistd.h>
 
 namespace {
 
 constexpr qint64 pieceSize = 8192;
-constexpr qint64 shortestFile = 80;
 
 KepsConversion Failed(const QString& reason) {
     return {false, QStringLiteral("The file could not be stored: ") + reason};
@@ -32,10 +31,7 @@ QString WriteWorkFile(QFile& source, const QString& path, KepsText& text) {
         if (work.write(converted) != converted.size())
             return work.errorString();
     }
-    // On the disk before it takes another file's place: a power cut must not find an empty file there.
-    if (!work.flush())
-        return work.errorString();
-    return fsync(work.handle()) == 0 ? QString() : qt_error_string(errno);
+    return SyncToDisk(work); // before it takes another file's place, where a power cut must not find it empty
 }
 
 // Moves a finished file to where another may be, which is replaced in one step; the reason when that fails.
@@ -66,6 +62,15 @@ QString KepsFiles::Work(const ProgramFolder& folder) {
     return folder.KepsFolder() + QDir::separator() + WorkName();
 }
 
+QString KepsFiles::Result(const ProgramFolder& folder, const QString& name) {
+    return folder.KepsFolder() + QDir::separator() + name;
+}
+
+void KepsFiles::RemoveWork(const ProgramFolder& folder) {
+    QFile::remove(Target(folder));
+    QFile::remove(Work(folder));
+}
+
 QString KepsFiles::HtmlCopy(const ProgramFolder& folder, qint16 index) {
     return folder.File(QStringLiteral("File%1.HTML").arg(index + 1));
 }
@@ -75,7 +80,7 @@ KepsConversion ConvertKepsFile(const ProgramFolder& folder, const QString& sourc
     QFile file(source);
     if (!file.open(QIODevice::ReadOnly))
         return Failed(file.errorString());
-    if (file.size() < shortestFile)
+    if (file.size() < KepsText::shortest)
         return {};
     if (!QDir().mkpath(folder.KepsFolder()))
         return Failed(QStringLiteral("the folder %1 could not be made").arg(folder.KepsFolder()));
@@ -85,8 +90,7 @@ KepsConversion ConvertKepsFile(const ProgramFolder& folder, const QString& sourc
     KepsText text;
     QString reason = WriteWorkFile(file, work, text);
     if (reason.isEmpty())
-        reason = text.IsHtml() ? PutAside(work, htmlCopy)
-                               : Install(work, folder.KepsFolder() + QDir::separator() + name);
+        reason = text.IsHtml() ? PutAside(work, htmlCopy) : Install(work, KepsFiles::Result(folder, name));
     QFile::remove(work); // where it could not be moved
     if (!reason.isEmpty())
         return Failed(reason);

@@ -8,12 +8,17 @@ struct KepsConversion {
     QString error;          ///< what the user is to know; empty when all is well
 };
 
-/// Files that a download keeps only while it runs.
+/// Where a download keeps what.
 namespace KepsFiles {
-QString Target(const ProgramFolder& folder);                 ///< what the server sent
-QString Work(const ProgramFolder& folder);                   ///< the same, with its line ends mended
-QString HtmlCopy(const ProgramFolder& folder, qint16 index); ///< where a page in HTML is kept instead
+QString Target(const ProgramFolder& folder);                      ///< what the server sent, while it runs
+QString Work(const ProgramFolder& folder);                        ///< the same, with its line ends mended
+QString Result(const ProgramFolder& folder, const QString& name); ///< what is kept of it
+QString HtmlCopy(const ProgramFolder& folder, qint16 index);      ///< or of a page in HTML instead
 QString WorkName();
+
+/// Removes what a download keeps only while it runs, for instance after a crash. FolderLock::OfKeps must be
+/// held.
+void RemoveWork(const ProgramFolder& folder);
 } // namespace KepsFiles
 
 /// Stores the fetched file `source` as `name`, a plain file name, in the Keps folder, which is made where it

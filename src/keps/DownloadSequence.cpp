@@ -2,16 +2,12 @@
 
 #include "foundation/messages/mb.h"
 #include "foundation/settings/Settings.h"
-#include "keps/ConvertKepsFile.h"
 #include "keps/KepsAddress.h"
-
-#include <QFile>
+#include "keps/StoreResponse.h"
 
 namespace {
 
 constexpr int pauseBetweenFiles = 500; // milliseconds: long enough to read what happened
-constexpr qsizetype chunkSize = 1024;
-constexpr qsizetype shortestResponse = 80;
 
 QString StateText(int state, const QString& host) {
     switch (state) {
@@ -45,7 +41,8 @@ DownloadSequence::DownloadSequence(InternetTransfer& inet, clsIni& ini, const Pr
     : QObject(parent)
     , m_inet(inet)
     , m_ini(ini)
-    , m_folder(folder) {
+    , m_folder(folder)
+    , m_lock(FolderLock::OfKeps(folder)) {
     m_timer1.setParent(this);
     m_timer1.setObjectName(QStringLiteral("Timer1"));
     m_timer1.setSingleShot(true);
@@ -56,7 +53,7 @@ DownloadSequence::DownloadSequence(InternetTransfer& inet, clsIni& ini, const Pr
 }
 
 DownloadSequence::~DownloadSequence() {
-    Cancel();
+    Stop();
 }
 
 void DownloadSequence::Download(const std::array<QString, 2>& typed) {
@@ -72,6 +69,12 @@ void DownloadSequence::Download(const std::array<QString, 2>& typed) {
         Q_EMIT Message(QStringLiteral("Both URLs are blank!"), MessageStyle::Exclamation);
         return;
     }
+    if (!m_lock.TryLock()) {
+        Q_EMIT Message(QStringLiteral("The elements are being fetched already, by %1.").arg(m_lock.Holder()),
+                       MessageStyle::Exclamation);
+        return;
+    }
+    KepsFiles::RemoveWork(m_folder); // left by a crash
     Settings::Save(m_ini, Settings::kepsFile1, typed[0]);
     Settings::Save(m_ini, Settings::kepsFile2, typed[1]);
     Q_EMIT Status(QStringLiteral("Getting ") + m_names[static_cast<std::size_t>(start)]);
@@ -79,16 +82,23 @@ void DownloadSequence::Download(const std::array<QString, 2>& typed) {
 }
 
 void DownloadSequence::Cancel() {
+    Stop();
+    Q_EMIT Progress(0, 0);
+}
+
+void DownloadSequence::Stop() {
     m_busy = false;
     m_timer1.stop();
     m_inet.Cancel();
-    RemoveWorkFiles();
+    if (m_lock.IsOurs())
+        KepsFiles::RemoveWork(m_folder); // another's are no business of ours
+    m_lock.Unlock();
 }
 
 void DownloadSequence::Start(qint16 index) {
     m_index = index;
     m_busy = true;
-    m_sinceProgress.start();
+    Q_EMIT Progress(0, -1);
     m_inet.Execute(m_urls[static_cast<std::size_t>(index)], QStringLiteral("GET"));
 }
 
@@ -104,11 +114,8 @@ void DownloadSequence::ShowState(int state) {
 }
 
 void DownloadSequence::ShowProgress(qint64 received, qint64 total) {
-    if (!m_busy || m_sinceProgress.elapsed() < m_progressInterval)
-        return;
-    m_sinceProgress.start();
-    Q_EMIT Status(total < 0 ? QStringLiteral("Received %1 bytes").arg(received)
-                            : QStringLiteral("Received %1 of %2 bytes").arg(received).arg(total));
+    if (m_busy)
+        Q_EMIT Progress(received, total);
 }
 
 void DownloadSequence::ShowError() {
@@ -121,46 +128,21 @@ void DownloadSequence::ShowError() {
 void DownloadSequence::StoreResponse() {
     const auto index = static_cast<std::size_t>(m_index);
     m_busy = false;
-    qsizetype length = 0;
-    QString reason;
-    if (!WriteTarget(length, reason)) {
-        m_errors[index] = QStringLiteral("The file could not be stored: ") + reason;
-    } else if (length >= shortestResponse) { // the line end added to the target does not count
-        const KepsConversion conversion =
-            ConvertKepsFile(m_folder, KepsFiles::Target(m_folder), m_names[index], m_index);
-        m_result = m_result || conversion.converted;
-        m_errors[index] = conversion.error;
-    }
+    const KepsConversion conversion = ::StoreResponse(m_inet, m_folder, m_names[index], m_index);
+    m_result = m_result || conversion.converted;
+    m_errors[index] = conversion.error;
     Q_EMIT Status(m_names[index] + QStringLiteral(" has been downloaded"));
     m_timer1.start();
 }
 
-// Writes the response to the target file; `reason` says why that failed.
-bool DownloadSequence::WriteTarget(qsizetype& length, QString& reason) {
-    QFile::remove(KepsFiles::Target(m_folder)); // left by a crash, or a link to somewhere else
-    QFile target(KepsFiles::Target(m_folder));
-    bool written = target.open(QIODevice::WriteOnly);
-    for (QByteArray chunk = m_inet.GetChunk(chunkSize); written && !chunk.isEmpty();
-         chunk = m_inet.GetChunk(chunkSize)) {
-        written = target.write(chunk) == chunk.size();
-        length += chunk.size();
-    }
-    written = written && target.write("\r\n") == 2 && target.flush();
-    target.close();
-    written = written && target.error() == QFileDevice::NoError;
-    if (!written)
-        reason = target.errorString();
-    return written;
-}
-
 void DownloadSequence::NextFile() {
-    m_inet.Cancel();
     if (m_index < 1 && !m_names[1].isEmpty()) {
+        m_inet.Cancel();
         Q_EMIT Status(QStringLiteral("\r\nGetting ") + m_names[1]);
         Start(1);
         return;
     }
-    RemoveWorkFiles();
+    Cancel();
     ShowSummary();
 }
 
@@ -174,9 +156,4 @@ void DownloadSequence::ShowSummary() {
         summary += QStringLiteral("\r\nFile 2 - ") + m_errors[1];
     Q_EMIT Message(summary, MessageStyle::Information);
     Q_EMIT Finished();
-}
-
-void DownloadSequence::RemoveWorkFiles() {
-    QFile::remove(KepsFiles::Target(m_folder));
-    QFile::remove(KepsFiles::Work(m_folder));
 }

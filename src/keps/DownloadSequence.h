@@ -2,9 +2,9 @@
 
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
+#include "foundation/system/FolderLock.h"
 #include "keps/InternetTransfer.h"
 
-#include <QElapsedTimer>
 #include <QTimer>
 
 #include <array>
@@ -28,12 +28,13 @@ public:
     /// Whether a file has been fetched and converted.
     bool Result() const { return m_result; }
 
-    /// The least time between two lines about a file's progress; 1 s unless set.
-    void SetProgressInterval(int milliseconds) { m_progressInterval = milliseconds; }
-
 Q_SIGNALS:
     /// A line for the status box.
     void Status(const QString& text);
+
+    /// How far the file in progress is: bytes received, and of how many (-1 when that is not known). 0 of 0
+    /// when none is under way.
+    void Progress(qint64 received, qint64 total);
 
     /// A message for the user; `style` is a MessageStyle.
     void Message(const QString& text, qint16 style);
@@ -43,18 +44,18 @@ Q_SIGNALS:
 
 private:
     void Start(qint16 index);
+    void Stop();
     void ShowState(int state);
     void ShowProgress(qint64 received, qint64 total);
     void ShowError();
     void StoreResponse();
-    bool WriteTarget(qsizetype& length, QString& reason);
     void NextFile();
     void ShowSummary();
-    void RemoveWorkFiles();
 
     InternetTransfer& m_inet;
     clsIni& m_ini;
     ProgramFolder m_folder;
+    FolderLock m_lock; ///< ours from the first file to the end
     QTimer m_timer1;
     std::array<QString, 2> m_urls;
     std::array<QString, 2> m_names;
@@ -62,6 +63,4 @@ private:
     qint16 m_index = 0;
     bool m_busy = false;
     bool m_result = false;
-    int m_progressInterval = 1000;
-    QElapsedTimer m_sinceProgress;
 };

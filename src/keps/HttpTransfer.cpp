@@ -1,5 +1,6 @@
 #include "keps/HttpTransfer.h"
 
+#include "foundation/text/Text.h"
 #include "keps/Gzip.h"
 #include "keps/KepsText.h"
 
@@ -22,7 +23,12 @@ bool HasArrived(QNetworkReply::NetworkError error, int status) {
 
 // What a stranger wrote, fit for one line.
 QString OneLine(const QString& text) {
-    return text.simplified().left(longestReason);
+    return Text::OneLine(text, longestReason);
+}
+
+// The same of a body, of which the start is enough.
+QString OneLine(const QByteArray& body) {
+    return OneLine(QString::fromUtf8(body.left(8 * longestReason)));
 }
 
 // The length that the server announced for the body, -1 when it did not, nothing when it makes no sense.
@@ -97,6 +103,7 @@ void HttpTransfer::Cancel() {
     m_taken = 0;
     m_code = 0;
     m_info.clear();
+    m_refusal.clear();
 }
 
 QByteArray HttpTransfer::GetChunk(qsizetype size) {
@@ -203,9 +210,11 @@ void HttpTransfer::FinishWithStatus(int status) {
     constexpr int partOfAFile = 206;
     const bool isWhole = Unpack();
     const bool isGood = status >= 200 && status < 300 && status != partOfAFile;
-    const bool isPage = status >= 400 && isWhole && KepsText::IsHtml(m_body);
+    const bool isRefusal = status >= 400;
+    const bool isPage = isRefusal && m_body.size() >= KepsText::shortest && KepsText::IsHtml(m_body);
+    const QString refusal = isRefusal ? OneLine(m_body) : QString();
     if (!isGood && !isPage) {
-        Fail(status, reason);
+        Fail(status, reason, refusal);
         return;
     }
     if (!isWhole) {
@@ -214,6 +223,7 @@ void HttpTransfer::FinishWithStatus(int status) {
     }
     m_code = status;
     m_info = reason;
+    m_refusal = refusal;
     m_standstill.stop();
     DropReply();
     if (Disconnect())
@@ -234,12 +244,13 @@ bool HttpTransfer::Unpack() {
     return body.has_value();
 }
 
-void HttpTransfer::Fail(int code, const QString& info) {
+void HttpTransfer::Fail(int code, const QString& info, const QString& refusal) {
     const bool wasConnected = m_connected;
     Cancel();
     m_connected = wasConnected;
     m_code = code;
     m_info = info;
+    m_refusal = refusal;
     if (Disconnect())
         Raise(Error);
 }

@@ -14,9 +14,10 @@ class QNetworkReply;
 /// An InternetTransfer over HTTP.
 ///
 /// Redirections are followed, at most ten, and never from https back to http. Completed are answers of status
-/// 2xx that arrived whole, and pages in HTML of status 400 and above; everything else is an error: another
-/// status, a cut body, a file above 64 MiB (unpacked), a transfer that stands still for 30 s. Cookies are
-/// neither kept nor sent; a user name and password in the address go to its own server alone.
+/// 2xx that arrived whole, and pages in HTML of status 400 and above that are long enough to be kept (80
+/// bytes); everything else is an error: another status, a cut body, a file above 64 MiB (unpacked), a
+/// transfer that stands still for 30 s. Cookies are neither kept nor sent; a user name and password in the
+/// address go to its own server alone.
 class HttpTransfer : public InternetTransfer {
     Q_OBJECT
 
@@ -35,6 +36,7 @@ public:
     QString RemoteHost() const override { return m_url.host(); }
     int ResponseCode() const override { return m_code; }
     QString ResponseInfo() const override { return m_info; }
+    QString RefusalText() const override { return m_refusal; }
 
 private:
     bool Raise(State state);
@@ -47,7 +49,7 @@ private:
     void Finished();
     void FinishWithStatus(int status);
     bool Unpack();
-    void Fail(int code, const QString& info);
+    void Fail(int code, const QString& info, const QString& refusal = {});
     bool Disconnect();
     void DropReply();
 
@@ -63,4 +65,5 @@ private:
     qsizetype m_taken = 0; // bytes of the body handed out
     int m_code = 0;
     QString m_info;
+    QString m_refusal;
 };

@@ -44,9 +44,13 @@ public:
     /// The host that is being asked.
     virtual QString RemoteHost() const = 0;
 
-    /// The server's status code, or the network's own error number where there is none, and its text.
+    /// The server's status code, or the network's own error number (below 400) where there is none, and its
+    /// text.
     virtual int ResponseCode() const = 0;
     virtual QString ResponseInfo() const = 0;
+
+    /// What the server wrote with a status of 400 or more, as one line of at most 200 characters.
+    virtual QString RefusalText() const = 0;
 
 Q_SIGNALS:
     void StateChanged(int state);

@@ -2,6 +2,7 @@
 
 #include "keps/ConvertKepsFile.h"
 
+#include <QCryptographicHash>
 #include <QRegularExpression>
 #include <QUrl>
 #include <QUrlQuery>
@@ -25,6 +26,31 @@ bool IsReserved(const QString& name) {
     return devices.match(name).hasMatch() || name.compare(KepsFiles::WorkName(), Qt::CaseInsensitive) == 0;
 }
 
+// The name cut to `longest` bytes of UTF-8, but not within a character.
+QString Cut(QString name, qsizetype longest) {
+    name.truncate(longest);
+    while (name.toUtf8().size() > longest)
+        name.chop(name.back().isLowSurrogate() ? 2 : 1);
+    return name;
+}
+
+// A name that is too long keeps its extension, and a check sum keeps it apart from others that begin as it
+// does.
+QString Shortened(const QString& name) {
+    if (name.toUtf8().size() <= longestName)
+        return name;
+    constexpr qsizetype longestExtension = 16;
+    constexpr qsizetype checkSumBytes = 4;
+    const qsizetype point = name.lastIndexOf(u'.');
+    QString extension = point < 0 ? QString() : name.mid(point);
+    if (extension.toUtf8().size() > longestExtension)
+        extension.clear();
+    const QByteArray checkSum =
+        QCryptographicHash::hash(name.toUtf8(), QCryptographicHash::Sha256).left(checkSumBytes).toHex();
+    const QString end = u'_' + QString::fromLatin1(checkSum) + extension;
+    return Cut(name, longestName - end.toUtf8().size()) + end;
+}
+
 // What may stand in a folder on any system, and is neither hidden nor the folder above.
 QString PlainName(const QString& text) {
     QString name = AfterLastSeparator(QUrl::fromPercentEncoding(text.toUtf8()));
@@ -36,16 +62,21 @@ QString PlainName(const QString& text) {
     qsizetype start = 0;
     while (start < name.size() && (name[start] == u'.' || name[start].isSpace()))
         ++start;
-    name = name.mid(start, longestName);
-    while (name.toUtf8().size() > longestName)
-        name.chop(name.back().isLowSurrogate() ? 2 : 1);
+    name = name.mid(start);
     while (name.endsWith(u'.') || name.endsWith(u' ') || name.endsWith(QChar(0x00A0)))
         name.chop(1);
+    name = Shortened(name);
     return IsReserved(name) ? u'_' + name : name;
 }
 
-// The name of the set of elements that a query asks for; empty when it does not say.
-QString NameFromQuery(const QString& query) {
+// The name of what a query asks for, with the form that it asks for as its extension.
+QString NamedAs(const QString& what, const QString& form) {
+    const QString name = PlainName(what);
+    return name.isEmpty() || name.contains(u'.') ? name : PlainName(name + u'.' + form);
+}
+
+// The set of elements and the form that a query asks for; the set is empty when it does not say.
+std::pair<QString, QString> ReadQuery(const QString& query) {
     QString set;
     QString form = QStringLiteral("txt");
     const auto items = QUrlQuery(query).queryItems();
@@ -58,21 +89,27 @@ QString NameFromQuery(const QString& query) {
         if (key.compare(u"FORMAT", Qt::CaseInsensitive) == 0 && !value.isEmpty())
             form = value.toLower();
     }
-    set = PlainName(set);
-    return set.isEmpty() || set.contains(u'.') ? set : PlainName(set + u'.' + form);
+    return {set, form};
+}
+
+QString FileName(const QString& path, const QString& query) {
+    const auto [set, form] = ReadQuery(query);
+    if (QString name = NamedAs(set, form); !name.isEmpty())
+        return name;
+    const bool isHostOnly = AfterLastSeparator(path) == path;
+    if (QString name = PlainName(isHostOnly ? path.section(u'@', -1) : path); !name.isEmpty())
+        return name;
+    return NamedAs(query, form);
 }
 
 } // namespace
 
 KepsAddress KepsAddress::FromTyped(const QString& typed) {
     const QString address = typed.trimmed();
-    const QString url = QStringLiteral("http://") + address;
     const qsizetype end = address.indexOf(QRegularExpression(QStringLiteral("[?#]")));
-    const QString path = address.left(end); // all of it when there is no query
-    if (end != -1 && address[end] == u'?') {
-        if (const QString name = NameFromQuery(address.mid(end + 1).section(u'#', 0, 0)); !name.isEmpty())
-            return {url, name};
-    }
-    const bool isHostOnly = AfterLastSeparator(path) == path;
-    return {url, PlainName(isHostOnly ? path.section(u'@', -1) : path)};
+    QString path = address.left(end); // all of it when there is no query
+    path.replace(u'\\', u'/');
+    const QString rest = end < 0 ? QString() : address.mid(end);
+    const QString query = rest.startsWith(u'?') ? rest.mid(1).section(u'#', 0, 0) : QString();
+    return {QStringLiteral("http://") + path + rest, FileName(path, query)};
 }

@@ -6,6 +6,9 @@
 /// and a page in HTML is noticed.
 class KepsText {
 public:
+    /// Bytes of the shortest text that is stored; what is shorter holds no set of elements.
+    static constexpr qsizetype shortest = 80;
+
     /// The piece with its line ends mended; a CR LF that is split between two pieces is one line end.
     QByteArray Convert(QByteArrayView piece);
 

@@ -10,8 +10,11 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 frmDownload::frmDownload(const ProgramFolder& folder, clsIni& ini, const mb& messages, InternetTransfer& inet,
                          QWidget* parent)
@@ -21,6 +24,7 @@ frmDownload::frmDownload(const ProgramFolder& folder, clsIni& ini, const mb& mes
     , m_sequence(inet, ini, folder)
     , txtFile{new QLineEdit(this), new QLineEdit(this)}
     , txtTerm(new QPlainTextEdit(this))
+    , barProgress(new QProgressBar(this))
     , cmdDownload(new QPushButton(tr("&Download"), this))
     , cmdCancel(new QPushButton(tr("Cancel"), this)) {
     setObjectName(QStringLiteral("frmDownload"));
@@ -32,6 +36,7 @@ frmDownload::frmDownload(const ProgramFolder& folder, clsIni& ini, const mb& mes
     });
     connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(&m_sequence, &DownloadSequence::Status, this, &frmDownload::AddDownloadStatus);
+    connect(&m_sequence, &DownloadSequence::Progress, this, &frmDownload::ShowProgress);
     connect(&m_sequence, &DownloadSequence::Message, this,
             [this](const QString& text, qint16 style) { m_messages.MessageBox(this, text, style); });
     connect(&m_sequence, &DownloadSequence::Finished, this, &QDialog::accept);
@@ -62,6 +67,16 @@ void frmDownload::AddDownloadStatus(const QString& text) {
     txtTerm->ensureCursorVisible();
 }
 
+void frmDownload::ShowProgress(qint64 received, qint64 total) {
+    const bool isUnderWay = total != 0;
+    if (!isUnderWay || total < 0)
+        barProgress->reset();
+    barProgress->setRange(0,
+                          static_cast<int>(std::max<qint64>(total, 0))); // without an end it shows it is busy
+    barProgress->setValue(static_cast<int>(received));
+    barProgress->setVisible(isUnderWay);
+}
+
 void frmDownload::LayOut() {
     auto* grid = new QGridLayout;
     for (int i = 0; i < 2; ++i) {
@@ -87,6 +102,13 @@ void frmDownload::LayOut() {
     status->setObjectName(QStringLiteral("labTerm"));
     status->setBuddy(txtTerm);
 
+    barProgress->setObjectName(QStringLiteral("barProgress"));
+    barProgress->setAccessibleName(tr("Progress of the file"));
+    QSizePolicy policy = barProgress->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    barProgress->setSizePolicy(policy);
+    barProgress->hide();
+
     cmdDownload->setObjectName(QStringLiteral("cmdDownload"));
     cmdDownload->setDefault(true);
     cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
@@ -99,6 +121,7 @@ void frmDownload::LayOut() {
     column->addLayout(grid);
     column->addWidget(status);
     column->addWidget(txtTerm, 1);
+    column->addWidget(barProgress);
     column->addWidget(buttons);
     setTabOrder(txtFile[0], txtFile[1]);
     setTabOrder(txtFile[1], txtTerm);

@@ -13,6 +13,7 @@
 
 class QLineEdit;
 class QPlainTextEdit;
+class QProgressBar;
 class QPushButton;
 
 /// The dialog that fetches element files into the Keps folder.
@@ -33,6 +34,7 @@ public:
 
 private:
     void AddDownloadStatus(const QString& text);
+    void ShowProgress(qint64 received, qint64 total);
     void LayOut();
 
     clsIni& m_ini;
@@ -41,6 +43,7 @@ private:
     DownloadStatus m_status;
     std::array<QLineEdit*, 2> txtFile;
     QPlainTextEdit* txtTerm;
+    QProgressBar* barProgress;
     QPushButton* cmdDownload;
     QPushButton* cmdCancel;
 };

@@ -96,6 +96,7 @@ private Q_SLOTS:
                                  "txtFile0",
                                  "txtFile1",
                                  "txtTerm",
+                                 "barProgress",
                                  "cmdDownload",
                                  "txtInfo",
                                  "cmdChangeSat",
@@ -144,6 +145,7 @@ private Q_SLOTS:
               ("To be able to transmit a beacon, you must input your latitude and longitude in 'Station "
                "Information'."),
               "Both URLs are blank!",
+              "The elements are being fetched already, by ",
               "The Keps have been downloaded.",
               "The following errors occurred - ",
               "The data appears to be an HTML file. Have a look at ",

@@ -24,6 +24,7 @@ private Q_SLOTS:
     void whatTheCodePageLacksIsAQuestionMark();
     void generalNumber_data();
     void generalNumber();
+    void aStrangersTextIsOneLineThatCanBeSeen();
 };
 
 void TextTest::leadingNumber_data() {
@@ -170,6 +171,12 @@ void TextTest::generalNumber() {
     QFETCH(double, value);
     QFETCH(QString, text);
     QCOMPARE(Text::GeneralNumber(value), text);
+}
+
+void TextTest::aStrangersTextIsOneLineThatCanBeSeen() {
+    QCOMPARE(Text::OneLine(u" a\t\r\n b\u001B[2Jc\u202Ed \U0001F6F0 "_s, 200), u"a b?[2Jc?d \U0001F6F0"_s);
+    QCOMPARE(Text::OneLine(QString(300, u'x'), 200), QString(200, u'x'));
+    QCOMPARE(Text::OneLine({}, 200), QString());
 }
 
 QTEST_GUILESS_MAIN(TextTest)

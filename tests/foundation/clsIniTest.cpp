@@ -1,5 +1,6 @@
 #include "foundation/settings/clsIni.h"
 
+#include "support/OrdinaryUser.h"
 #include "support/TemporaryProgramFolder.h"
 
 #include <QElapsedTimer>
@@ -16,22 +17,26 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// For as long as it lives the test is an ordinary user, to whom rights mean something.
-class OrdinaryUser {
+// For as long as it lives no file of the test can grow beyond a size: to who writes, a disk that is full.
+class SmallFiles {
 public:
-    OrdinaryUser() {
-        if (geteuid() == 0)
-            m_changed = seteuid(65534) == 0;
+    explicit SmallFiles(rlim_t most)
+        : m_oldHandler(std::signal(SIGXFSZ, SIG_IGN)) {
+        const rlimit small{most, getrlimit(RLIMIT_FSIZE, &m_old) == 0 ? m_old.rlim_max : most};
+        if (setrlimit(RLIMIT_FSIZE, &small) != 0)
+            qFatal("cannot limit the size of files");
     }
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-    ~OrdinaryUser() {
-        if (m_changed && seteuid(0) != 0)
-            qFatal("cannot become root again");
+    SmallFiles(const SmallFiles&) = delete;
+    SmallFiles& operator=(const SmallFiles&) = delete;
+    ~SmallFiles() {
+        if (setrlimit(RLIMIT_FSIZE, &m_old) != 0)
+            qFatal("cannot lift the limit again");
+        std::signal(SIGXFSZ, m_oldHandler);
     }
 
 private:
-    bool m_changed = false;
+    void (*m_oldHandler)(int);
+    rlimit m_old{};
 };
 
 QString S(const char* text) {
@@ -92,6 +97,9 @@ private Q_SLOTS:
     void relativeLinkIsFollowed();
     void unchangedFileIsNotWrittenAgain();
     void unwritableFolderIsReportedOnceAndDefaultsHold();
+    void writableFileOfAnUnwritableFolderIsWrittenInPlace();
+    void fileThatNoneMayReplaceIsWrittenInPlace();
+    void fullDiskLeavesAFileOfAnUnwritableFolderWhole();
     void unreadableFileIsNeverOverwritten();
     void folderInPlaceOfTheFileIsReported();
     void oversizedFileIsNeverOverwritten();
@@ -524,6 +532,60 @@ void clsIniTest::unwritableFolderIsReportedOnceAndDefaultsHold() {
     QCOMPARE(Bytes(), "[A]\r\nb=1\r\n");
 }
 
+void clsIniTest::writableFileOfAnUnwritableFolderIsWrittenInPlace() {
+    Write("[A]\r\nb=1\r\n");
+    QCOMPARE(chmod(qPrintable(m_folder->IniFile()), 0666), 0);
+    QCOMPARE(chmod(qPrintable(m_folder->Program().Path()), 0555), 0);
+    int failures = 0;
+    m_ini->SetWriteFailed([&](const QString&, const QString&) { ++failures; });
+    {
+        const OrdinaryUser user;
+        if (!OrdinaryUser::Is())
+            QSKIP("this machine lets us be nobody else than root");
+        Save("A", "b", "longer than before");
+        QCOMPARE(Bytes(), "[A]\r\nb=longer than before\r\n");
+        Save("A", "b", "2");
+    }
+    QCOMPARE(failures, 0);
+    QCOMPARE(Bytes(), "[A]\r\nb=2\r\n"); // nothing of the longer text stays behind
+    struct stat status {};
+    QCOMPARE(stat(qPrintable(m_folder->IniFile()), &status), 0);
+    QCOMPARE(status.st_mode & 0777U, 0666U);
+}
+
+void clsIniTest::fileThatNoneMayReplaceIsWrittenInPlace() {
+    // A folder in which everybody may make files, and replace his own only.
+    Write("[A]\r\nb=1\r\n");
+    QCOMPARE(chmod(qPrintable(m_folder->IniFile()), 0666), 0);
+    QCOMPARE(chmod(qPrintable(m_folder->Program().Path()), 01777), 0);
+    int failures = 0;
+    m_ini->SetWriteFailed([&](const QString&, const QString&) { ++failures; });
+    {
+        const OrdinaryUser user;
+        Save("A", "b", "2");
+    }
+    QCOMPARE(failures, 0);
+    QCOMPARE(Bytes(), "[A]\r\nb=2\r\n");
+    QCOMPARE(QDir(m_folder->Program().Path()).entryList(QDir::Files | QDir::Hidden),
+             QStringList{S("QiranDecode.INI")});
+}
+
+void clsIniTest::fullDiskLeavesAFileOfAnUnwritableFolderWhole() {
+    const QByteArray before = "[A]\r\nb=" + QByteArray(300, 'o') + "\r\n";
+    Write(before);
+    QCOMPARE(chmod(qPrintable(m_folder->IniFile()), 0666), 0);
+    QCOMPARE(chmod(qPrintable(m_folder->Program().Path()), 0555), 0);
+    QString reason;
+    m_ini->SetWriteFailed([&](const QString&, const QString& why) { reason = why; });
+    {
+        const OrdinaryUser user;
+        const SmallFiles limit(1000);
+        Save("A", "c", std::string(5000, 'n').c_str());
+    }
+    QVERIFY(!reason.isEmpty());
+    QCOMPARE(Bytes(), before);
+}
+
 void clsIniTest::unreadableFileIsNeverOverwritten() {
     Write("[A]\r\nb=1\r\n");
     QCOMPARE(chmod(qPrintable(m_folder->IniFile()), 0), 0);
@@ -567,15 +629,10 @@ void clsIniTest::fileSizeLimitLeavesTheOldFileWhole() {
     Write(before);
     QString reason;
     m_ini->SetWriteFailed([&](const QString&, const QString& why) { reason = why; });
-    auto* const oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit old{};
-    QCOMPARE(getrlimit(RLIMIT_FSIZE, &old), 0);
-    const rlimit small{1000, old.rlim_max};
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
-    m_ini->SaveIniString(S("A"), S("c"), QString(5000, u'n'));
-    const int restored = setrlimit(RLIMIT_FSIZE, &old);
-    std::signal(SIGXFSZ, oldHandler);
-    QCOMPARE(restored, 0);
+    {
+        const SmallFiles limit(1000);
+        m_ini->SaveIniString(S("A"), S("c"), QString(5000, u'n'));
+    }
     QVERIFY(!reason.isEmpty());
     QCOMPARE(Bytes(), before);
     QCOMPARE(QDir(m_folder->Program().Path()).entryList(QDir::Files).size(), 1); // nothing half-written stays

@@ -20,6 +20,7 @@ private:
     std::unique_ptr<DownloadSequence> m_sequence;
     QStringList m_lines;
     QList<std::pair<QString, qint16>> m_messages;
+    QList<std::pair<qint64, qint64>> m_progress;
     int m_finished = 0;
 
     static constexpr auto one = "one.org/first.txt";
@@ -54,6 +55,7 @@ private Q_SLOTS:
         m_sequence = std::make_unique<DownloadSequence>(*m_inet, *m_ini, *m_folder);
         m_lines.clear();
         m_messages.clear();
+        m_progress.clear();
         m_finished = 0;
         Timer1().setInterval(0);
         connect(m_sequence.get(), &DownloadSequence::Status, this,
@@ -62,6 +64,9 @@ private Q_SLOTS:
                 [this](const QString& text, qint16 style) {
                     m_messages.append({text, style});
                 });
+        connect(m_sequence.get(), &DownloadSequence::Progress, this, [this](qint64 received, qint64 total) {
+            m_progress.append({received, total});
+        });
         connect(m_sequence.get(), &DownloadSequence::Finished, this, [this] { ++m_finished; });
     }
 
@@ -337,19 +342,56 @@ private Q_SLOTS:
         QVERIFY(!HasWorkFiles());
     }
 
-    void ProgressIsShownOnlyNowAndThen() {
-        Download(one, "");
-        for (int i = 0; i < 1000; ++i)
-            m_inet->RaiseProgress(i, 5000);
-        QCOMPARE(m_lines.size(), 1);
-        m_sequence->SetProgressInterval(0);
+    void ProgressIsTheFilesInProgressAndNoLineOfText() {
+        m_inet->RaiseProgress(1, 2); // of nothing that is under way
+        Download(one, two);
         m_inet->RaiseProgress(1024, 5000);
         m_inet->RaiseProgress(2048, -1);
-        QCOMPARE(m_lines.last(2), (QStringList{QStringLiteral("Received 1024 of 5000 bytes"),
-                                               QStringLiteral("Received 2048 bytes")}));
+        m_inet->Complete(Elements());
+        m_inet->RaiseProgress(3000, 5000); // too late
+        NextFile();
+        m_inet->RaiseProgress(7, 100);
+        m_inet->Fail(404, QStringLiteral("Not Found"));
+        using Steps = QList<std::pair<qint64, qint64>>;
+        QCOMPARE(m_progress, (Steps{{0, 0}, {0, -1}, {1024, 5000}, {2048, -1}, {0, -1}, {7, 100}, {0, 0}}));
+        for (const QString& line : m_lines)
+            QVERIFY2(!line.contains(u"bytes"), qPrintable(line));
+    }
+
+    void WhileAnotherFetchesNothingStartsAndItsFilesStay() {
+        auto another = FolderLock::OfKeps(*m_folder);
+        QVERIFY(another.TryLock());
+        QFile theirs(KepsFiles::Target(*m_folder));
+        QVERIFY(theirs.open(QIODevice::WriteOnly));
+        Download(one, two);
+        QCOMPARE(m_messages.size(), 1);
+        QVERIFY2(m_messages[0].first.startsWith(u"The elements are being fetched already, by process "),
+                 qPrintable(m_messages[0].first));
+        QCOMPARE(m_messages[0].second, MessageStyle::Exclamation);
+        QVERIFY(m_inet->executed.isEmpty());
+        QVERIFY(m_lines.isEmpty());
         m_sequence->Cancel();
-        m_inet->RaiseProgress(3000, 5000);
-        QCOMPARE(m_lines.size(), 3);
+        QVERIFY(QFile::exists(KepsFiles::Target(*m_folder)));
+        another.Unlock();
+        Download(one, two);
+        QCOMPARE(m_inet->executed.size(), 1);
+    }
+
+    void OthersAreHeldOffUntilTheEnd() {
+        auto another = FolderLock::OfKeps(*m_folder);
+        Download(one, two);
+        QVERIFY(!another.TryLock());
+        m_inet->Complete(Elements());
+        QVERIFY(!another.TryLock());
+        NextFile();
+        m_inet->Complete(Elements());
+        NextFile();
+        QCOMPARE(m_finished, 1);
+        QVERIFY(another.TryLock());
+        another.Unlock();
+        Download(one, "");
+        m_inet->Fail(404, QStringLiteral("Not Found"));
+        QVERIFY(another.TryLock());
     }
 };
 

@@ -12,6 +12,7 @@ public:
     QByteArray body;
     int code = 200;
     QString info = QStringLiteral("OK");
+    QString refusal;
 
     void Execute(const QString& url, const QString& operation) override {
         executed.append(operation + u' ' + url);
@@ -25,6 +26,7 @@ public:
     QString RemoteHost() const override { return QStringLiteral("celestrak.org"); }
     int ResponseCode() const override { return code; }
     QString ResponseInfo() const override { return info; }
+    QString RefusalText() const override { return refusal; }
 
     void Raise(int state) { Q_EMIT StateChanged(state); }
     void RaiseProgress(qint64 received, qint64 total) { Q_EMIT Progress(received, total); }

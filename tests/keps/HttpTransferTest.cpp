@@ -1,6 +1,7 @@
 #include "keps/HttpTransfer.h"
 
 #include "keps/GzipFile.h"
+#include "keps/KepsAddress.h"
 #include "keps/ScriptedServer.h"
 
 #include <QElapsedTimer>
@@ -45,6 +46,13 @@ private:
         return ScriptedServer::Http(status, body,
                                     "Content-Encoding: " + encoding +
                                         "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n");
+    }
+
+    // A page in HTML of a length.
+    static QByteArray Page(qsizetype length) {
+        const QByteArray end = "</HTML>";
+        QByteArray page = "<!DOCTYPE html><HTML>sorry";
+        return page.leftJustified(length - end.size(), '.') + end;
     }
 
 private Q_SLOTS:
@@ -164,12 +172,46 @@ private Q_SLOTS:
     void RefusalWithAPageCompletes() {
         for (const QByteArray& status : {QByteArray("404 Not Found"), QByteArray("403 Forbidden"),
                                          QByteArray("500 Internal Server Error")}) {
-            const QByteArray page = "<!DOCTYPE html><HTML>sorry</HTML>";
+            const QByteArray page = Page(80);
             ScriptedServer server({ScriptedServer::Http(status, page)});
             Get(server.Url());
             QCOMPARE(m_states.last(), 12);
             QCOMPARE(Body(), page);
         }
+    }
+
+    void RefusalWithAPageTooShortToBeKeptIsAnError() {
+        for (const QByteArray& page : {Page(79), QByteArray("<html>sorry</html>")}) {
+            ScriptedServer server({ScriptedServer::Http("404 Not Found", page)});
+            Get(server.Url());
+            QCOMPARE(m_states.last(), 11);
+            QCOMPARE(ErrorText(), QStringLiteral("404 Not Found"));
+            ScriptedServer good({ScriptedServer::Http("200 OK", page)});
+            Get(good.Url());
+            QCOMPARE(m_states.last(), 12);
+        }
+    }
+
+    void WordsOfARefusalAreKeptApart() {
+        const QByteArray words = "GP data has not updated since\r\n your last successful download\x1B[2J";
+        const QString line =
+            QStringLiteral("GP data has not updated since your last successful download?[2J");
+        ScriptedServer plain({ScriptedServer::Http("403 Forbidden", words)});
+        Get(plain.Url());
+        QCOMPARE(ErrorText(), QStringLiteral("403 Forbidden"));
+        QCOMPARE(m_transfer->RefusalText(), line);
+        ScriptedServer packed({Packed(GzipFile(words, 9), "403 Forbidden")});
+        Get(packed.Url());
+        QCOMPARE(m_transfer->RefusalText(), line);
+        ScriptedServer page({ScriptedServer::Http("403 Forbidden", Page(100))});
+        Get(page.Url());
+        QVERIFY(m_transfer->RefusalText().startsWith(u"<!DOCTYPE html>"));
+        ScriptedServer talker({ScriptedServer::Http("403 Forbidden", QByteArray(100000, 'x'))});
+        Get(talker.Url());
+        QCOMPARE(m_transfer->RefusalText(), QString(200, u'x'));
+        ScriptedServer good({ScriptedServer::Http("200 OK", words)});
+        Get(good.Url());
+        QVERIFY(m_transfer->RefusalText().isEmpty());
     }
 
     void PartOfAFileIsAnError() {
@@ -276,11 +318,11 @@ private Q_SLOTS:
     }
 
     void PackedPageOfARefusalCompletes() {
-        ScriptedServer server({Packed(GzipFile("<html>sorry</html>", 9), "404 Not Found")});
+        ScriptedServer server({Packed(GzipFile(Page(80), 9), "404 Not Found")});
         Get(server.Url());
         QCOMPARE(m_states.last(), 12);
-        QCOMPARE(Body(), QByteArray("<html>sorry</html>"));
-        ScriptedServer damaged({Packed("<html>sorry</html>", "404 Not Found")});
+        QCOMPARE(Body(), Page(80));
+        ScriptedServer damaged({Packed(Page(80), "404 Not Found")});
         Get(damaged.Url());
         QCOMPARE(ErrorText(), QStringLiteral("404 Not Found"));
     }
@@ -398,6 +440,13 @@ private Q_SLOTS:
         Get(server.Url());
         QCOMPARE(m_states.last(), 12);
         QVERIFY(server.Requests().last().contains("\r\nHost: " + server.Address().toLatin1() + "\r\n"));
+    }
+
+    void AnAddressWithBackslashesReachesTheServer() {
+        ScriptedServer server({ScriptedServer::Http("200 OK", "elements")});
+        Get(KepsAddress::FromTyped(server.Address() + QStringLiteral("\\dir\\a.txt")).url);
+        QCOMPARE(m_states.last(), 12);
+        QVERIFY(server.Requests().last().startsWith("GET /dir/a.txt HTTP/1.1\r\n"));
     }
 
     void QueryReachesTheServer() {

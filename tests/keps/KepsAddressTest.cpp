@@ -10,6 +10,15 @@ private Q_SLOTS:
         QCOMPARE(KepsAddress::FromTyped(QStringLiteral("  host/a b.txt ")).url,
                  QStringLiteral("http://host/a b.txt"));
         QCOMPARE(KepsAddress::FromTyped({}).url, QStringLiteral("http://"));
+        QCOMPARE(KepsAddress::FromTyped(QStringLiteral("host/a.php?x=y#z")).url,
+                 QStringLiteral("http://host/a.php?x=y#z"));
+    }
+
+    void BackslashesBeforeTheQueryAreSentAsSlashes() {
+        QCOMPARE(KepsAddress::FromTyped(QStringLiteral("host\\dir\\a.txt")).url,
+                 QStringLiteral("http://host/dir/a.txt"));
+        QCOMPARE(KepsAddress::FromTyped(QStringLiteral("host\\a.php?x=\\y")).url,
+                 QStringLiteral("http://host/a.php?x=\\y"));
     }
 
     void FileNameIsAPlainNameInsideKeps_data() {
@@ -56,7 +65,20 @@ private Q_SLOTS:
         row(u"host/a.txt?x=y", u"a.txt");
         row(u"host/a.txt?path=/etc/passwd", u"a.txt");
         row(u"host/gp.php?x=y", u"gp.php");
-        row(u"host/dir/?x=y", u"");
+        row(u"host/?sat=43017", u"sat=43017.txt");
+        row(u"host/dir/?x=y", u"x=y.txt");
+        row(u"host/dir/?x=y#top", u"x=y.txt");
+        row(u"host\\dir\\?x=y", u"x=y.txt");
+        row(u"host/?x=y&FORMAT=tle", u"x=y&FORMAT=tle.tle");
+        row(u"host/?file.txt", u"file.txt");
+        row(u"host/?a?b", u"a_b.txt");
+        row(u"host/..?x=y", u"x=y.txt");
+        row(u"host/?path=/etc/passwd", u"passwd.txt");
+        row(u"host/dir/?", u"");
+        row(u"host/dir/#x", u"");
+        row(u"host/?..", u"");
+        row(u"host/?x=/", u"");
+        row(u"host?sat=43017", u"host");
         row(u"celestrak.org/NORAD/elements/gp.php?GROUP=amateur&FORMAT=tle", u"amateur.tle");
         row(u"celestrak.org/NORAD/elements/gp.php?FORMAT=TLE&group=amateur", u"amateur.tle");
         row(u"celestrak.org/NORAD/elements/gp.php?CATNR=25544", u"25544.txt");
@@ -77,6 +99,36 @@ private Q_SLOTS:
             KepsAddress::FromTyped(QStringLiteral("host/") + QString(5000, u'\u4E2D')).fileName;
         QVERIFY(!name.isEmpty());
         QVERIFY(name.toUtf8().size() < 245);
+    }
+
+    void ALongNameKeepsItsExtension() {
+        const QString letters(300, u'\u4E2D');
+        for (const QString& extension : {QStringLiteral(".txt"), QStringLiteral(".tle"), QString()}) {
+            const QString name =
+                KepsAddress::FromTyped(QStringLiteral("host/") + letters + extension).fileName;
+            QVERIFY2(name.endsWith(extension), qPrintable(name));
+            QVERIFY(name.toUtf8().size() > 90);
+            QVERIFY(name.toUtf8().size() <= 100);
+            QCOMPARE(name.contains(u'.'), !extension.isEmpty());
+        }
+        const QString set =
+            KepsAddress::FromTyped(QStringLiteral("host/gp.php?FORMAT=tle&GROUP=") + letters).fileName;
+        QVERIFY2(set.endsWith(u".tle"), qPrintable(set));
+        const QString all =
+            KepsAddress::FromTyped(QStringLiteral("host/a.") + letters).fileName; // no extension as such
+        QVERIFY(all.toUtf8().size() <= 100);
+    }
+
+    void TwoLongNamesStayTwo() {
+        const QString same(300, u'x');
+        const auto nameOf = [&](const QString& end) {
+            return KepsAddress::FromTyped(QStringLiteral("host/") + same + end).fileName;
+        };
+        QVERIFY(nameOf(QStringLiteral("1.txt")) != nameOf(QStringLiteral("2.txt")));
+        QCOMPARE(nameOf(QStringLiteral("1.txt")), nameOf(QStringLiteral("1.txt")));
+        QCOMPARE(
+            KepsAddress::FromTyped(QStringLiteral("host/") + same.left(96) + QStringLiteral(".txt")).fileName,
+            same.left(96) + QStringLiteral(".txt")); // what fits is left alone
     }
 
     void NoAddressYieldsASeparatorOrAFolderAbove() {

@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QTemporaryDir>
@@ -163,6 +164,37 @@ private Q_SLOTS:
         QVERIFY(m_presenter.messages.isEmpty());
     }
 
+    void TheBarShowsHowFarTheFileIs() {
+        Run([&] {
+            const auto& bar = The<QProgressBar>("barProgress");
+            QVERIFY(!bar.isVisible());
+            QVERIFY(!bar.accessibleName().isEmpty());
+            const QSize before = m_window->size();
+            const int top = The<QPushButton>("cmdDownload").y();
+            QTest::mouseClick(&The<QPushButton>("cmdDownload"), Qt::LeftButton);
+            QVERIFY(bar.isVisible());
+            QCOMPARE(bar.maximum(), 0); // busy: nobody knows how long the file is
+            m_inet.RaiseProgress(1500, 6000);
+            QCOMPARE(bar.minimum(), 0);
+            QCOMPARE(bar.maximum(), 6000);
+            QCOMPARE(bar.value(), 1500);
+            QVERIFY(bar.y() > The<QPlainTextEdit>("txtTerm").geometry().bottom());
+            Screenshots::Take(*m_window, QStringLiteral("frmDownload-progress"));
+            m_inet.RaiseProgress(2000, -1);
+            QCOMPARE(bar.maximum(), 0);
+            m_inet.RaiseProgress(6000, 6000);
+            QCOMPARE(bar.value(), 6000);
+            QCOMPARE(m_window->size(), before);
+            QCOMPARE(The<QPushButton>("cmdDownload").y(), top);
+            m_inet.Fail(404, QStringLiteral("Not Found"));
+            QVERIFY(!bar.isVisible());
+            QTest::mouseClick(&The<QPushButton>("cmdDownload"),
+                              Qt::LeftButton); // nothing of the last one stays
+            QCOMPARE(bar.maximum(), 0);
+            QVERIFY(bar.value() <= 0);
+        });
+    }
+
     void TheStatusBoxIsBounded() {
         Run([&] {
             QTest::mouseClick(&The<QPushButton>("cmdDownload"), Qt::LeftButton);
@@ -208,7 +240,9 @@ private Q_SLOTS:
             QTRY_VERIFY(Status().contains(u"Received some data"));
             QTest::keyClicks(&The<QLineEdit>("txtFile1"), QStringLiteral("typed"));
             QCOMPARE(The<QLineEdit>("txtFile1").text(), QStringLiteral("typed"));
-            QTRY_VERIFY(Status().contains(u" of 1000 bytes"));
+            QTRY_VERIFY(The<QProgressBar>("barProgress").value() > 0);
+            QCOMPARE(The<QProgressBar>("barProgress").maximum(), 1000);
+            QVERIFY(!Status().contains(u"bytes"));
             QTest::mouseClick(&The<QPushButton>("cmdCancel"), Qt::LeftButton);
             QVERIFY(!m_window->isVisible());
         });

@@ -25,7 +25,7 @@ SEED = int(os.environ.get("QIRAN_SEED", random.randrange(2**31)))
 KEYS = 40
 FETCHED = {stored(number) for number in range(26)}
 # What a kill may leave in the program folder while it downloads; the help names them all.
-DOWNLOAD_FILES = r"(QiranDecode\.INI(\.\w{6})?|Keps|Keps/amateur\.txt|tempkeps\.\$\$\$|Keps/TEMPKEPS\.\$\$\$)"
+DOWNLOAD_FILES = r"(QiranDecode\.INI(\.\w{6})?|Keps\.lock|Keps|Keps/amateur\.txt|tempkeps\.\$\$\$|Keps/TEMPKEPS\.\$\$\$)"
 ELEMENTS = {(letter.encode() * 68 + b"\r\n") * 3000 for letter in "ABCDEFGHIJKLMNOPQRSTUVWXYZ"}
 
 

@@ -190,6 +190,23 @@ class ProgramFaultsTest(unittest.TestCase):
                     self.assertEqual(program.returncode, 1 if name in reasons else 0, errors)
                     self.assertIn(reasons.get(name, ""), errors)
 
+    def test_in_a_folder_that_may_only_be_read_one_runs_and_saves_its_settings(self):
+        prefix = self.modes_that_count()
+        settings = self.program_folder / rig.SETTINGS_FILE
+        self.assertNotIn(b"LEFT=", settings.read_bytes())
+        self.addCleanup(self.program_folder.chmod, 0o700)
+        self.program_folder.chmod(0o500)
+        with Engine(self.port) as engine, self.start(seconds=60, prefix=prefix) as first:
+            rig.wait_for(engine.monitoring, "it connects", alive=first)
+            with self.start(prefix=prefix) as second:
+                said, errors = self.finish(second)
+            self.assertEqual(second.returncode, 1, errors)
+            self.assertIn(ALREADY, errors)
+            self.assertRegex(errors, rf"the folder {self.program_folder}/? is held by process {first.pid} \(.*QiranDecode")
+            self.assertIn(b"LEFT=", settings.read_bytes())
+            rig.end(first)
+        self.assertFalse((self.program_folder / "QiranDecode.lock").exists())
+
     def test_it_goes_on_when_it_may_no_longer_read_anything(self):
         with Engine(self.port) as engine, self.start(seconds=4, prefix=self.modes_that_count()) as program:
             rig.wait_for(engine.monitoring, "it connects", alive=program)

@@ -127,4 +127,12 @@ QString GeneralNumber(double value) {
     return QString::number(value == 0.0 ? 0.0 : value, 'G', 15); // no "-0"
 }
 
+QString OneLine(const QString& text, qsizetype longest) {
+    QString line = text.simplified().left(longest);
+    for (QChar& character : line)
+        if (!character.isPrint() && !character.isSurrogate())
+            character = u'?';
+    return line;
+}
+
 } // namespace Text

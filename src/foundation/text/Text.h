@@ -29,4 +29,8 @@ std::optional<qint16> RoundToInt16(double value);
 /// `value` in the general number format: up to 15 significant digits, ".", a capital E before an exponent.
 QString GeneralNumber(double value);
 
+/// A stranger's text, fit for one line of a window or a terminal: white space in a row becomes one blank,
+/// what cannot be seen "?", and what is beyond `longest` is cut.
+QString OneLine(const QString& text, qsizetype longest);
+
 } // namespace Text
