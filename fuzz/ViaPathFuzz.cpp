@@ -28,11 +28,11 @@ bool IsCallsign(const QString& text) {
     return false;
 }
 
-void CheckKeys(QChar key) {
-    for (const auto& become : {FieldRules::CallsignKey(key), FieldRules::ViaKey(key),
-                               FieldRules::PortKey(key), FieldRules::PositionKey(key)})
-        Require(!become || (become->unicode() < 0x80 && (*become < u'a' || *become > u'z')),
-                "what may be typed is ASCII, in capitals");
+void CheckCharacter(QChar key) {
+    for (const auto& become : {QIRUtil::CallsignCharacter(key), FieldRules::ViaCharacter(key),
+                               QIRUtil::DigitCharacter(key), FieldRules::PositionCharacter(key)})
+        Require(!become || (*become >= u' ' && *become <= u'~' && (*become < u'a' || *become > u'z')),
+                "what may be entered is ASCII, in capitals");
 }
 
 } // namespace
@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
 
     for (const QChar key : typed)
-        CheckKeys(key);
+        CheckCharacter(key);
     Require(FieldRules::IsCallsignOrEmpty(typed) == (typed.isEmpty() || IsCallsign(typed)),
             "a callsign follows its rule");
     const auto port = FieldRules::PortOf(typed);

@@ -36,7 +36,7 @@ public:
         guard.AddField(second, [this] { return Check(second); });
         guard.AddExempt(cancel);
         connect(ok, &QPushButton::clicked, this, [this] {
-            if (guard.CheckAll())
+            if (guard.MayAccept())
                 accept();
         });
         connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
@@ -108,7 +108,9 @@ private Q_SLOTS:
     void okByMouseShowsOneMessageAndDoesNotGoThrough();
     void okByAccessKeyShowsOneMessageAndDoesNotGoThrough();
     void okByEnterShowsOneMessageAndDoesNotGoThrough();
-    void okFindsABadFieldThatWasNeverEntered();
+    void okChecksNoFieldThatWasNeverEntered();
+    void okChecksABadFieldThatWasLeftByCancel_data();
+    void okChecksABadFieldThatWasLeftByCancel();
     void okGoesThroughWhenAllIsGood();
     void cancelByMouseIsNeverHindered();
     void cancelByAccessKeyIsNeverHindered();
@@ -232,14 +234,43 @@ void FieldGuardTest::okByEnterShowsOneMessageAndDoesNotGoThrough() {
     REFUSED_ONCE();
 }
 
-void FieldGuardTest::okFindsABadFieldThatWasNeverEntered() {
+void FieldGuardTest::okChecksNoFieldThatWasNeverEntered() {
     Dialog& d = *m_dialog;
     d.second->setText(QStringLiteral("bad"));
     QTest::mouseClick(d.ok, Qt::LeftButton);
-    Settle();
-    QCOMPARE(d.messages, QList{d.second});
-    QVERIFY(d.isVisible());
-    QTRY_VERIFY(d.second->hasFocus());
+    QVERIFY(!d.isVisible());
+    QVERIFY(d.messages.isEmpty());
+    d.Present();
+    QTest::keyClick(d.first, Qt::Key_Return);
+    QVERIFY(!d.isVisible());
+    QVERIFY(d.messages.isEmpty());
+}
+
+void FieldGuardTest::okChecksABadFieldThatWasLeftByCancel_data() {
+    QTest::addColumn<bool>("byMouse");
+    QTest::newRow("by mouse") << true;
+    QTest::newRow("by key, through another field") << false;
+}
+
+void FieldGuardTest::okChecksABadFieldThatWasLeftByCancel() {
+    QFETCH(const bool, byMouse);
+    BAD_FIRST();
+    QWidget::setTabOrder(d.first, d.cancel);
+    QWidget::setTabOrder(d.cancel, d.free);
+    QTest::keyClick(d.first, Qt::Key_Tab);
+    QTRY_VERIFY(d.cancel->hasFocus());
+    if (byMouse) {
+        QTest::mouseClick(d.ok, Qt::LeftButton);
+    } else {
+        QTest::keyClick(d.cancel, Qt::Key_Tab);
+        QTRY_VERIFY(d.free->hasFocus());
+        QTest::keyClick(d.free, Qt::Key_Return);
+    }
+    REFUSED_ONCE();
+    QTest::keyClick(d.first, Qt::Key_Backspace);
+    QTest::keyClick(d.first, Qt::Key_Return);
+    QVERIFY(!d.isVisible());
+    QCOMPARE(d.messages.size(), 1);
 }
 
 void FieldGuardTest::okGoesThroughWhenAllIsGood() {
@@ -452,8 +483,15 @@ void FieldGuardTest::aWindowThatGoesAwayUnderTheMessageDoesNoHarm() {
 void FieldGuardTest::removedFieldsAreForgotten() {
     Dialog& d = *m_dialog;
     d.second->setText(QStringLiteral("bad"));
+    QTest::keyClick(d.first, Qt::Key_Tab);
+    QTRY_VERIFY(d.second->hasFocus());
     delete d.second;
-    QVERIFY(d.guard.CheckAll());
+    QVERIFY(d.guard.MayAccept());
+    d.first->setFocus();
+    QTest::keyClick(d.first, Qt::Key_Tab);
+    Settle();
+    QTRY_VERIFY(d.free->hasFocus());
+    QVERIFY(d.messages.isEmpty());
 }
 
 QTEST_MAIN(FieldGuardTest)

@@ -1,18 +1,23 @@
-#include "foundation/fields/FilterKeys.h"
+#include "foundation/fields/FilterCharacters.h"
 #include "foundation/fields/FixedFont.h"
 #include "foundation/fields/SelectAllOnFocus.h"
+#include "support/Drop.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QFontMetrics>
 #include <QInputMethodEvent>
+#include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTest>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
-// The two things that every field does: select its text on entering, and filter its keys.
+// The two things that fields do: select their text on entering, and filter what comes in.
 class FieldKeysTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
@@ -28,11 +33,25 @@ private Q_SLOTS:
     void comingBackFromAContextMenuKeepsTheSelection();
 
     void refusedCharactersDoNotAppear();
+    void aRefusedCharacterLeavesTheSelection();
     void replacedCharactersTakeTheirPlace();
+    void noModifierTakesACharacterPastTheRule_data();
+    void noModifierTakesACharacterPastTheRule();
+    void aHeldKeyIsFilteredToo();
+    void accessKeysPass();
     void acceptedCharactersAreTypedAsEver();
     void controlKeysPass();
     void shortcutsPass();
-    void pastesPass();
+    void pastesAreFiltered_data();
+    void pastesAreFiltered();
+    void aFilteredPasteCanBeUndone();
+    void aFilteredPasteTakesAsMuchAsFits();
+    void dropsAreFiltered();
+    void theContextMenusPasteIsFiltered();
+    void aLineEndCountsAsOneBlank_data();
+    void aLineEndCountsAsOneBlank();
+    void whatTheProgramSetsStaysUntilTheUserChangesIt();
+    void fieldsOfAnyTextLoseTheirLineEndsAlone();
     void composedTextIsFilteredToo();
     void longestLengthHoldsForReplacedCharacters();
     void readOnlyFieldsStayAsTheyAre();
@@ -44,6 +63,10 @@ private:
     static std::optional<QChar> Capitals(QChar typed) {
         const QChar capital = typed.toUpper();
         return capital >= u'A' && capital <= u'Z' ? std::optional(capital) : std::nullopt;
+    }
+
+    static std::optional<QChar> Digits(QChar typed) {
+        return typed >= u'0' && typed <= u'9' ? std::optional(typed) : std::nullopt;
     }
 
     std::unique_ptr<QWidget> m_window;
@@ -136,13 +159,68 @@ void FieldKeysTest::comingBackFromAContextMenuKeepsTheSelection() {
 
 void FieldKeysTest::refusedCharactersDoNotAppear() {
     m_field->clear();
-    FilterKeys(m_field, [](QChar typed) { return typed.isDigit() ? std::optional(typed) : std::nullopt; });
+    FilterCharacters(m_field, &Digits);
     QTest::keyClicks(m_field, u"a1 b-2."_s);
     QCOMPARE(m_field->text(), u"12"_s);
 }
 
+void FieldKeysTest::aRefusedCharacterLeavesTheSelection() {
+    FilterCharacters(m_field, &Capitals);
+    m_field->setText(u"WHOLE"_s);
+    m_field->selectAll();
+    QTest::keyClicks(m_field, u"1/"_s);
+    QApplication::clipboard()->setText(u"12 34"_s);
+    QTest::keyClick(m_field, Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(m_field->text(), u"WHOLE"_s);
+    QCOMPARE(m_field->selectedText(), u"WHOLE"_s);
+}
+
+void FieldKeysTest::noModifierTakesACharacterPastTheRule_data() {
+    QTest::addColumn<int>("modifiers");
+    QTest::newRow("none") << int(Qt::NoModifier);
+    QTest::newRow("Shift") << int(Qt::ShiftModifier);
+    QTest::newRow("Alt") << int(Qt::AltModifier);
+    QTest::newRow("Alt+Shift") << int(Qt::AltModifier | Qt::ShiftModifier);
+    QTest::newRow("Meta") << int(Qt::MetaModifier);
+    QTest::newRow("Meta+Alt") << int(Qt::MetaModifier | Qt::AltModifier);
+    QTest::newRow("Ctrl+Alt, AltGr elsewhere") << int(Qt::ControlModifier | Qt::AltModifier);
+    QTest::newRow("Ctrl+Meta") << int(Qt::ControlModifier | Qt::MetaModifier);
+    QTest::newRow("keypad") << int(Qt::KeypadModifier);
+}
+
+void FieldKeysTest::noModifierTakesACharacterPastTheRule() {
+    QFETCH(const int, modifiers);
+    FilterCharacters(m_field, &Capitals);
+    m_field->clear();
+    for (const QChar typed : u"a1Bé\u200D"_s)
+        QTest::sendKeyEvent(QTest::Click, m_field, Qt::Key_unknown, typed, Qt::KeyboardModifiers(modifiers));
+    QCOMPARE(m_field->text(), u"AB"_s);
+}
+
+void FieldKeysTest::aHeldKeyIsFilteredToo() {
+    FilterCharacters(m_field, &Capitals);
+    m_field->clear();
+    for (int i = 0; i < 3; ++i) {
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_A, Qt::AltModifier, u"a"_s, i > 0);
+        QCoreApplication::sendEvent(m_field, &held);
+    }
+    QCOMPARE(m_field->text(), u"AAA"_s);
+}
+
+void FieldKeysTest::accessKeysPass() {
+    FilterCharacters(m_field, &Capitals);
+    auto* label = new QLabel(u"&Other"_s, m_window.get());
+    label->setBuddy(m_other);
+    label->show();
+    m_field->setText(u"ABC"_s);
+    m_field->setFocus();
+    QTest::keyClick(m_field, Qt::Key_O, Qt::AltModifier);
+    QTRY_VERIFY(m_other->hasFocus());
+    QCOMPARE(m_field->text(), u"ABC"_s);
+}
+
 void FieldKeysTest::replacedCharactersTakeTheirPlace() {
-    FilterKeys(m_field, &Capitals);
+    FilterCharacters(m_field, &Capitals);
     m_field->setText(u"XY"_s);
     m_field->setCursorPosition(1);
     QTest::keyClicks(m_field, u"a1b"_s);
@@ -153,7 +231,7 @@ void FieldKeysTest::replacedCharactersTakeTheirPlace() {
 }
 
 void FieldKeysTest::acceptedCharactersAreTypedAsEver() {
-    FilterKeys(m_field, &Capitals);
+    FilterCharacters(m_field, &Capitals);
     m_field->selectAll();
     QTest::keyClicks(m_field, u"OK"_s);
     QCOMPARE(m_field->text(), u"OK"_s);
@@ -162,13 +240,13 @@ void FieldKeysTest::acceptedCharactersAreTypedAsEver() {
 }
 
 void FieldKeysTest::controlKeysPass() {
-    FilterKeys(m_field, [](QChar) { return std::nullopt; });
-    m_field->setText(u"abc"_s);
+    FilterCharacters(m_field, &Capitals);
+    m_field->setText(u"ABC"_s);
     QTest::keyClick(m_field, Qt::Key_Backspace);
-    QCOMPARE(m_field->text(), u"ab"_s);
+    QCOMPARE(m_field->text(), u"AB"_s);
     QTest::keyClick(m_field, Qt::Key_Home);
     QTest::keyClick(m_field, Qt::Key_Delete);
-    QCOMPARE(m_field->text(), u"b"_s);
+    QCOMPARE(m_field->text(), u"B"_s);
     int entered = 0;
     connect(m_field, &QLineEdit::returnPressed, this, [&] { ++entered; });
     QTest::keyClick(m_field, Qt::Key_Return);
@@ -179,26 +257,149 @@ void FieldKeysTest::controlKeysPass() {
 }
 
 void FieldKeysTest::shortcutsPass() {
-    FilterKeys(m_field, [](QChar) { return std::nullopt; });
-    m_field->setText(u"abc"_s);
+    FilterCharacters(m_field, &Capitals);
+    m_field->setText(u"ABC"_s);
     QTest::keyClick(m_field, Qt::Key_A, Qt::ControlModifier);
-    QCOMPARE(m_field->selectedText(), u"abc"_s);
+    QCOMPARE(m_field->selectedText(), u"ABC"_s);
     QTest::keyClick(m_field, Qt::Key_X, Qt::ControlModifier);
     QCOMPARE(m_field->text(), QString());
     QTest::keyClick(m_field, Qt::Key_V, Qt::ControlModifier);
-    QCOMPARE(m_field->text(), u"abc"_s);
+    QCOMPARE(m_field->text(), u"ABC"_s);
+    QTest::keyClick(m_field, Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyClick(m_field, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(m_field->text(), u"ABC"_s);
+    QTest::keyClick(m_field, Qt::Key_Y, Qt::ControlModifier);
+    QCOMPARE(m_field->text(), QString());
 }
 
-void FieldKeysTest::pastesPass() {
-    FilterKeys(m_field, &Capitals);
+void FieldKeysTest::pastesAreFiltered_data() {
+    QTest::addColumn<int>("way");
+    QTest::newRow("Ctrl+V") << 0;
+    QTest::newRow("Shift+Insert") << 1;
+    QTest::newRow("by the program") << 2;
+}
+
+void FieldKeysTest::pastesAreFiltered() {
+    QFETCH(const int, way);
+    FilterCharacters(m_field, &Capitals);
+    QApplication::clipboard()->setText(u"n1: low\t\x01"_s);
+    const auto paste = [&] {
+        if (way == 0)
+            QTest::keyClick(m_field, Qt::Key_V, Qt::ControlModifier);
+        else if (way == 1)
+            QTest::keyClick(m_field, Qt::Key_Insert, Qt::ShiftModifier);
+        else
+            m_field->paste();
+    };
+    m_field->setText(u"XYZ"_s);
+    m_field->setCursorPosition(1);
+    paste();
+    QCOMPARE(m_field->text(), u"XNLOWYZ"_s);
+    QCOMPARE(m_field->cursorPosition(), 5);
+    m_field->setSelection(0, 5);
+    paste();
+    QCOMPARE(m_field->text(), u"NLOWYZ"_s);
+    QCOMPARE(m_field->cursorPosition(), 4);
+}
+
+void FieldKeysTest::aFilteredPasteCanBeUndone() {
+    FilterCharacters(m_field, &Capitals);
     QApplication::clipboard()->setText(u"n1: low"_s);
+    QTest::keyClick(m_field, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(m_field, u"first"_s);
+    QTest::keyClick(m_field, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(m_field, Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(m_field->text(), u"NLOW"_s);
+    QTest::keyClick(m_field, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(m_field->text(), u"FIRST"_s);
+    QTest::keyClick(m_field, Qt::Key_Y, Qt::ControlModifier);
+    QCOMPARE(m_field->text(), u"NLOW"_s);
+}
+
+void FieldKeysTest::aFilteredPasteTakesAsMuchAsFits() {
+    FilterCharacters(m_field, &Digits);
+    m_field->clear();
+    m_field->setMaxLength(5);
+    QApplication::clipboard()->setText(u"port 1:234567"_s);
+    QTest::keyClick(m_field, Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(m_field->text(), u"12345"_s);
+}
+
+void FieldKeysTest::dropsAreFiltered() {
+    FilterCharacters(m_field, &Capitals);
+    m_field->setText(u"XY"_s);
+    QVERIFY(DropOn(m_field, u"n1: low"_s));
+    QCOMPARE(m_field->text(), u"XYNLOW"_s);
+    QCOMPARE(m_field->cursorPosition(), 6);
+    QTest::keyClick(m_field, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(m_field->text(), u"XY"_s);
+    m_field->setReadOnly(true);
+    QVERIFY(!DropOn(m_field, u"more"_s));
+    QCOMPARE(m_field->text(), u"XY"_s);
+}
+
+void FieldKeysTest::theContextMenusPasteIsFiltered() {
+    FilterCharacters(m_field, &Capitals);
+    m_field->clear();
+    QApplication::clipboard()->setText(u"n1: low"_s);
+    const std::unique_ptr<QMenu> menu(m_field->createStandardContextMenu());
+    const auto actions = menu->actions();
+    const auto paste = std::ranges::find_if(
+        actions, [](const QAction* action) { return action->text().startsWith(u"&Paste"); });
+    QVERIFY(paste != actions.end());
+    (*paste)->trigger();
+    QCOMPARE(m_field->text(), u"NLOW"_s);
+}
+
+void FieldKeysTest::aLineEndCountsAsOneBlank_data() {
+    QTest::addColumn<QString>("end");
+    QTest::newRow("LF") << "\n";
+    QTest::newRow("CR") << "\r";
+    QTest::newRow("CR LF") << "\r\n";
+    QTest::newRow("line separator") << u"\u2028"_s;
+    QTest::newRow("paragraph separator") << u"\u2029"_s;
+}
+
+void FieldKeysTest::aLineEndCountsAsOneBlank() {
+    QFETCH(const QString, end);
+    QApplication::clipboard()->setText(u"A"_s + end + u"B"_s);
+    FilterCharacters(m_other, [](QChar c) { return c == u' ' ? std::optional(c) : Capitals(c); });
+    m_other->clear();
+    QTest::keyClick(m_other, Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(m_other->text(), u"A B"_s);
+    FilterCharacters(m_field, &Capitals); // which refuses blanks
     m_field->clear();
     m_field->paste();
-    QCOMPARE(m_field->text(), u"n1: low"_s);
+    QCOMPARE(m_field->text(), u"AB"_s);
+}
+
+void FieldKeysTest::whatTheProgramSetsStaysUntilTheUserChangesIt() {
+    FilterCharacters(m_field, &Capitals);
+    QTest::keyClicks(m_field, u"x"_s);
+    m_field->setText(u"low 1"_s);
+    QCOMPARE(m_field->text(), u"low 1"_s);
+    QTest::keyClick(m_field, Qt::Key_Home);
+    QTest::keyClick(m_field, Qt::Key_End, Qt::ShiftModifier);
+    QTest::keyClick(m_field, Qt::Key_Return);
+    QCOMPARE(m_field->text(), u"low 1"_s);
+    QTest::keyClick(m_field, Qt::Key_End);
+    QTest::keyClicks(m_field, u"x"_s);
+    QCOMPARE(m_field->text(), u"LOWX"_s);
+    QCOMPARE(m_field->cursorPosition(), 4);
+}
+
+void FieldKeysTest::fieldsOfAnyTextLoseTheirLineEndsAlone() {
+    KeepOnOneLine(m_field);
+    m_field->clear();
+    QTest::keyClicks(m_field, u"a "_s);
+    QApplication::clipboard()->setText(u"é\t/\r\nß"_s);
+    QTest::keyClick(m_field, Qt::Key_V, Qt::ControlModifier);
+    QTest::sendKeyEvent(QTest::Click, m_field, Qt::Key_unknown, u"😀"_s, Qt::NoModifier);
+    QCOMPARE(m_field->text(), u"a é\t/ ß😀"_s);
 }
 
 void FieldKeysTest::composedTextIsFilteredToo() {
-    FilterKeys(m_field, &Capitals);
+    FilterCharacters(m_field, &Capitals);
     m_field->clear();
     QInputMethodEvent composed;
     composed.setCommitString(u"a1é"_s);
@@ -207,7 +408,7 @@ void FieldKeysTest::composedTextIsFilteredToo() {
 }
 
 void FieldKeysTest::longestLengthHoldsForReplacedCharacters() {
-    FilterKeys(m_field, &Capitals);
+    FilterCharacters(m_field, &Capitals);
     m_field->clear();
     m_field->setMaxLength(3);
     QTest::keyClicks(m_field, u"abcdef"_s);
@@ -215,14 +416,14 @@ void FieldKeysTest::longestLengthHoldsForReplacedCharacters() {
 }
 
 void FieldKeysTest::readOnlyFieldsStayAsTheyAre() {
-    FilterKeys(m_field, &Capitals);
+    FilterCharacters(m_field, &Capitals);
     m_field->setReadOnly(true);
     QTest::keyClicks(m_field, u"abc"_s);
     QCOMPARE(m_field->text(), u"some text"_s);
 }
 
 void FieldKeysTest::charactersOfTwoUnitsAreRefusedWhole() {
-    FilterKeys(m_field, &Capitals);
+    FilterCharacters(m_field, &Capitals);
     m_field->clear();
     QTest::sendKeyEvent(QTest::Click, m_field, Qt::Key_unknown, u"😀"_s, Qt::NoModifier);
     QCOMPARE(m_field->text(), QString());

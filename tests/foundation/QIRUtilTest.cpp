@@ -14,6 +14,7 @@ private Q_SLOTS:
     void callsigns_data();
     void callsigns();
     void callsignKeys();
+    void charactersOfCallsignsAndNumbers();
     void latitudes_data();
     void latitudes();
     void longitudes_data();
@@ -49,6 +50,20 @@ void QIRUtilTest::callsignKeys() {
             code <= 13 || (code >= '0' && code <= '9') || (code >= 'A' && code <= 'Z') || code == '-';
         QCOMPARE(QIRUtil::IsCallsignKey(code), accepted);
     }
+}
+
+void QIRUtilTest::charactersOfCallsignsAndNumbers() {
+    QString callsign;
+    QString number;
+    for (int code = 0; code <= 0xFFFF; ++code) {
+        if (const auto character = QIRUtil::CallsignCharacter(QChar(code)))
+            callsign += *character;
+        if (const auto character = QIRUtil::DigitCharacter(QChar(code)))
+            number += *character;
+    }
+    const QString letters = u"ABCDEFGHIJKLMNOPQRSTUVWXYZ"_s;
+    QCOMPARE(callsign, u"-0123456789"_s + letters + letters);
+    QCOMPARE(number, u"0123456789"_s);
 }
 
 void QIRUtilTest::latitudes_data() {

@@ -7,7 +7,7 @@
 class FieldRulesTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void keysAreRaisedKeptOrDropped();
+    void charactersAreRaisedKeptOrRefused();
     void callsignsMayBeEmptyButNotLowerCase();
     void aViaPathIsNormalised_data();
     void aViaPathIsNormalised();
@@ -17,25 +17,19 @@ private Q_SLOTS:
     void thePortIsHeldAgainstTheEngines();
 };
 
-void FieldRulesTest::keysAreRaisedKeptOrDropped() {
+void FieldRulesTest::charactersAreRaisedKeptOrRefused() {
     using Rule = std::optional<QChar> (*)(QChar);
     const auto kept = [](Rule rule) {
         QString characters;
-        for (char16_t code = 0; code < 0xFFFF; ++code)
-            if (const auto key = rule(QChar(code)); key && code > 13)
-                characters += *key;
+        for (int code = 0; code <= 0xFFFF; ++code)
+            if (const auto character = rule(QChar(code)))
+                characters += *character;
         return characters;
     };
     const QString digits = QStringLiteral("0123456789");
     const QString letters = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZ");
-    QCOMPARE(kept(FieldRules::CallsignKey), u'-' + digits + letters + letters);
-    QCOMPARE(kept(FieldRules::PositionKey), QStringLiteral(" .") + digits + letters + letters);
-    QCOMPARE(kept(FieldRules::ViaKey), QStringLiteral(" ,-") + digits + letters + letters);
-    QCOMPARE(kept(FieldRules::PortKey), digits);
-    for (const Rule rule :
-         {FieldRules::CallsignKey, FieldRules::PositionKey, FieldRules::ViaKey, FieldRules::PortKey})
-        for (char16_t code = 0; code <= 13; ++code)
-            QCOMPARE(rule(QChar(code)), QChar(code));
+    QCOMPARE(kept(FieldRules::PositionCharacter), QStringLiteral(" .") + digits + letters + letters);
+    QCOMPARE(kept(FieldRules::ViaCharacter), QStringLiteral(" ,-") + digits + letters + letters);
 }
 
 void FieldRulesTest::callsignsMayBeEmptyButNotLowerCase() {

@@ -4,6 +4,7 @@
 #include "foundation/settings/clsIni.h"
 #include "station/identity/Station.h"
 #include "support/CloseBox.h"
+#include "support/Drop.h"
 #include "support/Keys.h"
 #include "support/RecordingPresenter.h"
 #include "support/Screenshots.h"
@@ -15,6 +16,8 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 using namespace Keys;
@@ -33,8 +36,15 @@ private Q_SLOTS:
     void aFailingFieldKeepsTheFocusAndSpeaksOnce();
     void aClickOutOfAFailingFieldSpeaksOnce();
     void okDoesNotGoThroughWithAFailingField();
-    void okFindsWhatWasWrongInTheFile();
-    void pastedLowerCaseIsRefused();
+    void okChecksOnlyTheFieldThatIsLeft_data();
+    void okChecksOnlyTheFieldThatIsLeft();
+    void okLeavesWhatNobodyTouchedAsItIs_data();
+    void okLeavesWhatNobodyTouchedAsItIs();
+    void whatIsChangedIsStoredAndTheRestStays();
+    void aKnownPositionsLocatorIsStored();
+    void whateverWayACharacterComesItIsRaisedOrRefused();
+    void lineEndsOfACommentAreBlanksAtOnce_data();
+    void lineEndsOfACommentAreBlanksAtOnce();
     void cancelAndEscapeLeaveThroughAFailingField_data();
     void cancelAndEscapeLeaveThroughAFailingField();
     void theCloseBoxChangesNothing();
@@ -233,29 +243,170 @@ void frmLocationTest::okDoesNotGoThroughWithAFailingField() {
     QCOMPARE(m_station->strLat(), u"4505.00S"_s);
 }
 
-void frmLocationTest::okFindsWhatWasWrongInTheFile() {
-    m_station->setStrLong(u"99999.99E"_s);
-    Open();
-    Press(Qt::Key_Return);
-    QCOMPARE(m_presenter.Texts(), QStringList{u"I can't make that into a valid longitude."_s});
-    QVERIFY(m_window->isVisible());
-    QCOMPARE(Focus(), u"txtLong"_s);
+void frmLocationTest::okChecksOnlyTheFieldThatIsLeft_data() {
+    QTest::addColumn<int>("way");
+    QTest::newRow("Enter") << 0;
+    QTest::newRow("click") << 1;
+    QTest::newRow("Alt+O") << 2;
+    QTest::newRow("from Cancel, and Space") << 3;
 }
 
-void frmLocationTest::pastedLowerCaseIsRefused() {
+void frmLocationTest::okChecksOnlyTheFieldThatIsLeft() {
+    QFETCH(const int, way);
+    m_station->setStrLat(u"nowhere"_s);
+    m_station->setStrLong(u"99999.99E"_s);
     Open();
-    Paste(u"xq9zz"_s);
-    QCOMPARE(Field(u"txtCallsign"_s)->text(), u"xq9zz"_s);
-    Press(Qt::Key_Tab);
-    QCOMPARE(m_presenter.Texts(), QStringList{u"That is not a valid callsign."_s});
+    const auto ok = [&] {
+        if (way == 0)
+            Press(Qt::Key_Return);
+        else if (way == 1)
+            QTest::mouseClick(m_window->findChild<QPushButton*>(u"cmdOk"_s), Qt::LeftButton);
+        else if (way == 2)
+            Press(Qt::Key_O, Qt::AltModifier);
+        else {
+            Press(Qt::Key_Backtab, Qt::ShiftModifier); // to Cancel, which may always be reached
+            Press(Qt::Key_Backtab, Qt::ShiftModifier);
+            QCOMPARE(Focus(), u"cmdOk"_s);
+            Press(Qt::Key_Space);
+        }
+    };
+    Type(u"XQ9ZZ-16"_s);
+    ok();
+    QTRY_COMPARE(m_presenter.Texts(), QStringList{u"That is not a valid callsign."_s});
+    QVERIFY(m_window->isVisible());
     QCOMPARE(Focus(), u"txtCallsign"_s);
-    Press(Qt::Key_A, Qt::ControlModifier);
-    Press(Qt::Key_Delete);
+    Replace(u"XQ9ZZ-1"_s);
+    ok();
+    QTRY_VERIFY(!m_window->isVisible());
+    QCOMPARE(m_presenter.messages.size(), 1);
+    QCOMPARE(m_station->strCallsign(), u"XQ9ZZ-1"_s);
+}
+
+void frmLocationTest::okLeavesWhatNobodyTouchedAsItIs_data() {
+    QTest::addColumn<QString>("latitude");
+    QTest::addColumn<QString>("longitude");
+    QTest::addColumn<QString>("comment");
+    QTest::addColumn<QString>("locator");
+    QTest::newRow("beyond the globe") << "9930.00N"
+                                      << "99999.99E"
+                                      << ""
+                                      << "";
+    QTest::newRow("not in the stored form") << "51N"
+                                            << "5"
+                                            << ""
+                                            << "IO91SM";
+    QTest::newRow("no position, but a locator") << ""
+                                                << ""
+                                                << ""
+                                                << "IO91SM";
+    QTest::newRow("lower case") << "5130.00n"
+                                << "00030.00w"
+                                << ""
+                                << "IO91SM";
+    QTest::newRow("comment in blanks") << "5130.00N"
+                                       << "00030.00W"
+                                       << "  hello  "
+                                       << "IO91SM";
+}
+
+void frmLocationTest::okLeavesWhatNobodyTouchedAsItIs() {
+    QFETCH(const QString, latitude);
+    QFETCH(const QString, longitude);
+    QFETCH(const QString, comment);
+    QFETCH(const QString, locator);
+    m_station->setStrCallsign(u"XQ9ZZ"_s);
+    m_station->setStrLat(latitude);
+    m_station->setStrLong(longitude);
+    m_station->setStrComment(comment);
+    m_station->setStrLoc(locator);
+    Open();
+    QTest::mouseClick(m_window->findChild<QPushButton*>(u"cmdOk"_s), Qt::LeftButton);
+    QVERIFY(!m_window->isVisible());
+    QVERIFY(m_presenter.messages.isEmpty());
+    QCOMPARE(m_station->strLat(), latitude);
+    QCOMPARE(m_station->strLong(), longitude);
+    QCOMPARE(m_station->strComment(), comment);
+    QCOMPARE(m_station->strLoc(), locator);
+    QCOMPARE(m_station->strCallsign(), u"XQ9ZZ"_s);
+}
+
+void frmLocationTest::whatIsChangedIsStoredAndTheRestStays() {
+    m_station->setStrLat(u"5130.5N"_s);
+    m_station->setStrLong(u"99999.99E"_s);
+    Open();
+    Type(u"XQ9ZZ"_s);
     Press(Qt::Key_Tab);
-    Paste(u"51.30.00n"_s);
-    Press(Qt::Key_Tab);
-    QCOMPARE(m_presenter.messages.size(), 2);
-    QCOMPARE(m_presenter.messages.last().text, u"I can't make that into a valid latitude."_s);
+    Press(Qt::Key_Tab); // out of the latitude, which is brought into form
+    Type(u"0.30w"_s);
+    Press(Qt::Key_Return);
+    QVERIFY(!m_window->isVisible());
+    QCOMPARE(m_station->strCallsign(), u"XQ9ZZ"_s);
+    QCOMPARE(m_station->strLat(), u"5130.50N"_s);
+    QCOMPARE(m_station->strLong(), u"00030.00W"_s);
+    QCOMPARE(m_station->strLoc(), u"IO91SM"_s);
+}
+
+void frmLocationTest::aKnownPositionsLocatorIsStored() {
+    m_station->setStrLat(u"5130.00N"_s);
+    m_station->setStrLong(u"00030.00W"_s);
+    Open();
+    QCOMPARE(Locator(), u"IO91SM"_s);
+    Press(Qt::Key_Return);
+    QCOMPARE(m_station->strLoc(), u"IO91SM"_s);
+}
+
+void frmLocationTest::whateverWayACharacterComesItIsRaisedOrRefused() {
+    Open();
+    for (const auto& [name, text, becomes] :
+         {std::tuple{u"txtCallsign"_s, u"xq9/zz\u0131-1\n"_s, u"XQ9ZZ-1"_s},
+          std::tuple{u"txtLat"_s, u"51,.30.00n\n"_s, u"51.30.00N "_s},
+          std::tuple{u"txtLong"_s, u"000-.30.00w\t"_s, u"000.30.00W"_s}}) {
+        QLineEdit* field = Field(name);
+        field->setFocus();
+        for (const auto modifier : {Qt::NoModifier, Qt::AltModifier, Qt::MetaModifier}) {
+            field->clear();
+            for (const QChar c : text)
+                QTest::sendKeyEvent(QTest::Click, field, Qt::Key_unknown, c, modifier);
+            QCOMPARE(field->text(), becomes.trimmed());
+        }
+        field->clear();
+        Paste(text);
+        QCOMPARE(field->text(), becomes);
+        field->clear();
+        QVERIFY(DropOn(field, text));
+        QCOMPARE(field->text(), becomes);
+    }
+    Press(Qt::Key_Return);
+    QVERIFY(m_presenter.messages.isEmpty());
+    QCOMPARE(m_station->strCallsign(), u"XQ9ZZ-1"_s);
+    QCOMPARE(m_station->strLat(), u"5130.00N"_s);
+    QCOMPARE(m_station->strLong(), u"00030.00W"_s);
+}
+
+void frmLocationTest::lineEndsOfACommentAreBlanksAtOnce_data() {
+    QTest::addColumn<int>("way");
+    QTest::newRow("pasted") << 0;
+    QTest::newRow("dropped") << 1;
+    QTest::newRow("pasted by mouse") << 2;
+}
+
+void frmLocationTest::lineEndsOfACommentAreBlanksAtOnce() {
+    QFETCH(const int, way);
+    Open();
+    Press(Qt::Key_M, Qt::AltModifier);
+    const QString text = u"near\r\nthe\nriver"_s;
+    if (way == 1) {
+        QVERIFY(DropOn(Field(u"txtComment"_s), text));
+    } else {
+        QApplication::clipboard()->setText(text);
+        if (way == 0)
+            Press(Qt::Key_V, Qt::ControlModifier);
+        else
+            Field(u"txtComment"_s)->paste();
+    }
+    QCOMPARE(Field(u"txtComment"_s)->text(), u"near the river"_s);
+    Press(Qt::Key_Return);
+    QCOMPARE(m_station->strComment(), u"near the river"_s);
 }
 
 void frmLocationTest::cancelAndEscapeLeaveThroughAFailingField_data() {

@@ -3,11 +3,14 @@
 #include "foundation/messages/mb.h"
 #include "foundation/settings/clsIni.h"
 #include "support/CloseBox.h"
+#include "support/Drop.h"
 #include "support/RecordingPresenter.h"
 #include "support/Screenshots.h"
 #include "support/TemporaryProgramFolder.h"
 #include "telemetry/callsigns/CallsignList.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLabel>
@@ -28,6 +31,7 @@ private Q_SLOTS:
     void doCallsIsModalOverItsParent();
     void addIsEnabledByTextAndSide();
     void typedKeysAreUpperCasedAndFiltered();
+    void pastedAndDroppedTextIsUpperCasedAndFiltered();
     void invalidCallsignIsRefusedOnce_data();
     void invalidCallsignIsRefusedOnce();
     void enteringAListedCallsignChangesItsSide();
@@ -40,6 +44,8 @@ private Q_SLOTS:
     void deleteRemovesAndSelectsTheNext();
     void deleteInTheMiddleSelectsTheOneThatTookItsPlace();
     void deleteOfTheLastSelectsTheNewLast();
+    void deleteRemovesNothingThatIsNotSelected_data();
+    void deleteRemovesNothingThatIsNotSelected();
     void okSavesTheListAndCloses();
     void okRefusesAnEmptyList();
     void okRefusesAnInvalidFieldOnce();
@@ -170,11 +176,24 @@ void frmCallsTest::addIsEnabledByTextAndSide() {
 
 void frmCallsTest::typedKeysAreUpperCasedAndFiltered() {
     QTest::keyClicks(m_field, QStringLiteral("xq9 zz/-1_5."));
-    for (const char16_t letter : {u'\u00E4', u'\uAC00'}) { // the second is negative in 16 signed bits
+    // The first has the capital "I" elsewhere, the last is negative in 16 signed bits.
+    for (const char16_t letter : {u'\u0131', u'\u017F', u'\u00E4', u'\uAC00'}) {
         QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(QChar(letter)));
         QCoreApplication::sendEvent(m_field, &press);
     }
     QCOMPARE(m_field->text(), QStringLiteral("XQ9ZZ-15"));
+    QTest::sendKeyEvent(QTest::Click, m_field, Qt::Key_unknown, u'a', Qt::AltModifier | Qt::ShiftModifier);
+    QTest::sendKeyEvent(QTest::Click, m_field, Qt::Key_unknown, u'/', Qt::MetaModifier);
+    QCOMPARE(m_field->text(), QStringLiteral("XQ9ZZ-15A"));
+}
+
+void frmCallsTest::pastedAndDroppedTextIsUpperCasedAndFiltered() {
+    QApplication::clipboard()->setText(QStringLiteral("xq9zz\u0131-3\r\n"));
+    QTest::keyClick(m_field, Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(m_field->text(), QStringLiteral("XQ9ZZ-3"));
+    m_field->clear();
+    QVERIFY(DropOn(m_field, QStringLiteral("xq9zz\u0131-3\r\n")));
+    QCOMPARE(m_field->text(), QStringLiteral("XQ9ZZ-3"));
 }
 
 void frmCallsTest::invalidCallsignIsRefusedOnce_data() {
@@ -282,6 +301,32 @@ void frmCallsTest::deleteOfTheLastSelectsTheNewLast() {
     for (int i = 0; i < 4; ++i) // more often than there are items
         QTest::keyClick(m_list, Qt::Key_Delete);
     QCOMPARE(m_list->count(), 0);
+}
+
+void frmCallsTest::deleteRemovesNothingThatIsNotSelected_data() {
+    QTest::addColumn<bool>("byMouse");
+    QTest::newRow("reached by Tab") << false;
+    QTest::newRow("selection taken back by Ctrl and a click") << true;
+}
+
+void frmCallsTest::deleteRemovesNothingThatIsNotSelected() {
+    QFETCH(const bool, byMouse);
+    if (byMouse) {
+        ClickItem(1);
+        QTest::mouseClick(m_list->viewport(), Qt::LeftButton, Qt::ControlModifier,
+                          m_list->visualItemRect(m_list->item(1)).center());
+    } else {
+        while (!m_list->hasFocus())
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    QVERIFY(m_list->selectedItems().isEmpty());
+    QCOMPARE(m_list->currentRow(), byMouse ? 1 : 0); // where the keyboard is
+    QTest::keyClick(m_list, Qt::Key_Delete);
+    QCOMPARE(m_list->count(), 3);
+    QTest::keyClick(m_list, Qt::Key_Down);
+    QCOMPARE(m_list->selectedItems().size(), 1);
+    QTest::keyClick(m_list, Qt::Key_Delete);
+    QCOMPARE(m_list->count(), 2);
 }
 
 void frmCallsTest::okSavesTheListAndCloses() {

@@ -67,14 +67,16 @@ void FieldGuard::AddExempt(QWidget* button) {
     m_exempt.append(button);
 }
 
-bool FieldGuard::CheckAll() {
-    const QPointer<QLineEdit> current = Current() != nullptr ? Current()->edit : nullptr;
-    if (current && !MayLeave(*Current()))
-        return false;
-    const QList<Field> fields = m_fields; // a check may show a message, and then anything may happen
-    return std::ranges::all_of(fields, [&](const Field& field) {
-        return !field.edit || field.edit == current || !field.edit->isEnabled() || MayLeave(field);
-    });
+bool FieldGuard::MayAccept() {
+    const QPointer<FieldGuard> self(this); // a check may show a message, and then anything may happen
+    bool may = MayClose();
+    while (may && self && !m_unchecked.isEmpty()) {
+        if (const Field* field = FieldOf(m_unchecked.first()); field != nullptr && field->edit->isEnabled())
+            may = MayLeave(*field);
+        else
+            m_unchecked.removeFirst();
+    }
+    return may && self;
 }
 
 bool FieldGuard::MayClose() {
@@ -149,6 +151,8 @@ bool FieldGuard::MayLeave(const Field& field) {
         return may; // the message stood open while the window went away
     m_busy = false;
     m_refused = may ? nullptr : edit;
+    if (may)
+        m_unchecked.removeAll(edit);
     if (!may && edit) {
         m_refusedText = edit->text();
         StayIn(edit);
@@ -202,6 +206,8 @@ bool FieldGuard::ShortcutMayReach(QWidget* target) {
 
 void FieldGuard::FocusLeft(QLineEdit* edit) {
     m_wandered = edit;
+    if (!m_unchecked.contains(edit))
+        m_unchecked.append(edit);
     QMetaObject::invokeMethod(this, &FieldGuard::FocusWandered, Qt::QueuedConnection);
 }
 

@@ -27,9 +27,10 @@ public:
     /// A button that may be reached and pressed whatever stands in the fields, as Cancel.
     void AddExempt(QWidget* button);
 
-    /// Checks the field that has the focus, then every other one. False after the first that fails; that one
-    /// has the focus then. For OK.
-    bool CheckAll();
+    /// For OK: checks the field in which the user is, for Enter moves no focus, and one that was left by an
+    /// exempt button and so unchecked. False after the first that fails; that one has the focus then. Fields
+    /// that were never left are not asked.
+    bool MayAccept();
 
     /// For the window's closeEvent, which only the close box brings about (QDialog::done() needs none):
     /// whether the field in which the user is may be left.
@@ -60,9 +61,10 @@ private:
     QWidget* m_window;
     QList<Field> m_fields;
     QList<QPointer<QWidget>> m_exempt;
-    bool m_busy = false;            // a check or its aftermath is under way: what the focus does is our doing
-    QPointer<QLineEdit> m_wandered; // lost the focus in a way that could not be asked about before
-    QPointer<QLineEdit> m_refused;  // the field that failed last, and the text that it failed with
+    bool m_busy = false; // a check or its aftermath is under way: what the focus does is our doing
+    QList<QPointer<QLineEdit>> m_unchecked; // left, and not found good since then
+    QPointer<QLineEdit> m_wandered;         // lost the focus in a way that could not be asked about before
+    QPointer<QLineEdit> m_refused;          // the field that failed last, and the text that it failed with
     QString m_refusedText;
     QTimer m_otherWindow;
 };

@@ -45,6 +45,19 @@ bool IsCallsignKey(qint16 code) {
     return code <= 13 || IsDigit(key) || IsCapital(key) || key == u'-';
 }
 
+std::optional<QChar> CallsignCharacter(QChar entered) {
+    const bool isSmall = entered >= u'a' && entered <= u'z';
+    const QChar capital = isSmall ? QChar(entered.unicode() - u'a' + u'A') : entered;
+    // Control keys may be pressed in a callsign field, but are no characters of it.
+    const bool fits =
+        capital >= u' ' && capital.unicode() < 0x80 && IsCallsignKey(static_cast<qint16>(capital.unicode()));
+    return fits ? std::optional(capital) : std::nullopt;
+}
+
+std::optional<QChar> DigitCharacter(QChar entered) {
+    return IsDigit(entered) ? std::optional(entered) : std::nullopt;
+}
+
 double LatToDegrees(QStringView latitude) {
     return ToDegrees(latitude, 2, u'N', u'S');
 }

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <optional>
+
 /// Checks and conversions of what users enter about stations.
 namespace QIRUtil {
 
@@ -11,6 +13,13 @@ bool IsValidCallsign(QStringView callsign);
 
 /// Whether a key press may enter a callsign field: control codes up to 13, "0" to "9", "A" to "Z" and "-".
 bool IsCallsignKey(qint16 code);
+
+/// The character that enters a callsign field where the user gives `entered`: "A" to "Z" for "a" to "z", no
+/// other letter having a capital that a callsign may hold; nothing where a callsign has no such character.
+std::optional<QChar> CallsignCharacter(QChar entered);
+
+/// `entered` where it is one of "0" to "9", nothing otherwise.
+std::optional<QChar> DigitCharacter(QChar entered);
 
 /// Degrees, north positive, of a latitude "DDMM.MMH" (H is "N" or "S"); 0 for any other text.
 double LatToDegrees(QStringView latitude);

@@ -1,11 +1,12 @@
 #include "link/agwpe/frmAgwpeSetup.h"
 
 #include "foundation/fields/FieldGuard.h"
-#include "foundation/fields/FilterKeys.h"
+#include "foundation/fields/FilterCharacters.h"
 #include "foundation/fields/FixedFont.h"
 #include "foundation/fields/SelectAllOnFocus.h"
 #include "foundation/messages/mb.h"
 #include "foundation/placement/PlaceWindow.h"
+#include "foundation/text/QIRUtil.h"
 #include "link/agwpe/AgwLink.h"
 #include "link/agwpe/AgwSettings.h"
 
@@ -22,8 +23,10 @@ constexpr int longestText = 80;
 constexpr int longestPort = 5;
 constexpr int shownCharacters = 30;
 
-std::optional<QChar> PortKey(QChar key) {
-    return key >= u'0' && key <= u'9' ? std::optional(key) : std::nullopt;
+// What a field stands for: what was stored, of which it shows no more than its length, until the user changes
+// it.
+QString Entered(const QLineEdit& field, const QString& stored) {
+    return field.text() == stored.left(field.maxLength()) ? stored : field.text().trimmed();
 }
 
 } // namespace
@@ -34,10 +37,10 @@ frmAgwpeSetup::frmAgwpeSetup(AgwSettings& settings, AgwLink& link, const mb& mes
     , m_link(link)
     , m_messages(messages)
     , m_guard(new FieldGuard(this))
-    , m_shownHost(settings.strAgwHost().toUpper())
-    , m_shownPort(settings.intAgwPort())
-    , m_shownLoginId(settings.strAgwLoginId())
-    , m_shownPassword(settings.strAgwPassword()) {
+    , m_oldHost(settings.strAgwHost())
+    , m_oldPort(settings.intAgwPort())
+    , m_oldLoginId(settings.strAgwLoginId())
+    , m_oldPassword(settings.strAgwPassword()) {
     setObjectName(QStringLiteral("frmAgwpeSetup"));
     setWindowTitle(tr("AGWPE Setup"));
     auto* fields = new QFormLayout;
@@ -70,7 +73,7 @@ frmAgwpeSetup::frmAgwpeSetup(AgwSettings& settings, AgwLink& link, const mb& mes
     labHint->setObjectName(QStringLiteral("labHint"));
     all->addWidget(labHint);
     AddButtons(all);
-    FilterKeys(txtPort, PortKey);
+    FilterCharacters(txtPort, QIRUtil::DigitCharacter);
     m_guard->AddField(txtHostAddr, [this] { return IsHostGood(); });
     m_guard->AddField(txtPort, [this] { return IsPortGood(); });
     txtHostAddr->setFocus();
@@ -117,18 +120,16 @@ void frmAgwpeSetup::closeEvent(QCloseEvent* event) {
 }
 
 void frmAgwpeSetup::Ok() {
-    if (!m_guard->CheckAll())
+    if (!m_guard->MayAccept())
         return;
-    const std::optional<qint16> port = AgwSettings::PortFromText(txtPort->text());
-    if (!port)
-        return;
-    m_settings.setStrAgwHost(txtHostAddr->text().trimmed());
-    m_settings.setStrAgwPassword(txtPassword->text().trimmed());
-    m_settings.setStrAgwLoginId(txtLoginId->text().trimmed());
-    m_settings.setIntAgwPort(*port);
+    m_settings.setStrAgwHost(Entered(*txtHostAddr, m_oldHost));
+    m_settings.setStrAgwPassword(Entered(*txtPassword, m_oldPassword));
+    m_settings.setStrAgwLoginId(Entered(*txtLoginId, m_oldLoginId));
+    m_settings.setIntAgwPort(AgwSettings::PortFromText(txtPort->text()).value_or(m_oldPort));
     // Host names are the same in any case.
-    if (m_settings.strAgwHost().toUpper() != m_shownHost || m_settings.strAgwPassword() != m_shownPassword ||
-        m_settings.strAgwLoginId() != m_shownLoginId || m_settings.intAgwPort() != m_shownPort)
+    if (m_settings.strAgwHost().toUpper() != m_oldHost.toUpper() ||
+        m_settings.strAgwPassword() != m_oldPassword || m_settings.strAgwLoginId() != m_oldLoginId ||
+        m_settings.intAgwPort() != m_oldPort)
         m_link.AgwReconnect();
     accept();
 }

@@ -35,9 +35,9 @@ private:
     QLineEdit* txtLoginId;
     QLineEdit* txtPassword;
 
-    // What was shown on opening.
-    const QString m_shownHost; // in upper case
-    const qint16 m_shownPort;
-    const QString m_shownLoginId;
-    const QString m_shownPassword;
+    // The settings as they were on opening, whole; a field may show less.
+    const QString m_oldHost;
+    const qint16 m_oldPort;
+    const QString m_oldLoginId;
+    const QString m_oldPassword;
 };

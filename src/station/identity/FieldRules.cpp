@@ -6,50 +6,14 @@
 #include <QStringList>
 
 namespace FieldRules {
-namespace {
-
-// a-z only: no other letter has a capital that a callsign may hold.
-constexpr QChar ToCapital(QChar key) {
-    return key >= u'a' && key <= u'z' ? QChar(static_cast<char16_t>(key.unicode() - u'a' + u'A')) : key;
+std::optional<QChar> PositionCharacter(QChar entered) {
+    if (entered == u' ' || entered == u'.')
+        return entered;
+    return entered == u'-' ? std::nullopt : QIRUtil::CallsignCharacter(entered);
 }
 
-constexpr bool IsControl(QChar key) {
-    return key.unicode() <= 13;
-}
-
-constexpr bool IsDigit(QChar key) {
-    return key >= u'0' && key <= u'9';
-}
-
-bool IsCallsignCharacter(QChar key) {
-    return key.unicode() < 0x80 && QIRUtil::IsCallsignKey(static_cast<qint16>(key.unicode()));
-}
-
-std::optional<QChar> KeepIf(bool keep, QChar key) {
-    return keep ? std::optional(key) : std::nullopt;
-}
-
-} // namespace
-
-std::optional<QChar> CallsignKey(QChar key) {
-    const QChar capital = ToCapital(key);
-    return KeepIf(IsCallsignCharacter(capital), capital);
-}
-
-std::optional<QChar> PositionKey(QChar key) {
-    const QChar capital = ToCapital(key);
-    const bool isLetter = capital >= u'A' && capital <= u'Z';
-    return KeepIf(IsControl(capital) || IsDigit(capital) || isLetter || capital == u' ' || capital == u'.',
-                  capital);
-}
-
-std::optional<QChar> ViaKey(QChar key) {
-    const QChar capital = ToCapital(key);
-    return KeepIf(capital == u',' || capital == u' ' || IsCallsignCharacter(capital), capital);
-}
-
-std::optional<QChar> PortKey(QChar key) {
-    return KeepIf(IsControl(key) || IsDigit(key), key);
+std::optional<QChar> ViaCharacter(QChar entered) {
+    return entered == u' ' || entered == u',' ? std::optional(entered) : QIRUtil::CallsignCharacter(entered);
 }
 
 bool IsCallsignOrEmpty(QStringView text) {

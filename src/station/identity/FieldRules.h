@@ -4,14 +4,13 @@
 
 #include <optional>
 
-/// What may stand in the fields that the user fills in: key by key while typing, and as a whole on leaving.
+/// What may stand in the fields that the user fills in: character by character on the way in, and as a whole
+/// on leaving.
 namespace FieldRules {
 
-// Each answers the character that a typed one becomes (a-z turn to A-Z), or nothing when it is refused.
-std::optional<QChar> CallsignKey(QChar key);
-std::optional<QChar> PositionKey(QChar key);
-std::optional<QChar> ViaKey(QChar key);
-std::optional<QChar> PortKey(QChar key);
+// Each answers the character that one becomes on its way in (a-z turn to A-Z), or nothing when it is refused.
+std::optional<QChar> PositionCharacter(QChar entered); ///< digits, letters, blank and "."
+std::optional<QChar> ViaCharacter(QChar entered);      ///< those of callsigns, blank and ","
 
 /// Whether `text` is empty or a valid callsign.
 bool IsCallsignOrEmpty(QStringView text);

@@ -1,11 +1,12 @@
 #include "station/identity/frmLocation.h"
 
-#include "foundation/fields/FilterKeys.h"
+#include "foundation/fields/FilterCharacters.h"
 #include "foundation/fields/FixedFont.h"
 #include "foundation/fields/Named.h"
 #include "foundation/fields/SelectAllOnFocus.h"
 #include "foundation/messages/mb.h"
 #include "foundation/placement/PlaceWindow.h"
+#include "foundation/text/QIRUtil.h"
 #include "station/identity/FieldRules.h"
 #include "station/identity/Station.h"
 
@@ -37,9 +38,10 @@ frmLocation::frmLocation(Station& station, const mb& messages, QWidget* parent)
     setWindowTitle(QStringLiteral("Station Information"));
     Build();
 
-    FilterKeys(txtCallsign, FieldRules::CallsignKey);
-    FilterKeys(txtLat, FieldRules::PositionKey);
-    FilterKeys(txtLong, FieldRules::PositionKey);
+    FilterCharacters(txtCallsign, QIRUtil::CallsignCharacter);
+    FilterCharacters(txtLat, FieldRules::PositionCharacter);
+    FilterCharacters(txtLong, FieldRules::PositionCharacter);
+    KeepOnOneLine(txtComment);
     m_guard.AddField(txtCallsign, [this] { return CheckCallsign(); });
     m_guard.AddField(txtLat, [this] { return CheckPosition(*txtLat, Axis::Latitude); });
     m_guard.AddField(txtLong, [this] { return CheckPosition(*txtLong, Axis::Longitude); });
@@ -95,6 +97,7 @@ void frmLocation::Fill() {
     txtComment->setText(m_station.strComment());
     txtCallsign->setText(m_station.strCallsign());
     ShowLocator();
+    m_shownLocator = labLocator->text();
 }
 
 bool frmLocation::CheckCallsign() {
@@ -125,6 +128,13 @@ void frmLocation::ShowLocator() {
         labLocator->setText(*locator);
 }
 
+// What a position field stands for: what is stored, in whatever form, as long as the field shows just that.
+QString frmLocation::StoredForm(const QLineEdit& field, const QString& stored, Axis axis) {
+    return field.text() == PositionText::ToDisplayed(stored, axis)
+               ? stored
+               : PositionText::ToStored(field.text(), axis);
+}
+
 void frmLocation::closeEvent(QCloseEvent* event) {
     if (m_guard.MayClose())
         QDialog::closeEvent(event);
@@ -133,12 +143,14 @@ void frmLocation::closeEvent(QCloseEvent* event) {
 }
 
 void frmLocation::Ok() {
-    if (!m_guard.CheckAll())
+    if (!m_guard.MayAccept())
         return;
-    m_station.setStrLat(PositionText::ToStored(txtLat->text(), Axis::Latitude));
-    m_station.setStrLong(PositionText::ToStored(txtLong->text(), Axis::Longitude));
+    const QString comment = m_station.strComment();
+    m_station.setStrLat(StoredForm(*txtLat, m_station.strLat(), Axis::Latitude));
+    m_station.setStrLong(StoredForm(*txtLong, m_station.strLong(), Axis::Longitude));
     m_station.setStrCallsign(txtCallsign->text());
-    m_station.setStrComment(txtComment->text().trimmed());
-    m_station.setStrLoc(labLocator->text());
+    m_station.setStrComment(txtComment->text() == comment ? comment : txtComment->text().trimmed());
+    const bool keepsLocator = labLocator->text() == m_shownLocator && !m_station.strLoc().isEmpty();
+    m_station.setStrLoc(keepsLocator ? m_station.strLoc() : labLocator->text());
     accept();
 }

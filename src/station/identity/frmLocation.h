@@ -10,8 +10,8 @@ class QLineEdit;
 class Station;
 class mb;
 
-/// "Station Information": the station's callsign, position and comment. Nothing reaches the station before
-/// OK.
+/// "Station Information": the station's callsign, position and comment. Each field is checked when the user
+/// leaves it. Nothing reaches the station before OK, and what the user has not changed stays as it is.
 class frmLocation : public QDialog {
     Q_OBJECT
 public:
@@ -26,6 +26,7 @@ private:
     bool CheckCallsign();
     bool CheckPosition(QLineEdit& field, PositionText::Axis axis);
     void ShowLocator();
+    static QString StoredForm(const QLineEdit& field, const QString& stored, PositionText::Axis axis);
     void Ok();
 
     Station& m_station;
@@ -36,4 +37,5 @@ private:
     QLineEdit* txtLong;
     QLineEdit* txtComment;
     QLabel* labLocator;
+    QString m_shownLocator; // on opening
 };

@@ -2,8 +2,6 @@
 
 #include "foundation/text/Text.h"
 
-#include <QScrollBar>
-#include <QTextBlock>
 #include <QTextCursor>
 
 namespace {
@@ -12,22 +10,10 @@ QColor Shade(TerminalText::Colour colour) {
     return colour == TerminalText::Colour::Cyan ? QColor(0, 255, 255) : QColor(0, 255, 0);
 }
 
-// Which line of the document, as wrapped, a cursor stands in.
-int LineOf(const QTextCursor& cursor) {
-    const QTextBlock block = cursor.block();
-    const QTextLine line = block.layout()->lineForTextPosition(cursor.positionInBlock());
-    return block.firstLineNumber() + (line.isValid() ? line.lineNumber() : 0);
-}
-
 } // namespace
 
 TerminalPane::TerminalPane(QWidget* parent)
-    : QPlainTextEdit(parent) {
-    setReadOnly(true);
-    setUndoRedoEnabled(false);
-    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    setTabChangesFocus(true);
-
+    : FollowingPane(parent) {
     QPalette colours = palette();
     colours.setColor(QPalette::Base, Qt::black);
     colours.setColor(QPalette::Text, Shade(TerminalText::Colour::Green));
@@ -50,7 +36,7 @@ void TerminalPane::Empty() {
 }
 
 void TerminalPane::showEvent(QShowEvent* event) {
-    QPlainTextEdit::showEvent(event);
+    FollowingPane::showEvent(event);
     Refresh();
 }
 
@@ -60,15 +46,8 @@ void TerminalPane::Changed() {
 }
 
 void TerminalPane::Refresh() {
-    if (!m_text.HasChanged())
-        return;
-    const bool followsNewest = verticalScrollBar()->value() >= verticalScrollBar()->maximum();
-    QTextCursor topLine = cursorForPosition(QPoint(0, 0)); // moves along when what precedes it is cut
-    topLine.setKeepPositionOnInsert(true);
-    setUpdatesEnabled(false);
-    Apply(m_text.Take());
-    verticalScrollBar()->setValue(followsNewest ? verticalScrollBar()->maximum() : LineOf(topLine));
-    setUpdatesEnabled(true);
+    if (m_text.HasChanged())
+        ChangeText([this] { Apply(m_text.Take()); });
 }
 
 void TerminalPane::Apply(const TerminalText::Change& change) {

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "foundation/panes/FollowingPane.h"
 #include "station/terminal/TerminalText.h"
 
-#include <QPlainTextEdit>
 #include <QTimer>
 
-/// The terminal's monitor pane: green and cyan on black, read-only. However many texts come, it is redrawn
-/// once a turn of the event loop, and only while it can be seen. The newest line stays in view unless the
-/// user has scrolled back.
-class TerminalPane : public QPlainTextEdit {
+/// The terminal's monitor pane: green and cyan on black. However many texts come, it is redrawn once a turn
+/// of the event loop, and only while it can be seen.
+class TerminalPane : public FollowingPane {
     Q_OBJECT
 public:
     explicit TerminalPane(QWidget* parent = nullptr);

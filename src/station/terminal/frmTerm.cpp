@@ -1,12 +1,13 @@
 #include "station/terminal/frmTerm.h"
 
-#include "foundation/fields/FilterKeys.h"
+#include "foundation/fields/FilterCharacters.h"
 #include "foundation/fields/FixedFont.h"
 #include "foundation/fields/Named.h"
 #include "foundation/fields/SelectAllOnFocus.h"
 #include "foundation/messages/mb.h"
 #include "foundation/placement/Twips.h"
 #include "foundation/settings/ProgramFolder.h"
+#include "foundation/text/QIRUtil.h"
 #include "link/UnprotoLink.h"
 #include "station/identity/FieldRules.h"
 #include "station/terminal/LineWrap.h"
@@ -128,9 +129,10 @@ void frmTerm::BuildMenu() {
 }
 
 void frmTerm::SetRules() {
-    FilterKeys(txtTo, FieldRules::CallsignKey);
-    FilterKeys(txtVia, FieldRules::ViaKey);
-    FilterKeys(txtPort, FieldRules::PortKey);
+    FilterCharacters(txtTo, QIRUtil::CallsignCharacter);
+    FilterCharacters(txtVia, FieldRules::ViaCharacter);
+    FilterCharacters(txtPort, QIRUtil::DigitCharacter);
+    KeepOnOneLine(txtTx);
     for (QLineEdit* field : {txtTo, txtVia, txtPort})
         m_guard.AddField(field, [this, field] { return MayLeave(field); });
     txtTx->installEventFilter(this);

@@ -1,7 +1,7 @@
 #include "telemetry/callsigns/frmCalls.h"
 
 #include "foundation/fields/FieldGuard.h"
-#include "foundation/fields/FilterKeys.h"
+#include "foundation/fields/FilterCharacters.h"
 #include "foundation/fields/FixedFont.h"
 #include "foundation/fields/Named.h"
 #include "foundation/fields/SelectAllOnFocus.h"
@@ -22,14 +22,7 @@
 
 namespace {
 
-constexpr int longestEntry = 32; // longer than any callsign, shorter than what a stray paste may bring
-
-std::optional<QChar> CallsignKey(QChar key) {
-    key = key.toUpper();
-    return key.unicode() < 0x80 && QIRUtil::IsCallsignKey(static_cast<qint16>(key.unicode()))
-               ? std::optional(key)
-               : std::nullopt;
-}
+constexpr int longestEntry = 32; // longer than any callsign, so that a wrong one is seen and refused whole
 
 } // namespace
 
@@ -51,7 +44,7 @@ frmCalls::frmCalls(CallsignList& callsigns, const mb& messages, QWidget* parent)
     LayOut();
 
     txtCall->setMaxLength(longestEntry);
-    FilterKeys(txtCall, CallsignKey);
+    FilterCharacters(txtCall, QIRUtil::CallsignCharacter);
     SelectAllOnFocus(txtCall);
     m_guard->AddField(txtCall, [this] { return txtCall->text().isEmpty() || IsCallsignGood(); });
     m_guard->AddExempt(cmdCancel);
@@ -186,7 +179,7 @@ void frmCalls::EditItem() {
 
 void frmCalls::RemoveItem() {
     const int row = lstCalls->currentRow();
-    if (row < 0)
+    if (row < 0 || !lstCalls->currentItem()->isSelected()) // the keyboard's place is not the selection
         return;
     delete lstCalls->takeItem(row);
     lstCalls->setCurrentRow(std::min(row, lstCalls->count() - 1));
@@ -216,7 +209,7 @@ void frmCalls::closeEvent(QCloseEvent* event) {
 }
 
 void frmCalls::Ok() {
-    if (!m_guard->CheckAll())
+    if (!m_guard->MayAccept())
         return;
     if (lstCalls->count() == 0) {
         m_messages.MessageBox(this, tr("You cannot delete all the callsigns."), MessageStyle::Information);

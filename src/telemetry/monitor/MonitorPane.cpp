@@ -4,9 +4,6 @@
 #include "foundation/text/Text.h"
 #include "telemetry/monitor/MonitorText.h"
 
-#include <QScopedValueRollback>
-#include <QScrollBar>
-#include <QTextBlock>
 #include <QTextCursor>
 
 #include <algorithm>
@@ -25,27 +22,18 @@ QString DocumentText(QByteArrayView text) {
 } // namespace
 
 MonitorPane::MonitorPane(const MonitorText& text, QWidget* parent)
-    : QPlainTextEdit(parent)
+    : FollowingPane(parent)
     , m_text(text)
     , m_shownEnd(text.Begin()) {
     setObjectName(QStringLiteral("txtMon"));
     setAccessibleName(tr("Monitor"));
-    setReadOnly(true);
-    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    setUndoRedoEnabled(false);
-    setTabChangesFocus(true);
     setFont(FixedFont());
-    connect(&text, &MonitorText::Changed, this, &MonitorPane::ShowChanges);
-    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int value) {
-        if (!m_ownScroll)
-            m_follows = value == verticalScrollBar()->maximum();
-    });
-    ShowChanges();
+    const auto show = [this] { ChangeText([this] { ShowChanges(); }); };
+    connect(&text, &MonitorText::Changed, this, show);
+    show();
 }
 
 void MonitorPane::ShowChanges() {
-    const QScopedValueRollback ownScroll(m_ownScroll, true);
-    const QTextCursor top(firstVisibleBlock());
     const QByteArrayView text = m_text.Text();
     const qsizetype shown = std::max(m_shownEnd, m_text.Begin()) - m_text.Begin();
     m_shownEnd = m_text.End();
@@ -58,20 +46,4 @@ void MonitorPane::ShowChanges() {
     edit.movePosition(QTextCursor::End);
     edit.insertText(DocumentText(text.sliced(shown)));
     edit.endEditBlock();
-
-    if (m_follows)
-        ScrollToNewest();
-    else
-        verticalScrollBar()->setValue(top.block().firstLineNumber());
-}
-
-void MonitorPane::ScrollToNewest() {
-    verticalScrollBar()->setValue(verticalScrollBar()->maximum());
-}
-
-void MonitorPane::resizeEvent(QResizeEvent* event) {
-    const QScopedValueRollback ownScroll(m_ownScroll, true);
-    QPlainTextEdit::resizeEvent(event);
-    if (m_follows)
-        ScrollToNewest();
 }

@@ -1,0 +1,70 @@
+#include "foundation/panes/FollowingPane.h"
+
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextCursor>
+
+namespace {
+
+// Which line of the document, as wrapped, a cursor stands in.
+int LineOf(const QTextCursor& cursor) {
+    const QTextBlock block = cursor.block();
+    const QTextLine line = block.layout()->lineForTextPosition(cursor.positionInBlock());
+    return block.firstLineNumber() + (line.isValid() ? line.lineNumber() : 0);
+}
+
+} // namespace
+
+FollowingPane::FollowingPane(QWidget* parent)
+    : QPlainTextEdit(parent) {
+    setReadOnly(true);
+    setUndoRedoEnabled(false);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setTabChangesFocus(true);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
+        if (!m_ownScroll)
+            m_follows = IsAtEnd();
+    });
+}
+
+bool FollowingPane::IsAtEnd() const {
+    return verticalScrollBar()->value() == verticalScrollBar()->maximum();
+}
+
+// A cursor at the start of the line, as wrapped, that stands at the top of the pane.
+QTextCursor FollowingPane::TopLine() const {
+    const QTextBlock block = firstVisibleBlock();
+    const QTextLine line = block.layout()->lineAt(verticalScrollBar()->value() - block.firstLineNumber());
+    QTextCursor cursor(block);
+    cursor.setPosition(block.position() + (line.isValid() ? line.textStart() : 0));
+    return cursor;
+}
+
+void FollowingPane::ChangeText(const std::function<void()>& change) {
+    setUpdatesEnabled(false);
+    KeepPlace(change);
+    setUpdatesEnabled(true);
+}
+
+void FollowingPane::changeEvent(QEvent* event) {
+    KeepPlace([&] { QPlainTextEdit::changeEvent(event); });
+}
+
+void FollowingPane::resizeEvent(QResizeEvent* event) {
+    KeepPlace([&] { QPlainTextEdit::resizeEvent(event); });
+}
+
+void FollowingPane::showEvent(QShowEvent* event) {
+    KeepPlace([&] { QPlainTextEdit::showEvent(event); });
+}
+
+// Does the step, which may move the text, and brings back into view what was there before.
+void FollowingPane::KeepPlace(const std::function<void()>& step) {
+    const QScopedValueRollback ownScroll(m_ownScroll, true);
+    QTextCursor top = TopLine(); // moves along when what precedes it is cut
+    top.setKeepPositionOnInsert(true);
+    step();
+    verticalScrollBar()->setValue(m_follows ? verticalScrollBar()->maximum() : LineOf(top));
+    m_follows = IsAtEnd();
+}
