@@ -1,6 +1,5 @@
 #include "foundation/panes/FollowingPane.h"
 
-#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -22,10 +21,6 @@ FollowingPane::FollowingPane(QWidget* parent)
     setUndoRedoEnabled(false);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setTabChangesFocus(true);
-    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
-        if (!m_ownScroll)
-            m_follows = IsAtEnd();
-    });
 }
 
 bool FollowingPane::IsAtEnd() const {
@@ -61,10 +56,11 @@ void FollowingPane::showEvent(QShowEvent* event) {
 
 // Does the step, which may move the text, and brings back into view what was there before.
 void FollowingPane::KeepPlace(const std::function<void()>& step) {
-    const QScopedValueRollback ownScroll(m_ownScroll, true);
+    QScrollBar* bar = verticalScrollBar();
+    const bool follows = IsAtEnd() || bar->value() == m_end;
     QTextCursor top = TopLine(); // moves along when what precedes it is cut
     top.setKeepPositionOnInsert(true);
     step();
-    verticalScrollBar()->setValue(m_follows ? verticalScrollBar()->maximum() : LineOf(top));
-    m_follows = IsAtEnd();
+    bar->setValue(follows ? bar->maximum() : LineOf(top));
+    m_end = IsAtEnd() ? bar->value() : -1;
 }

@@ -25,6 +25,7 @@ private:
     QTextCursor TopLine() const;
     bool IsAtEnd() const;
 
-    bool m_follows = true;
-    bool m_ownScroll = false; // what the scroll bar does is our doing, not the user's
+    // Where the scroll bar stood after the last step, if at the end, or -1. Asked and compared, for scrolling
+    // by keys gives no signal.
+    int m_end = 0;
 };
