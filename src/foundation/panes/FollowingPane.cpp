@@ -50,10 +50,6 @@ void FollowingPane::resizeEvent(QResizeEvent* event) {
     KeepPlace([&] { QPlainTextEdit::resizeEvent(event); });
 }
 
-void FollowingPane::showEvent(QShowEvent* event) {
-    KeepPlace([&] { QPlainTextEdit::showEvent(event); });
-}
-
 // Does the step, which may move the text, and brings back into view what was there before.
 void FollowingPane::KeepPlace(const std::function<void()>& step) {
     QScrollBar* bar = verticalScrollBar();

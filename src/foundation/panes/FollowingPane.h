@@ -18,7 +18,6 @@ protected:
 
     void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    void showEvent(QShowEvent* event) override;
 
 private:
     void KeepPlace(const std::function<void()>& step);
