@@ -259,6 +259,7 @@ void FieldGuardTest::okChecksABadFieldThatWasLeftByCancel() {
     QWidget::setTabOrder(d.cancel, d.free);
     QTest::keyClick(d.first, Qt::Key_Tab);
     QTRY_VERIFY(d.cancel->hasFocus());
+    Settle();
     if (byMouse) {
         QTest::mouseClick(d.ok, Qt::LeftButton);
     } else {
