@@ -68,13 +68,10 @@ void frmDownload::AddDownloadStatus(const QString& text) {
 }
 
 void frmDownload::ShowProgress(qint64 received, qint64 total) {
-    const bool isUnderWay = total != 0;
-    if (!isUnderWay || total < 0)
-        barProgress->reset();
     barProgress->setRange(0,
                           static_cast<int>(std::max<qint64>(total, 0))); // without an end it shows it is busy
     barProgress->setValue(static_cast<int>(received));
-    barProgress->setVisible(isUnderWay);
+    barProgress->setVisible(total != 0);
 }
 
 void frmDownload::LayOut() {

@@ -26,6 +26,7 @@ private Q_SLOTS:
     void aFolderThatTakesNoLockDoesNotBlock();
     void aFolderInTheLocksPlaceDoesNotBlock();
     void aSecondOfAFolderThatMayOnlyBeReadIsRefused();
+    void theLockOfACrashedRunDoesNotBlockWhoMayOnlyRead();
     void whoMayOnlyReadHoldsOffWhoMayWrite();
     void whoMayWriteHoldsOffWhoMayOnlyRead();
     void theHolderIsNamedWithItsCommand();
@@ -161,6 +162,17 @@ void FolderLockTest::aSecondOfAFolderThatMayOnlyBeReadIsRefused() {
         QVERIFY(!Lock(folder).TryLock());
     }
     QVERIFY(Lock(folder).TryLock());
+}
+
+void FolderLockTest::theLockOfACrashedRunDoesNotBlockWhoMayOnlyRead() {
+    const TemporaryProgramFolder folder;
+    folder.Write(QStringLiteral("QiranDecode.lock"), "");
+    QCOMPARE(chmod(qPrintable(folder.File(QStringLiteral("QiranDecode.lock"))), 0444), 0);
+    SetMode(folder, 0555);
+    const OrdinaryUser user;
+    FolderLock first = Lock(folder);
+    QVERIFY(first.TryLock());
+    QVERIFY(!Lock(folder).TryLock());
 }
 
 void FolderLockTest::whoMayOnlyReadHoldsOffWhoMayWrite() {

@@ -57,11 +57,12 @@ private Q_SLOTS:
         folder.Write(QString::fromLatin1(file),
                      QByteArrayLiteral("\n \nyesterday http://host/2.txt\n2026-11-21T12:00:00Z\n"
                                        "2026-11-21T12:00:00Z \n\0\xFF\n") +
-                         good + QByteArray(200000, 'x'));
+                         good + QByteArray(200000, 'x') + "\n2026-11-21T12:00:00Z http://host/3.txt\n");
         const FetchTimes times(folder.Program());
         QCOMPARE(times.Last(Url(1)), std::optional(noon));
         QVERIFY(!times.Last(Url(2)));
         QVERIFY(!times.Last({}));
+        QVERIFY(!times.Last(Url(3))); // a file as large as that is not ours
     }
 
     void AFileThatCannotBeWrittenIsSaid() {
