@@ -4,6 +4,7 @@
 As a module: DirewolfAir, whose engine can be started, given messages to hear, ended and started again.
 As a program it prints "listening PORT" and takes commands on standard input, a line each, answering each with "done":
 
+    kiss                           before "done" a line with the port of the engine's KISS interface
     play SOURCE>DEST[,PATH]:text   the engine hears this frame (several lines queue up)
     stop                           the engine ends
     start                          the engine starts again on the same port
@@ -34,7 +35,7 @@ CHANNEL 0
 MYCALL N0CALL
 MODEM 1200
 AGWPORT {port}
-KISSPORT 0
+KISSPORT {kiss_port}
 """
 
 
@@ -59,6 +60,7 @@ class DirewolfAir:
     def __init__(self, port=None, log=None):
         """`port`: the AGW port, a free one unless given. `log`: a file for what the engine prints."""
         self.port = port or rig.free_port()
+        self.kiss_port = rig.free_port()
         self._folder = tempfile.TemporaryDirectory()
         self._log = pathlib.Path(log or pathlib.Path(self._folder.name, "direwolf.log"))
         self._waiting = collections.deque()
@@ -77,7 +79,7 @@ class DirewolfAir:
     def start(self):
         """Starts the engine and waits until it accepts programs."""
         configuration = pathlib.Path(self._folder.name, "dw.conf")
-        configuration.write_text(CONFIGURATION.format(rate=RATE, port=self.port), encoding="ascii")
+        configuration.write_text(CONFIGURATION.format(rate=RATE, port=self.port, kiss_port=self.kiss_port), encoding="ascii")
         with self._log.open("ab") as log:
             self._engine = subprocess.Popen(
                 ["direwolf", "-c", configuration, "-t", "0", "-r", str(RATE), "-D", "1"],
@@ -137,7 +139,9 @@ def main():
         print(f"listening {air.port}", flush=True)
         for line in sys.stdin:
             command, _, rest = line.rstrip("\n").partition(" ")
-            if command == "play":
+            if command == "kiss":
+                print(air.kiss_port, flush=True)
+            elif command == "play":
                 air.play([rest])
             elif command == "stop":
                 air.stop()

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "link/UnprotoLink.h"
+#include "telemetry/frames/HeardFrame.h"
+
+#include <QObject>
+#include <QTimer>
+
+/// The program's link to a packet engine, whatever the engine speaks: connects, connects again after a loss,
+/// puts what happens into words for the monitor, and hands on what is heard.
+class PacketLink : public QObject, public UnprotoLink {
+    Q_OBJECT
+public:
+    /// Connects with the settings as they are now. A retry that was waiting is given up for this attempt.
+    void Connect();
+
+    /// Ends the connection and connects again with the settings as they are now. The old connection's end is
+    /// reported before this returns, without the announcement of a retry.
+    void Reconnect();
+
+    /// For the end of the program: ends connection and retries without a word.
+    void Stop();
+
+    bool blnConectedToAgw() const override { return m_isConnected; }
+
+    /// How long after a loss the next attempt follows, milliseconds; 30,000 unless set.
+    void SetRetryInterval(int milliseconds) { m_timRetry.setInterval(milliseconds); }
+
+Q_SIGNALS:
+    void StatusText(const QString& text); ///< lines for the monitor, each ended by CR LF; DisplayKind::Status
+    void MonitorEnabled(bool enabled);    ///< whether the monitor pane is to be enabled
+
+    /// A frame that was heard, or sent by this station. Its views hold as long as the call.
+    void Heard(const HeardFrame& frame);
+
+protected:
+    /// `name`: how the status lines call the link, "KISS" for example.
+    explicit PacketLink(const QString& name, QObject* parent);
+
+    /// Begins an attempt with the settings as they are now.
+    virtual void Open() = 0;
+
+    /// Ends connection or attempt, and has reported the end of a connection when it returns.
+    virtual void Close() = 0;
+
+    // What the engine's client reports.
+    void HandleConnected(const QString& host);
+    void HandleDisconnected(const QString& host);
+    void HandleError(const QString& host, const QString& description);
+
+private:
+    QString AnnounceRetry();
+
+    const QString m_start; // of the status lines
+    QTimer m_timRetry;
+    bool m_isConnected = false;
+    bool m_isReconnecting = false; // while Reconnect closes the old connection
+    bool m_isStopping = false;     // while Stop does
+};

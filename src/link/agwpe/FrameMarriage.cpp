@@ -1,0 +1,80 @@
+#include "link/agwpe/FrameMarriage.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+// Engines cut the text at a NUL and end it by a CR of their own.
+bool ShowsInformation(QByteArrayView shown, QByteArrayView information) {
+    const QByteArrayView text = information.first(std::ranges::find(information, '\0') - information.begin());
+    return shown == text || (shown.endsWith('\r') && shown.chopped(1) == text);
+}
+
+// Monitored text has lost the marks of digipeaters.
+bool HaveSamePath(QByteArrayView raw, QByteArrayView monitored) {
+    const auto unmarked = [](QByteArrayView path) { return path.toByteArray().replace('*', ""); };
+    return unmarked(raw) == unmarked(monitored);
+}
+
+bool AreOneFrame(const HeardFrame& raw, const HeardFrame& monitored) {
+    return raw.port == monitored.port && raw.kind == monitored.kind && raw.source == monitored.source &&
+           raw.destination == monitored.destination && HaveSamePath(raw.path, monitored.path) &&
+           ShowsInformation(monitored.information, raw.information);
+}
+
+} // namespace
+
+FrameMarriage::FrameMarriage(Hand hand)
+    : m_hand(std::move(hand)) {}
+
+void FrameMarriage::AddRaw(const HeardFrame& raw, qint64 now) {
+    PassTime(now);
+    if (m_waiting.size() == mostWaiting)
+        HandFirstAlone();
+    m_waiting.push_back({OwnedFrame(raw), now + patience});
+}
+
+void FrameMarriage::AddMonitored(const HeardFrame& monitored, qint64 now) {
+    PassTime(now);
+    const auto found = std::ranges::find_if(m_waiting, [&monitored](const Waiting& waiting) {
+        return AreOneFrame(waiting.raw.View(), monitored);
+    });
+    if (found == m_waiting.end()) {
+        m_hand(monitored);
+        return;
+    }
+    // Off the list first: a sink may run an event loop in which the next frame comes.
+    const OwnedFrame owned = std::move(found->raw);
+    m_waiting.erase(found);
+    const HeardFrame raw = owned.View();
+    HeardFrame married = monitored;
+    married.path = raw.path;
+    married.pid = raw.pid;
+    married.information = raw.information;
+    married.isComplete = raw.isComplete;
+    married.raw = raw.raw;
+    m_hand(married);
+}
+
+std::optional<qint64> FrameMarriage::Due() const {
+    return m_waiting.empty() ? std::nullopt : std::optional(m_waiting.front().due);
+}
+
+void FrameMarriage::PassTime(qint64 now) {
+    while (!m_waiting.empty() && m_waiting.front().due <= now)
+        HandFirstAlone();
+}
+
+void FrameMarriage::End() {
+    while (!m_waiting.empty())
+        HandFirstAlone();
+}
+
+void FrameMarriage::HandFirstAlone() {
+    const OwnedFrame owned = std::move(m_waiting.front().raw);
+    m_waiting.pop_front();
+    HeardFrame raw = owned.View();
+    raw.engineText = {};
+    m_hand(raw);
+}

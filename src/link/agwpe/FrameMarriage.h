@@ -1,0 +1,49 @@
+#pragma once
+
+#include "telemetry/frames/HeardFrame.h"
+
+#include <deque>
+#include <functional>
+#include <optional>
+
+/// Brings the two forms together in which a packet engine tells of one frame, when it is asked for raw frames
+/// as well: the raw one, complete, which engines send first, and the monitored one, whose text is shown,
+/// logged and decoded. Times are milliseconds of a clock that never goes back.
+class FrameMarriage {
+public:
+    using Hand = std::function<void(const HeardFrame& frame)>;
+
+    static constexpr qint64 patience = 1000;       ///< how long a raw frame waits for its monitored form
+    static constexpr std::size_t mostWaiting = 64; ///< beyond, the raw frame that waits longest is handed on
+
+    /// `hand` is given every frame once: a married one as the monitored form with path, PID, information and
+    /// bytes of the raw one; a monitored one without a raw form as it is; a raw one without a monitored form
+    /// without `engineText`, by which sinks know that there is nothing to show or to decode.
+    explicit FrameMarriage(Hand hand);
+
+    /// A raw frame (Ax25Heard reads it) waits.
+    void AddRaw(const HeardFrame& raw, qint64 now);
+
+    /// A monitored frame is handed on at once, married when its raw form waits.
+    void AddMonitored(const HeardFrame& monitored, qint64 now);
+
+    /// When PassTime is due; nothing while none waits.
+    std::optional<qint64> Due() const;
+
+    /// Hands on the raw frames that have waited long enough.
+    void PassTime(qint64 now);
+
+    /// Hands on every raw frame that waits: the connection has ended.
+    void End();
+
+private:
+    struct Waiting {
+        OwnedFrame raw;
+        qint64 due;
+    };
+
+    void HandFirstAlone();
+
+    Hand m_hand;
+    std::deque<Waiting> m_waiting; // the oldest first
+};

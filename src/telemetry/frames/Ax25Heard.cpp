@@ -1,0 +1,133 @@
+#include "telemetry/frames/Ax25Heard.h"
+
+#include "telemetry/frames/Ax25Frame.h"
+#include "telemetry/frames/ByteViews.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace {
+
+constexpr qsizetype shownBytes = 64;
+
+void AppendHex(unsigned byte, std::string& text) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    (text += digits[byte >> 4U]) += digits[byte & 0x0FU];
+}
+
+std::string SupervisoryName(unsigned control) {
+    constexpr std::array names{"RR", "RNR", "REJ", "SREJ"};
+    return names[control >> 2U & 0x03U];
+}
+
+std::string UnnumberedName(unsigned control) {
+    constexpr std::array names{std::pair{0x2FU, "SABM"}, std::pair{0x6FU, "SABME"}, std::pair{0x43U, "DISC"},
+                               std::pair{0x0FU, "DM"},   std::pair{0x63U, "UA"},    std::pair{0x87U, "FRMR"},
+                               std::pair{0xAFU, "XID"},  std::pair{0xE3U, "TEST"}};
+    const auto* const found = std::ranges::find(names, control & ~unsigned{Ax25Frame::pollFinal},
+                                                [](const auto& name) { return name.first; });
+    return found == names.end() ? "U" : found->second;
+}
+
+// A command of version 2 asks ("P"), a response ends ("F"); before version 2 nobody told which it was.
+std::string PollFinal(const Ax25Frame& frame) {
+    const std::string name = frame.destination.isMarked == frame.source.isMarked ? "PF"
+                             : frame.destination.isMarked                        ? "P"
+                                                                                 : "F";
+    return ' ' + name + ((frame.control & Ax25Frame::pollFinal) != 0 ? "=1" : "=0");
+}
+
+std::string Length(const Ax25Frame& frame) {
+    return " Len=" + std::to_string(frame.information.size());
+}
+
+// What stands between "<" and " >".
+std::string ControlText(const Ax25Frame& frame) {
+    std::string pid = " pid=";
+    const std::string next = std::to_string(frame.control >> 5U);
+    switch (frame.FrameType()) {
+    case Ax25Frame::Type::UI:
+        AppendHex(frame.pid, pid);
+        return "UI" + pid + Length(frame) + PollFinal(frame);
+    case Ax25Frame::Type::I:
+        AppendHex(frame.pid, pid += "0x");
+        return "I S" + std::to_string(frame.control >> 1U & 0x07U) + " R" + next + pid + Length(frame) +
+               PollFinal(frame);
+    case Ax25Frame::Type::Supervisory:
+        return SupervisoryName(frame.control) + " R" + next + PollFinal(frame);
+    case Ax25Frame::Type::Unnumbered:
+        break;
+    }
+    return UnnumberedName(frame.control) + PollFinal(frame) +
+           (frame.information.empty() ? "" : Length(frame));
+}
+
+HeardFrame::Kind KindOf(const Ax25Frame& frame, bool isTransmitted) {
+    if (isTransmitted)
+        return HeardFrame::Kind::T;
+    switch (frame.FrameType()) {
+    case Ax25Frame::Type::UI:
+        return HeardFrame::Kind::U;
+    case Ax25Frame::Type::I:
+        return HeardFrame::Kind::I;
+    default:
+        return HeardFrame::Kind::S;
+    }
+}
+
+QByteArrayView Bytes(std::string_view text) {
+    return {text.data(), static_cast<qsizetype>(text.size())};
+}
+
+} // namespace
+
+HeardFrame Ax25Heard::Read(QByteArrayView raw, const Arrival& arrival) {
+    m_source.clear();
+    m_destination.clear();
+    m_path.clear();
+    m_text = ' ' + std::to_string(arrival.port) + ':';
+    HeardFrame heard;
+    heard.utc = arrival.utc;
+    heard.origin = arrival.origin;
+    heard.port = arrival.port;
+    heard.raw = raw;
+    if (std::optional<Ax25Frame> frame = Ax25Frame::FromBytes(ToView(raw))) {
+        heard.kind = KindOf(*frame, arrival.isTransmitted);
+        if (frame->HasPid())
+            heard.pid = frame->pid;
+        heard.information = Bytes(frame->information);
+        heard.isComplete = true;
+        ShowFrame(*frame, arrival);
+        m_source = std::move(frame->source.callsign);
+        m_destination = std::move(frame->destination.callsign);
+        for (const Ax25Address& digipeater : frame->digipeaters)
+            m_path.append(m_path.empty() ? "" : ",")
+                .append(digipeater.callsign)
+                .append(digipeater.isMarked ? "*" : "");
+    } else {
+        ShowBytes(raw);
+    }
+    heard.source = Bytes(m_source);
+    heard.destination = Bytes(m_destination);
+    heard.path = Bytes(m_path);
+    heard.engineText = Bytes(m_text);
+    return heard;
+}
+
+void Ax25Heard::ShowFrame(const Ax25Frame& frame, const Arrival& arrival) {
+    m_text.append("Fm ").append(frame.source.callsign).append(" To ").append(frame.destination.callsign);
+    for (const Ax25Address& digipeater : frame.digipeaters)
+        m_text.append(&digipeater == &frame.digipeaters.front() ? " Via " : ",").append(digipeater.callsign);
+    m_text.append(" <").append(ControlText(frame)).append(" >[").append(ToView(arrival.time)).append("]\r");
+    m_text.append(frame.information).append("\r");
+}
+
+void Ax25Heard::ShowBytes(QByteArrayView raw) {
+    m_text.append("Not an AX.25 frame, ").append(std::to_string(raw.size())).append(" bytes\r");
+    for (const char byte : raw.first(std::min(raw.size(), shownBytes))) {
+        AppendHex(static_cast<unsigned char>(byte), m_text);
+        m_text += ' ';
+    }
+    m_text.append(raw.size() > shownBytes ? "...\r" : "\r");
+}
