@@ -36,7 +36,7 @@ KissLink::KissLink(std::function<KissAddress()> address, const Clock& clock, QOb
     : PacketLink(QStringLiteral("KISS"), parent)
     , m_address(std::move(address))
     , m_clock(clock)
-    , m_time([&clock] { return FromCalendar(clock.Local()); })
+    , m_time([&clock](qint64) { return FromCalendar(clock.Local()); })
     , m_client(this) {
     m_client.setObjectName(QStringLiteral("KissClient"));
     connect(&m_client, &TcpClient::Connected, this, [this](const QString& host) { HandleConnected(host); });
@@ -71,10 +71,11 @@ void KissLink::Receive(KissReader& reader, QByteArrayView bytes, const bool& isA
 }
 
 void KissLink::Hand(QByteArrayView raw, int port, bool isTransmitted) {
-    const std::string_view time = m_time.Now();
+    const qint64 utc = m_clock.Milliseconds();
+    const std::string_view time = m_time.At(utc);
     // A receiver may run an event loop of its own in which the next frame comes: each has a reader to itself.
     Ax25Heard reader;
-    Q_EMIT Heard(reader.Read(raw, {.utc = m_clock.Milliseconds(),
+    Q_EMIT Heard(reader.Read(raw, {.utc = utc,
                                    .port = static_cast<qint16>(port + 1),
                                    .isTransmitted = isTransmitted,
                                    .time = {time.data(), static_cast<qsizetype>(time.size())}}));
