@@ -264,8 +264,12 @@ void frmQIRANMenuTest::stationInformationReachesTheTrackingPanel() {
     QVERIFY(!rig.Find<QWidget>("cmdPassInfo")->isEnabled());
     QTimer::singleShot(0, rig.window.get(), [] {
         QWidget* dialog = QApplication::activeModalWidget();
-        dialog->findChild<QLineEdit*>(u"txtLat"_s)->setText(u"51.30.00N"_s);
-        dialog->findChild<QLineEdit*>(u"txtLong"_s)->setText(u"000.30.00W"_s);
+        for (const auto& [name, text] : {std::pair(u"txtLat"_s, u"51.30N"_s), {u"txtLong"_s, u"0.30W"_s}}) {
+            auto* field = dialog->findChild<QLineEdit*>(name);
+            field->setFocus();
+            QTest::keyClicks(field, text);
+            QTest::keyClick(field, Qt::Key_Tab);
+        }
         dialog->findChild<QPushButton*>(u"cmdOk"_s)->click();
     });
     rig.Find<QAction>("mnuLocation")->trigger();

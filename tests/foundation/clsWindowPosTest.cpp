@@ -240,7 +240,8 @@ void clsWindowPosTest::withoutSettingsTheProgramsOwnFileIsUsed() {
     const QString file = ProgramFolder::OfExecutable().IniFile();
     QFile::remove(file);
     const Window window(nullptr);
-    QVERIFY(file.endsWith(u"/clsWindowPosTest.INI"));
+    QCOMPARE(QFileInfo(file).fileName(),
+             QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName() + QStringLiteral(".INI"));
     QVERIFY(QFile::exists(file));
     QVERIFY(QFile::remove(file));
 }
