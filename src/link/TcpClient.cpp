@@ -1,5 +1,7 @@
 #include "link/TcpClient.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QNetworkProxy>
 #include <QTcpSocket>
 
@@ -97,7 +99,8 @@ void TcpClient::HandleConnected() {
     m_connectTimer.stop();
     m_connection->established = true;
     KeepAlive(*m_connection->socket);
-    Q_EMIT Connected(m_connection->host);
+    const QString host = m_connection->host; // whoever hears of it may end the connection
+    Q_EMIT Connected(host);
 }
 
 void TcpClient::Read(const std::shared_ptr<Connection>& connection) {
@@ -149,6 +152,13 @@ void TcpClient::Disconnect() {
     if (wasEstablished)
         QMetaObject::invokeMethod(
             this, [this, host] { Q_EMIT Disconnected(host); }, Qt::QueuedConnection);
+}
+
+void TcpClient::DisconnectNow() {
+    Disconnect();
+    // Only the client's own events run here: a turn of the whole event loop could close the window that
+    // called.
+    QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
 }
 
 QString TcpClient::Drop() {

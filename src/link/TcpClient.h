@@ -33,6 +33,9 @@ public:
     /// Ends the connection or the attempt. Disconnected follows as an event posted to this object.
     void Disconnect();
 
+    /// Disconnect, whose event comes before this returns.
+    void DisconnectNow();
+
     /// Ends the connection as a fault of the network does: Error, then Disconnected, before this returns.
     void Fail(const QString& description);
 

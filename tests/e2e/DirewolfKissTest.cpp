@@ -1,9 +1,13 @@
 #include "foundation/text/Clock.h"
 #include "link/ClientEvents.h"
+#include "link/agwpe/AgwFrameReader.h"
+#include "link/agwpe/AgwHeard.h"
+#include "link/agwpe/FrameMarriage.h"
 #include "link/kiss/KissLink.h"
 
 #include <QProcess>
 #include <QRegularExpression>
+#include <QTcpSocket>
 #include <QTest>
 
 #include <memory>
@@ -31,6 +35,7 @@ private Q_SLOTS:
     void whatIsOnTheAirIsShownAsTheOtherPortShowsIt();
     void aNulIsKeptThatTheOtherPortLoses();
     void whatIsSentIsTransmittedAndShownAsTheOtherPortShowsIt();
+    void rawAndMonitoredFormsMarry();
     void anEngineThatEndsAndComesBackIsConnectedAgain();
 
 private:
@@ -151,6 +156,47 @@ void DirewolfKissTest::whatIsSentIsTransmittedAndShownAsTheOtherPortShowsIt() {
         QCOMPARE(m_seen->texts[i].kind, 4);
         QCOMPARE(WithoutTime(m_heard[i].text), WithoutTime(m_seen->texts[i].data));
     }
+}
+
+void DirewolfKissTest::rawAndMonitoredFormsMarry() {
+    QList<Kept> handed;
+    FrameMarriage marriage([&handed](const HeardFrame& frame) {
+        handed.append({frame.source.toByteArray(), frame.path.toByteArray(), frame.information.toByteArray(),
+                       frame.engineText.toByteArray()});
+        QVERIFY(!frame.raw.isEmpty());
+    });
+    QTcpSocket engine;
+    AgwFrameReader reader;
+    Ax25Heard raw;
+    connect(&engine, &QTcpSocket::readyRead, this, [&] {
+        const std::span<char> room = reader.Room();
+        reader.Add(engine.read(room.data(), static_cast<qint64>(room.size())));
+        AgwFrame frame;
+        while (reader.Next(frame) == AgwFrameReader::Result::Frame) {
+            const MonitoredFrame monitored{static_cast<qint16>(frame.port + 1), frame.callFrom, frame.callTo,
+                                           AgwData::WithoutEndMark(frame.data)};
+            if (frame.kind == 'K')
+                marriage.AddRaw(raw.Read(frame.data.sliced(1), {.time = "00:00:00"}), 0);
+            else if (frame.kind == AgwKind::MonitoredUnproto)
+                marriage.AddMonitored(AgwHeard::FromFrame(monitored, 0), 0);
+        }
+    });
+    engine.connectToHost(QStringLiteral("localhost"), static_cast<quint16>(m_agwPort));
+    QTRY_COMPARE_WITH_TIMEOUT(engine.state(), QAbstractSocket::ConnectedState, 20000);
+    for (const char kind : {'m', 'k', 'G'})
+        engine.write(AgwFrame{.kind = kind}.ToBytes());
+    const QByteArrayList frames{"XQ9ZZ-1>APRS,QIRAN-1*,WIDE2-2:T#001,10,20,30,40,0,0,00101111,0",
+                                "XQ9ZZ-1>APRS:a<0x00>b", "XQ9ZZ-1>APRS:text<0x0d>", "XQ9ZZ-1>APRS:text"};
+    QTRY_COMPARE_WITH_TIMEOUT(m_seen->events.size(), 3, 20000);
+    for (const QByteArray& frame : frames)
+        Command("play " + frame);
+    QTRY_COMPARE_WITH_TIMEOUT(handed.size(), frames.size(), 30000);
+    QVERIFY(!marriage.Due()); // none is left alone
+    for (qsizetype i = 0; i < frames.size(); ++i)
+        QCOMPARE(WithoutTime(handed[i].text), WithoutTime(m_seen->frames[i].data));
+    QCOMPARE(handed[0].path, QByteArray("QIRAN-1*,WIDE2-2"));
+    QVERIFY(handed[0].information.startsWith("T#001,10,20,30,40,0,0,00101111,0"));
+    QCOMPARE(handed[1].information, QByteArray("a")); // what is decoded is what the text shows
 }
 
 void DirewolfKissTest::anEngineThatEndsAndComesBackIsConnectedAgain() {

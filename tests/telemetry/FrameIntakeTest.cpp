@@ -26,6 +26,7 @@ private Q_SLOTS:
     void satelliteFrameWithoutInformationLineIsNotDecoded();
     void aLineFeedEndsTheHeaderOfASatelliteFrameToo();
     void emptyFrameIsHarmless();
+    void aFrameOfBytesAloneIsNotShown();
     void frameWithoutCrIsShownAsItIs();
     void unparsableHeaderIsShownUnchanged();
     void allBytesPass();
@@ -212,6 +213,16 @@ void FrameIntakeTest::emptyFrameIsHarmless() {
     QVERIFY(room.monitor.Text().isEmpty());
     room.Hear("XQ9ZZ", "\r");
     QVERIFY(room.monitor.Text().isEmpty());
+}
+
+void FrameIntakeTest::aFrameOfBytesAloneIsNotShown() {
+    TelemetryRoom room;
+    for (const bool only : {false, true}) {
+        room.intake.SetOnlyShowQiran(only);
+        room.intake.Take({.source = "XQ9ZZ", .raw = "bytes"});
+    }
+    QVERIFY(room.monitor.Text().isEmpty());
+    QVERIFY(room.terminal.empty());
 }
 
 void FrameIntakeTest::frameWithoutCrIsShownAsItIs() {

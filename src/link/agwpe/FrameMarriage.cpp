@@ -5,10 +5,11 @@
 
 namespace {
 
-// Engines cut the text at a NUL and end it by a CR of their own.
+// Engines cut the text at a NUL, and a CR at its end may be theirs or the frame's.
 bool ShowsInformation(QByteArrayView shown, QByteArrayView information) {
+    const auto withoutEnd = [](QByteArrayView text) { return text.endsWith('\r') ? text.chopped(1) : text; };
     const QByteArrayView text = information.first(std::ranges::find(information, '\0') - information.begin());
-    return shown == text || (shown.endsWith('\r') && shown.chopped(1) == text);
+    return withoutEnd(shown) == withoutEnd(text);
 }
 
 // Monitored text has lost the marks of digipeaters.
@@ -51,8 +52,10 @@ void FrameMarriage::AddMonitored(const HeardFrame& monitored, qint64 now) {
     HeardFrame married = monitored;
     married.path = raw.path;
     married.pid = raw.pid;
-    married.information = raw.information;
-    married.isComplete = raw.isComplete;
+    if (!raw.information.contains('\0')) {
+        married.information = raw.information;
+        married.isComplete = true;
+    }
     married.raw = raw.raw;
     m_hand(married);
 }
@@ -76,5 +79,7 @@ void FrameMarriage::HandFirstAlone() {
     m_waiting.pop_front();
     HeardFrame raw = owned.View();
     raw.engineText = {};
+    raw.information = {};
+    raw.isComplete = false;
     m_hand(raw);
 }

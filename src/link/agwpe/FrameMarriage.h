@@ -16,9 +16,11 @@ public:
     static constexpr qint64 patience = 1000;       ///< how long a raw frame waits for its monitored form
     static constexpr std::size_t mostWaiting = 64; ///< beyond, the raw frame that waits longest is handed on
 
-    /// `hand` is given every frame once: a married one as the monitored form with path, PID, information and
-    /// bytes of the raw one; a monitored one without a raw form as it is; a raw one without a monitored form
-    /// without `engineText`, by which sinks know that there is nothing to show or to decode.
+    /// `hand` is given every frame once: a married one as the monitored form with path, PID and bytes of the
+    /// raw one, and its information where the text shows all of that (else the text's, for what is decoded
+    /// must not depend on whether raw frames are asked for); a monitored one without a raw form as it is; a
+    /// raw one without a monitored form with neither text nor information, so that nothing is shown or
+    /// decoded of it.
     explicit FrameMarriage(Hand hand);
 
     /// A raw frame (Ax25Heard reads it) waits.

@@ -1,26 +1,18 @@
 #pragma once
 
+#include "link/TcpClient.h"
 #include "telemetry/frames/MonitoredFrame.h"
 
-#include <QObject>
 #include <QStringList>
-#include <QTimer>
 
-#include <memory>
-
+class AgwFrameReader;
 struct AgwFrame;
 
-/// The client of a packet engine's TCP interface.
-///
-/// Every event arrives from the event loop, never inside Connect or Disconnect. An attempt to connect that
-/// does not succeed ends in one Error. A connection that was established and ends raises Disconnected once,
-/// whatever ended it; where the cause was a fault, Error comes first. An attempt that Disconnect gives up
-/// says nothing.
-class MERAGW : public QObject {
+/// The client of a packet engine's TCP interface, with the events of TcpClient.
+class MERAGW : public TcpClient {
     Q_OBJECT
 public:
     explicit MERAGW(QObject* parent = nullptr);
-    ~MERAGW() override;
 
     // Set before Connect; a connection keeps the values that it began with.
     void SetHost(const QString& host) { m_host = host; }
@@ -32,20 +24,12 @@ public:
     const QString& LoginId() const { return m_loginId; }
     const QString& Password() const { return m_password; }
 
-    /// How long an attempt to connect may hang, milliseconds.
-    void SetConnectTimeout(int milliseconds) { m_connectTimer.setInterval(milliseconds); }
-
     /// Opens the connection, logs in when there is a login id, asks version and ports, switches monitoring
     /// on. Ends a connection or an attempt that there is.
     void Connect();
 
-    /// Ends the connection or the attempt. Disconnected follows as an event posted to this object.
-    void Disconnect();
-
-    bool IsConnected() const;
-
     /// Radio ports that the engine reported; 0 while it has reported none.
-    int PortCount() const { return m_portCount; }
+    int PortCount() const { return IsConnected() ? m_portCount : 0; }
 
     /// Sends one UI frame. `port` counts from 1; `destination` is the destination callsign and behind a blank
     /// the digipeaters, separated by commas (none is fine). False, with the last error set, when it cannot be
@@ -68,9 +52,6 @@ public:
 Q_SIGNALS:
     void PortInformation(const QStringList& descriptions); ///< one per radio port, in order
     void Version(const QString& version);
-    void Connected(const QString& host);
-    void Disconnected(const QString& host);
-    void Error(const QString& description);
 
     /// A frame of a connection or one that the engine sent itself; `kind` is a DisplayKind. The view holds as
     /// long as the call.
@@ -80,18 +61,11 @@ Q_SIGNALS:
     void FrameArrival(const MonitoredFrame& frame);
 
 private:
-    struct Connection;
-
-    void Open(const std::shared_ptr<Connection>& connection);
-    void HandleConnected();
-    void Read(const std::shared_ptr<Connection>& connection);
+    void AskEngine();
+    void Receive(AgwFrameReader& reader, QByteArrayView bytes, const bool& isAlive);
     void Dispatch(const AgwFrame& frame);
     void ReportPorts(QByteArrayView data);
     void ReportVersion(QByteArrayView data);
-    void HandleClosed();
-    void Conclude();
-    void Fail(const QString& description);
-    QString Drop(); // lets go of the connection and answers its host, empty when there is none
     bool Refuse(ErrorNumber number, const QString& text);
     void SetError(ErrorNumber number, const QString& text);
 
@@ -99,8 +73,6 @@ private:
     qint16 m_port = 8000;
     QString m_loginId;
     QString m_password;
-    std::shared_ptr<Connection> m_connection; // none while idle
-    QTimer m_connectTimer;
     int m_portCount = 0;
     int m_lastErrorNumber = NoError;
     QString m_lastErrorText;

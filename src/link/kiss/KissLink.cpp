@@ -7,9 +7,6 @@
 #include "telemetry/frames/ByteViews.h"
 #include "telemetry/frames/KissReader.h"
 
-#include <QCoreApplication>
-#include <QEvent>
-
 #include <utility>
 
 namespace {
@@ -55,10 +52,7 @@ void KissLink::Open() {
 }
 
 void KissLink::Close() {
-    m_client.Disconnect();
-    // Only the client's own events run here: a turn of the whole event loop could close the window that
-    // called.
-    QCoreApplication::sendPostedEvents(&m_client, QEvent::MetaCall);
+    m_client.DisconnectNow();
 }
 
 void KissLink::Receive(KissReader& reader, QByteArrayView bytes, const bool& isAlive) {

@@ -46,6 +46,8 @@ FrameIntake::FrameIntake(const CallsignList& callsigns, MonitorText& monitor,
     , m_clock(std::move(displayTime)) {}
 
 void FrameIntake::Take(const HeardFrame& frame) {
+    if (frame.engineText.isEmpty() && !frame.raw.isEmpty())
+        return; // its bytes alone, for those who keep or forward them
     if (frame.kind == HeardFrame::Kind::U)
         FrameReceived(frame);
     else

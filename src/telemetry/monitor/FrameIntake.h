@@ -29,6 +29,7 @@ public:
     void SetOnlyShowQiran(bool only) { m_onlyShowQiran = only; }
 
     /// One frame of any kind: a UI frame in full and, when it is the satellite's, in short form.
+    /// Nothing of one that has bytes and no text.
     void Take(const HeardFrame& frame);
 
     /// Shows a frame (header line, CR, information field) that was heard at `utc` in full form.
