@@ -97,6 +97,7 @@ private Q_SLOTS:
     void framesBeforeTheCloseStillArrive();
     void aReceiverMayReconnectFromWithinAFrame();
     void aReceiverMayRunItsOwnEventLoop();
+    void aTncMayCloseWhileAReceiverRunsItsOwnEventLoop();
     void aFloodLeavesTheEventLoopItsTurns();
 
     void whatIsSentGoesOutAndIsShownAsTransmitted();
@@ -426,6 +427,29 @@ void KissLinkTest::aReceiverMayRunItsOwnEventLoop() {
     m_tnc->Send(Kiss(Raw("one")) + Kiss(Raw("two")));
     QTRY_COMPARE(m_heard.size(), 3);
     QCOMPARE(after, QByteArray("one 1:Fm XQ9ZZ-1"));
+    QCOMPARE(m_heard[1].information, QByteArray("two"));
+    QCOMPARE(m_heard[2].information, QByteArray("three"));
+}
+
+void KissLinkTest::aTncMayCloseWhileAReceiverRunsItsOwnEventLoop() {
+    Connect();
+    m_link->SetRetryInterval(60000);
+    bool isFirst = true;
+    QStringList linesInside;
+    connect(m_link.get(), &PacketLink::Heard, this, [&] {
+        if (!std::exchange(isFirst, false))
+            return;
+        m_tnc->Send(Kiss(Raw("three")));
+        m_tnc->connections[0]->close();
+        QEventLoop loop;
+        QTimer::singleShot(100, &loop, &QEventLoop::quit);
+        loop.exec();
+        linesInside = m_lines;
+    });
+    m_tnc->Send(Kiss(Raw("one")) + Kiss(Raw("two")));
+    QTRY_COMPARE(m_lines, QStringList({connectedLine, disconnectedLine + retry}));
+    QCOMPARE(linesInside, QStringList{connectedLine}); // the frames first
+    QCOMPARE(m_heard.size(), 3);
     QCOMPARE(m_heard[1].information, QByteArray("two"));
     QCOMPARE(m_heard[2].information, QByteArray("three"));
 }
