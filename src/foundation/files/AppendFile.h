@@ -24,7 +24,8 @@ public:
     /// Is told the system's reason when a text cannot be written, and again only after one could.
     using Failed = std::function<void(const QString& reason)>;
 
-    AppendFile() = default;
+    AppendFile()
+        : AppendFile({}, {}, {}) {}
 
     /// `path` is opened, and made where it is missing, by the first Append.
     AppendFile(const QString& path, Rules rules, Failed failed);
