@@ -22,7 +22,8 @@ void CheckLimits(const ChannelLimits& limits) {
         Require(limits.Judge(value, Level::Normal) == outside, "from normal, the limits alone decide");
         for (int before = -2; before <= 2; ++before) {
             const Level level = limits.Judge(value, static_cast<Level>(before));
-            const auto [low, high] = std::minmax(outside, static_cast<Level>(before));
+            const Level low = std::min(outside, static_cast<Level>(before));
+            const Level high = std::max(outside, static_cast<Level>(before));
             Require(level == outside || (level >= low && level <= high),
                     "what holds a level back is its own limit");
             Require(limits.Judge(value, level) == level, "the same value again changes nothing");

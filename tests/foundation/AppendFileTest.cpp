@@ -20,6 +20,7 @@ private Q_SLOTS:
     void aTornTextIsFinishedWhenTheFileIsClosed();
     void aTornTextIsFinishedAfterTheFileWasClosedAndOpened();
     void aTornTextGoesIntoNoOtherFile();
+    void whatWaitsGoesIntoNoOtherFile();
     void aTornTextGoesIntoNoFileThatWasPutInItsPlace();
     void aTornTextWhoseFileIsGoneMakesNoFile();
     void failureIsSaidOnceUntilItWorkedInBetween();
@@ -126,6 +127,19 @@ void AppendFileTest::aTornTextGoesIntoNoOtherFile() {
     {
         const SmallDisk disk(4);
         QVERIFY(!file->Append("torn line\n"));
+        QVERIFY(file->Open(m_folder->File(u"other.txt"_s)));
+    }
+    QVERIFY(file->Append("next\n"));
+    QCOMPARE(Content(), "torn");
+    QCOMPARE(m_folder->Read(u"other.txt"_s), "next\n");
+}
+
+void AppendFileTest::whatWaitsGoesIntoNoOtherFile() {
+    const auto file = Make({.mostKept = 100});
+    {
+        const SmallDisk disk(4);
+        QVERIFY(!file->Append("torn line\n"));
+        QVERIFY(!file->Append("whole line\n"));
         QVERIFY(file->Open(m_folder->File(u"other.txt"_s)));
     }
     QVERIFY(file->Append("next\n"));
