@@ -145,6 +145,7 @@ void CsvTest::aDamagedRecordCostsItsFirstLineOnly() {
 void CsvTest::whereLineEndsEndRecordsAQuoteDoesNotReachFurther() {
     QCOMPARE(Read("1,\"to\n2,b,\"\"\r\n\"3\n4,\"\"\"\"\n", LineEnds::EndRecords),
              Texts({"damaged", "2|b|", "damaged", "4|\""}));
+    QCOMPARE(Read("1,\"torn\n2\",b\n", LineEnds::EndRecords), Texts({"damaged", "2\"|b"}));
 }
 
 void CsvTest::linesAreCountedThroughQuotes() {
