@@ -2,6 +2,7 @@
 
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
+#include "support/SmallDisk.h"
 #include "support/TestClock.h"
 
 #include <QDir>
@@ -9,9 +10,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <csignal>
 #include <ctime>
-#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
@@ -32,7 +31,9 @@ private Q_SLOTS:
     void aFolderThatIsAFileIsPassedOver();
     void aFileThatCannotBeOpenedIsPassedOver();
     void aFullDiskTearsNoLineAndLoggingGoesOn();
-    void aTextCutByAFullDiskIsNotFinishedTheNextDay();
+    void aTextCutByAFullDiskIsFinishedInTheFileOfItsDay();
+    void aTextCutBeforeAnIdleCloseIsNotFinishedInTheNextDaysFile();
+    void aTextCutBeforeAnIdleCloseIsFinishedInItsFile();
     void aFloodIsWrittenInStride();
 
 private:
@@ -209,27 +210,6 @@ void TrafficLogTest::aFileThatCannotBeOpenedIsPassedOver() {
     QCOMPARE(Log(u"20021231.TXT"_s), "kept");
 }
 
-namespace {
-
-// No file may grow beyond `bytes` while this lives: to the program the same as a full disk.
-class SmallDisk {
-public:
-    explicit SmallDisk(rlim_t bytes) {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit small{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-    ~SmallDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
-
-private:
-    rlimit m_before{};
-};
-
-} // namespace
-
 void TrafficLogTest::aFullDiskTearsNoLineAndLoggingGoesOn() {
     const auto log = Make();
     log->WriteTrafficLog("first line\r\n");
@@ -245,7 +225,7 @@ void TrafficLogTest::aFullDiskTearsNoLineAndLoggingGoesOn() {
     QCOMPARE(Log(u"20021231.TXT"_s), "first line\r\nsecond line\r\nfifth line\r\nsixth line\r\n");
 }
 
-void TrafficLogTest::aTextCutByAFullDiskIsNotFinishedTheNextDay() {
+void TrafficLogTest::aTextCutByAFullDiskIsFinishedInTheFileOfItsDay() {
     const auto log = Make();
     {
         const SmallDisk disk(3);
@@ -253,8 +233,37 @@ void TrafficLogTest::aTextCutByAFullDiskIsNotFinishedTheNextDay() {
     }
     m_clock->Advance(secondsPerDay);
     log->WriteTrafficLog("new day\r\n");
-    QCOMPARE(Log(u"20021231.TXT"_s), "tor");
+    QCOMPARE(Log(u"20021231.TXT"_s), "torn line\r\n");
     QCOMPARE(Log(u"20030101.TXT"_s), "new day\r\n");
+}
+
+void TrafficLogTest::aTextCutBeforeAnIdleCloseIsNotFinishedInTheNextDaysFile() {
+    const auto log = Make();
+    {
+        const SmallDisk disk(3);
+        log->WriteTrafficLog("torn line\r\n");
+        m_clock->Advance(301.0);
+        log->CloseWhenIdle();
+        QVERIFY(!log->IsOpen());
+        m_clock->Advance(secondsPerDay);
+    }
+    QFile::rename(m_folder->filePath(u"LOGS/20021231.TXT"_s), m_folder->filePath(u"LOGS/kept.TXT"_s));
+    log->WriteTrafficLog("new day\r\n");
+    QCOMPARE(Log(u"kept.TXT"_s), "tor");
+    QCOMPARE(Log(u"20021231.TXT"_s), "no file");
+    QCOMPARE(Log(u"20030101.TXT"_s), "new day\r\n");
+}
+
+void TrafficLogTest::aTextCutBeforeAnIdleCloseIsFinishedInItsFile() {
+    const auto log = Make();
+    {
+        const SmallDisk disk(3);
+        log->WriteTrafficLog("torn line\r\n");
+        m_clock->Advance(301.0);
+        log->CloseWhenIdle();
+    }
+    log->WriteTrafficLog("next line\r\n");
+    QCOMPARE(Log(u"20021231.TXT"_s), "torn line\r\nnext line\r\n");
 }
 
 void TrafficLogTest::aFloodIsWrittenInStride() {

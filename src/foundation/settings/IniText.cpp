@@ -1,5 +1,6 @@
 #include "foundation/settings/IniText.h"
 
+#include "foundation/text/ByteOrderMark.h"
 #include "foundation/text/Text.h"
 
 #include <QHash>
@@ -7,8 +8,6 @@
 #include <algorithm>
 
 namespace {
-
-constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
 
 // The name in a "[name]" line; nothing for any other line.
 std::optional<QString> HeaderName(QByteArrayView line) {
@@ -78,10 +77,9 @@ std::optional<IniText::Range> IniText::Find(const QString& section) const {
     const QString wanted = Name(section);
     std::optional<qsizetype> header;
     for (qsizetype i = 0; i < m_lines.size(); ++i) {
-        QByteArrayView line = m_lines[i];
-        if (i == 0 && line.startsWith(byteOrderMark))
-            line = line.sliced(byteOrderMark.size());
-        const std::optional<QString> name = HeaderName(line);
+        const QByteArray& line = m_lines[i];
+        const std::optional<QString> name = HeaderName(
+            i > 0 ? line : QByteArrayView(WithoutByteOrderMark({line.data(), std::size_t(line.size())})));
         if (name && header)
             return Range{*header, i};
         if (name && Same(*name, wanted))

@@ -6,8 +6,6 @@
 
 #include <QDir>
 
-#include <algorithm>
-
 namespace {
 
 constexpr qint64 idleMilliseconds = 300'000;
@@ -40,17 +38,16 @@ void TrafficLog::OpenTrafficLog() {
 void TrafficLog::OpenFor(DateTime today) {
     CloseTrafficLog();
     QDir().mkdir(m_logsFolder);
-    m_file.setFileName(m_logsFolder + QDir::separator() + FormatDateTime(today, u"yyyymmdd") +
-                       QStringLiteral(".TXT"));
     // Where this fails, the file stays closed and the next write tries again.
-    (void)m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+    (void)m_file.Open(m_logsFolder + QDir::separator() + FormatDateTime(today, u"yyyymmdd") +
+                      QStringLiteral(".TXT"));
     NoteActivity(today);
 }
 
 void TrafficLog::CloseTrafficLog() {
-    if (!m_file.isOpen())
+    if (!m_file.IsOpen())
         return;
-    m_file.close();
+    m_file.Close();
     NoteActivity(Today());
 }
 
@@ -58,27 +55,13 @@ void TrafficLog::WriteTrafficLog(QByteArrayView text) {
     if (!m_isLogging)
         return;
     const DateTime today = Today();
-    if (m_file.isOpen() && m_lastDate < today) {
+    if (m_file.IsOpen() && m_lastDate < today)
         CloseTrafficLog();
-        m_torn.clear();
-    }
-    if (!m_file.isOpen())
+    if (!m_file.IsOpen())
         OpenFor(today);
-    if (m_file.isOpen())
-        Append(text);
+    if (m_file.IsOpen())
+        (void)m_file.Append(text);
     NoteActivity(today);
-}
-
-// A full disk may have taken the start of a text only: its end goes before the next text, so that no line is
-// glued to half of another.
-void TrafficLog::Append(QByteArrayView text) {
-    const QByteArray withTorn = m_torn.isEmpty() ? QByteArray() : m_torn + text.toByteArray();
-    const QByteArrayView bytes = m_torn.isEmpty() ? text : QByteArrayView(withTorn);
-    const qsizetype written = std::max<qint64>(m_file.write(bytes.data(), bytes.size()), 0);
-    if (written <= m_torn.size())
-        m_torn.remove(0, written);
-    else
-        m_torn = bytes.sliced(written).toByteArray();
 }
 
 void TrafficLog::CloseWhenIdle() {

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "foundation/files/AppendFile.h"
 #include "foundation/text/DateTime.h"
-
-#include <QFile>
 
 class Clock;
 class ProgramFolder;
@@ -32,19 +31,17 @@ public:
     /// Closes the file after more than 300 seconds without traffic. To be called now and then.
     void CloseWhenIdle();
 
-    bool IsOpen() const { return m_file.isOpen(); }
+    bool IsOpen() const { return m_file.IsOpen(); }
 
 private:
     void OpenFor(DateTime today);
-    void Append(QByteArrayView text);
     DateTime Today() const;
     void NoteActivity(DateTime today);
 
     clsIni& m_cIni;
     const Clock& m_clock;
     QString m_logsFolder;
-    QFile m_file;
-    QByteArray m_torn; // the end of a text of which only the start could be written
+    AppendFile m_file;
     bool m_isLogging = false;
     DateTime m_lastDate = 0.0;     // the local date of the last activity
     qint64 m_lastMilliseconds = 0; // its time, UTC: local time repeats an hour every year

@@ -1,10 +1,9 @@
 #include "telemetry/calibration/FormulaFile.h"
 
+#include "foundation/files/BoundedFile.h"
 #include "foundation/messages/mb.h"
+#include "foundation/text/ByteOrderMark.h"
 #include "telemetry/frames/ByteViews.h"
-
-#include <QFile>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <iostream>
@@ -14,29 +13,7 @@
 namespace {
 
 constexpr qint64 largestFile = 64 * 1024 * 1024;
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view blanks = " \t";
-
-// The whole file; nothing, and the reason, when it cannot be read.
-std::optional<QByteArray> ReadFile(const QString& path, QString& reason) {
-    QFile file(path);
-    if (file.exists() && !QFileInfo(path).isFile()) {
-        reason = QStringLiteral("%1 is not a file").arg(path);
-        return std::nullopt;
-    }
-    if (!file.open(QIODevice::ReadOnly)) {
-        reason = file.errorString();
-        return std::nullopt;
-    }
-    QByteArray bytes = file.read(std::min(file.size(), largestFile) + 1); // room for as much is made at once
-    if (file.error() != QFileDevice::NoError)
-        reason = file.errorString();
-    else if (bytes.size() > largestFile)
-        reason = QStringLiteral("%1 is too large for a formula file").arg(path);
-    else
-        return bytes;
-    return std::nullopt;
-}
 
 std::string_view Trimmed(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
@@ -84,8 +61,7 @@ struct Fault {
 };
 
 std::optional<Fault> StoreLines(std::string_view text, FormulaTable& table) {
-    if (text.starts_with(byteOrderMark))
-        text.remove_prefix(byteOrderMark.size());
+    text = WithoutByteOrderMark(text);
     for (int number = 1; !text.empty(); ++number) {
         const std::string_view line = TakeLine(text);
         if (const auto fields = SplitFormulaLine(line))
@@ -100,7 +76,7 @@ std::optional<Fault> StoreLines(std::string_view text, FormulaTable& table) {
 FormulaLoad LoadFormulae(const QString& path, FormulaTable& table, const mb& messages, QObject* owner) {
     table = FormulaTable();
     QString reason;
-    if (const std::optional<QByteArray> bytes = ReadFile(path, reason)) {
+    if (const std::optional<QByteArray> bytes = ReadBoundedFile(path, largestFile, reason)) {
         const std::optional<Fault> fault = StoreLines(ToView(*bytes), table);
         if (!fault)
             return FormulaLoad::Loaded;

@@ -1,0 +1,96 @@
+#include "orbit/history/ElementsHistory.h"
+
+#include "foundation/files/BoundedFile.h"
+#include "foundation/files/Csv.h"
+#include "foundation/text/ByteOrderMark.h"
+#include "foundation/text/IsoTime.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+namespace {
+
+constexpr qint64 largestFile = 64 * 1024 * 1024; // two satellites' hundred years
+constexpr QByteArrayView header = "utc,number,epoch,elements\n";
+
+std::optional<ElementsHistory::Set> ReadSet(std::span<const std::string_view> fields) {
+    if (fields.size() < 4) // more may come to stand behind them
+        return std::nullopt;
+    const std::optional<qint64> firstSeen = IsoTime::Read(fields[0]);
+    const std::optional<qint64> epoch = IsoTime::Read(fields[2]);
+    quint32 number = 0;
+    const char* const end = fields[1].data() + fields[1].size();
+    if (!firstSeen || !epoch || std::from_chars(fields[1].data(), end, number).ptr != end ||
+        fields[1].empty() || fields[3].empty())
+        return std::nullopt;
+    return ElementsHistory::Set{*firstSeen, number, *epoch,
+                                QByteArray(fields[3].data(), static_cast<qsizetype>(fields[3].size()))};
+}
+
+auto Key(const ElementsHistory::Set& set) {
+    return std::pair(set.number, set.epoch);
+}
+
+} // namespace
+
+ElementsHistory::ElementsHistory(const QString& path, AppendFile::Failed failed)
+    : m_path(path)
+    , m_file(path, {.header = header.toByteArray(), .isSynced = true, .mostKept = 65536}, std::move(failed)) {
+}
+
+void ElementsHistory::Load() {
+    m_sets.clear();
+    m_foreign = 0;
+    QString reason;
+    const std::optional<QByteArray> bytes = ReadBoundedFile(m_path, largestFile, reason);
+    if (!bytes)
+        return;
+    Csv::Reader reader(WithoutByteOrderMark({bytes->constData(), static_cast<std::size_t>(bytes->size())}));
+    while (reader.Next()) {
+        const std::optional<Set> set = reader.IsSound() ? ReadSet(reader.Fields()) : std::nullopt;
+        if (set)
+            m_sets.push_back(*set);
+        else if (reader.Text() !=
+                 std::string_view(header.data(), static_cast<std::size_t>(header.size() - 1)))
+            ++m_foreign;
+    }
+    std::ranges::stable_sort(m_sets, {}, Key);
+    const auto repeated = std::ranges::unique(m_sets, {}, Key);
+    m_sets.erase(repeated.begin(), repeated.end());
+}
+
+void ElementsHistory::Keep(const Set& set) {
+    if (set.elements.isEmpty() || set.elements.size() > longestElements)
+        return;
+    const Place place = PlaceOf(set.number, set.epoch);
+    if (place != m_sets.end() && Key(*place) == Key(set))
+        return;
+    m_sets.insert(place, set);
+    (void)m_file.Append(Csv::Line({IsoTime::Milliseconds(set.firstSeen), QByteArray::number(set.number),
+                                   IsoTime::Milliseconds(set.epoch), set.elements}));
+}
+
+const ElementsHistory::Set* ElementsHistory::Nearest(quint32 number, qint64 utc) const {
+    const Place after = PlaceOf(number, utc);
+    const Set* nearest = nullptr;
+    qint64 distance = farthest + 1;
+    const auto consider = [&](Place place) {
+        if (place->number == number && std::abs(place->epoch - utc) < distance) {
+            nearest = &*place;
+            distance = std::abs(place->epoch - utc);
+        }
+    };
+    if (after != m_sets.end())
+        consider(after);
+    if (after != m_sets.begin())
+        consider(std::prev(after));
+    return nearest;
+}
+
+// The first set that is not before this object and epoch.
+ElementsHistory::Place ElementsHistory::PlaceOf(quint32 number, qint64 epoch) const {
+    return std::ranges::lower_bound(m_sets, std::pair(number, epoch), {}, Key);
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "foundation/files/AppendFile.h"
+
+#include <optional>
+#include <vector>
+
+/// The element sets that the satellites were flown on, in elements-history.txt: each is kept as it came when
+/// it is first seen, since it cannot be had later, and the past is computed from those of its time.
+class ElementsHistory {
+public:
+    struct Set {
+        qint64 firstSeen = 0; ///< milliseconds since 1970-01-01 00:00 UTC, as is the epoch
+        quint32 number = 0;   ///< of the catalogue
+        qint64 epoch = 0;
+        QByteArray elements; ///< the lines of the set as they came, UTF-8
+    };
+
+    /// A set that is farther than this from a time is no guide to it.
+    static constexpr qint64 farthest = qint64{14} * 24 * 60 * 60 * 1000;
+
+    static constexpr qsizetype longestElements = 4096; ///< bytes
+
+    /// `failed` is told the reason when the file cannot be written, and again only after it could.
+    ElementsHistory(const QString& path, AppendFile::Failed failed);
+
+    /// Reads what is kept; to be called before anything else, and never by the program's start.
+    void Load();
+
+    /// Keeps a set, unless one of this object and epoch is kept already.
+    void Keep(const Set& set);
+
+    /// The set of an object whose epoch is nearest to a time; none where all are farther than `farthest`.
+    /// Holds until the next Keep or Load.
+    const Set* Nearest(quint32 number, qint64 utc) const;
+
+    /// Lines of the file that are none of ours, and were passed over.
+    qint64 ForeignLines() const { return m_foreign; }
+
+private:
+    using Place = std::vector<Set>::const_iterator;
+    Place PlaceOf(quint32 number, qint64 epoch) const;
+
+    const QString m_path;
+    AppendFile m_file;
+    std::vector<Set> m_sets; // by number, then epoch
+    qint64 m_foreign = 0;
+};

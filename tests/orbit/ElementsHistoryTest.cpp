@@ -1,0 +1,150 @@
+#include "orbit/history/ElementsHistory.h"
+
+#include "support/SmallDisk.h"
+#include "support/TemporaryProgramFolder.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class ElementsHistoryTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void aNewSetIsKeptAsItCame();
+    void aKnownEpochIsKeptOnce();
+    void theNearestSetIsFound_data();
+    void theNearestSetIsFound();
+    void whatWasKeptIsReadAtTheNextStart();
+    void foreignAndTornLinesArePassedOver();
+    void whatIsNoSetIsNotKept();
+    void aFullDiskIsSaidOnceAndLosesNothing();
+
+private:
+    static constexpr qint64 day = 86'400'000;
+
+    static ElementsHistory::Set Set(quint32 number, qint64 epoch, const QByteArray& elements = "1 x\n2 y") {
+        return {.firstSeen = epoch + 1000, .number = number, .epoch = epoch, .elements = elements};
+    }
+    QString Path() const { return m_folder->File(u"elements-history.txt"_s); }
+    QByteArray Content() const { return m_folder->Read(u"elements-history.txt"_s); }
+    std::unique_ptr<ElementsHistory> Make() {
+        auto history = std::make_unique<ElementsHistory>(
+            Path(), [this](const QString& reason) { m_reasons.append(reason); });
+        history->Load();
+        return history;
+    }
+
+    std::unique_ptr<TemporaryProgramFolder> m_folder;
+    QStringList m_reasons;
+};
+
+void ElementsHistoryTest::init() {
+    m_folder = std::make_unique<TemporaryProgramFolder>();
+    m_reasons.clear();
+}
+
+void ElementsHistoryTest::aNewSetIsKeptAsItCame() {
+    const auto history = Make();
+    QVERIFY(!QFile::exists(Path()));
+    history->Keep({.firstSeen = 1795274923120,
+                   .number = 90417,
+                   .epoch = 1795219200000,
+                   .elements = "QIRAN\r\n1 90417U\r\n2 90417"});
+    history->Keep({.firstSeen = 1795274923120, .number = 25544, .epoch = 0, .elements = "ISS \"Z\",1998,x"});
+    QCOMPARE(Content(),
+             "utc,number,epoch,elements\n"
+             "2026-11-21T15:28:43.120Z,90417,2026-11-21T00:00:00.000Z,\"QIRAN\r\n1 90417U\r\n2 90417\"\n"
+             "2026-11-21T15:28:43.120Z,25544,1970-01-01T00:00:00.000Z,\"ISS \"\"Z\"\",1998,x\"\n");
+}
+
+void ElementsHistoryTest::aKnownEpochIsKeptOnce() {
+    auto history = Make();
+    history->Keep(Set(1, 5 * day, "first"));
+    history->Keep(Set(1, 5 * day, "again"));
+    history->Keep(Set(2, 5 * day, "other"));
+    history->Keep(Set(1, 6 * day, "newer"));
+    history = Make();
+    history->Keep(Set(1, 5 * day, "next start"));
+    history->Keep(Set(1, 4 * day, "older"));
+    QCOMPARE(Content().count('\n'), 5);
+    QCOMPARE(history->Nearest(1, 5 * day)->elements, "first");
+    QCOMPARE(history->Nearest(1, 4 * day)->elements, "older");
+}
+
+void ElementsHistoryTest::theNearestSetIsFound_data() {
+    QTest::addColumn<qint64>("utc");
+    QTest::addColumn<QByteArray>("elements");
+    QTest::newRow("at an epoch") << 100 * day << QByteArray("a");
+    QTest::newRow("nearer to the earlier") << 103 * day << QByteArray("a");
+    QTest::newRow("nearer to the later") << 108 * day << QByteArray("b");
+    QTest::newRow("fourteen days before") << 86 * day << QByteArray("a");
+    QTest::newRow("a moment more") << 86 * day - 1 << QByteArray();
+    QTest::newRow("fourteen days after") << 124 * day << QByteArray("b");
+    QTest::newRow("and more") << 124 * day + 1 << QByteArray();
+    QTest::newRow("in another age") << qint64{0} << QByteArray();
+}
+
+void ElementsHistoryTest::theNearestSetIsFound() {
+    QFETCH(const qint64, utc);
+    QFETCH(const QByteArray, elements);
+    const auto history = Make();
+    history->Keep(Set(7, 110 * day, "b"));
+    history->Keep(Set(7, 100 * day, "a"));
+    history->Keep(Set(6, 104 * day, "another object"));
+    history->Keep(Set(8, 103 * day, "another object"));
+    const ElementsHistory::Set* set = history->Nearest(7, utc);
+    QCOMPARE(set == nullptr ? QByteArray() : set->elements, elements);
+}
+
+void ElementsHistoryTest::whatWasKeptIsReadAtTheNextStart() {
+    Make()->Keep(Set(90417, 5 * day, "QIRAN\r\n1 \"90417\"\n2,90417"));
+    const auto history = Make();
+    const ElementsHistory::Set* set = history->Nearest(90417, 5 * day);
+    QVERIFY(set != nullptr);
+    QCOMPARE(set->elements, "QIRAN\r\n1 \"90417\"\n2,90417");
+    QCOMPARE(set->firstSeen, 5 * day + 1000);
+    QCOMPARE(history->ForeignLines(), 0);
+}
+
+void ElementsHistoryTest::foreignAndTornLinesArePassedOver() {
+    m_folder->Write(u"elements-history.txt"_s,
+                    "\xEF\xBB\xBFutc,number,epoch,elements\r\n"
+                    "Hello\n"
+                    "1970-01-01T00:00:00.000Z,-1,1970-01-01T00:00:00.000Z,x\n"
+                    "1970-01-01T00:00:00.000Z,1,someday,x\n"
+                    "1970-01-01T00:00:00.000Z,1,1970-01-01T00:00:00.000Z,\n"
+                    "1970-01-01T00:00:00.000Z,1,1970-01-02T00:00:00.000Z,\"1 torn");
+    const auto history = Make();
+    QCOMPARE(history->ForeignLines(), 5);
+    history->Keep(Set(1, day, "1 a\n2 b"));
+    history->Keep(Set(1, 2 * day, "1 c\n2 d"));
+    const auto again = Make();
+    QCOMPARE(again->Nearest(1, day)->elements, "1 a\n2 b");
+    QCOMPARE(again->Nearest(1, 2 * day)->elements, "1 c\n2 d");
+}
+
+void ElementsHistoryTest::whatIsNoSetIsNotKept() {
+    const auto history = Make();
+    history->Keep(Set(1, day, ""));
+    history->Keep(Set(1, day, QByteArray(ElementsHistory::longestElements + 1, 'x')));
+    QVERIFY(!QFile::exists(Path()));
+    QVERIFY(history->Nearest(1, day) == nullptr);
+}
+
+void ElementsHistoryTest::aFullDiskIsSaidOnceAndLosesNothing() {
+    auto history = Make();
+    {
+        const SmallDisk disk(60);
+        history->Keep(Set(1, day));
+        history->Keep(Set(1, 2 * day));
+    }
+    QCOMPARE(m_reasons.size(), 1);
+    history->Keep(Set(1, 3 * day));
+    history = Make();
+    for (int i = 1; i <= 3; ++i)
+        QCOMPARE(history->Nearest(1, i * day)->epoch, i * day);
+}
+
+QTEST_GUILESS_MAIN(ElementsHistoryTest)
+#include "ElementsHistoryTest.moc"
