@@ -1,5 +1,6 @@
 #include "telemetry/replay/FrameText.h"
 
+#include "foundation/text/ByteOrderMark.h"
 #include "telemetry/frames/ByteViews.h"
 #include "telemetry/replay/FrameLine.h"
 
@@ -9,7 +10,6 @@
 namespace {
 
 constexpr qsizetype exampleLength = 80;
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 QByteArrayView Bytes(std::string_view text) {
     return {text.data(), static_cast<qsizetype>(text.size())};
@@ -74,8 +74,8 @@ void FrameText::AddToLine(std::string_view piece) {
 
 void FrameText::EndLine() {
     std::string_view line = m_line;
-    if (m_lineNumber == 1 && line.starts_with(byteOrderMark))
-        line.remove_prefix(byteOrderMark.size());
+    if (m_lineNumber == 1)
+        line = WithoutByteOrderMark(line);
     if (m_isTooLong)
         line = line.substr(0, exampleLength);
     ReadLine(Trimmed(line));
