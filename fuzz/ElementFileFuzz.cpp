@@ -5,14 +5,12 @@
 #include "Require.h"
 #include "ScratchFolder.h"
 #include "orbit/elements/ElementFile.h"
-#include "orbit/elements/KepsFile.h"
 #include "orbit/service/KVRSatLib.h"
 #include "orbit/service/PassList.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -20,7 +18,7 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 
 namespace {
 
-using orbitmath::ElementFile;
+using orbitmath::ElementRecord;
 using orbitmath::Elements;
 using orbitmath::Propagation;
 using orbitmath::Propagator;
@@ -111,16 +109,22 @@ void CheckObject(KVRSatLib& library, const Elements& elements) {
     CheckPasses(library, object, source->epochUtc + 0.25);
 }
 
-std::vector<Elements> SetsIn(std::string_view text) {
+std::vector<Elements> SetsIn(const std::string& path) {
     std::vector<Elements> sets;
-    ElementFile file([&](const Elements& elements, std::string_view name) {
-        CheckElements(elements);
-        Require(name.size() <= 64 && name.find('\n') == std::string_view::npos, "a name is short");
-        sets.push_back(elements);
+    orbitmath::ReadElementFile(path, [&](const ElementRecord& record) {
+        Require(record.name.size() <= 64 && record.nameLine.size() <= 1024 &&
+                    record.name.find('\n') == std::string_view::npos,
+                "a name is short");
+        Require(record.line > 0, "a record has its place");
+        if (const auto* elements = std::get_if<Elements>(&record.content)) {
+            CheckElements(*elements);
+            sets.push_back(*elements);
+        } else {
+            const auto& fault = std::get<orbitmath::ElementFault>(record.content);
+            Require(!fault.what.empty() && (fault.line == 1 || fault.line == 2), "a fault is told");
+        }
+        return true;
     });
-    std::istringstream stream{std::string(text)};
-    file.Read(stream);
-    Require((file.DamagedCount() == 0) == file.FirstFault().empty(), "the first fault is told");
     return sets;
 }
 
@@ -155,12 +159,8 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const ScratchFolder scratch;
     const std::string_view text = Input(data, size);
-    const std::vector<Elements> sets = SetsIn(text);
     const QString path = scratch.Write(QStringLiteral("elements.txt"), text);
-    KepsFile::ForEachGroup(path, [](const KepsGroup& group) {
-        Require(!group.name.isEmpty() && group.name.size() <= 1024, "a group has a name");
-        return true;
-    });
+    const std::vector<Elements> sets = SetsIn(path.toStdString());
 
     KVRSatLib library([](const std::string& line) { Require(line.size() < 400, "a report is short"); });
     Require(library.SetElementFolder(scratch.Path().toStdString()), "the folder is read");

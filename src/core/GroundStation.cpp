@@ -101,6 +101,8 @@ void GroundStation::Stop() {
 void GroundStation::LoadElements() {
     cSats.setStrKeplerPath(folder.KepsFolder());
     satellites.FindInKeps(folder.KepsFolder());
+    for (const QString& line : satellites.UntrackedMessages(cSats))
+        ShowStatus(line);
 }
 
 void GroundStation::ShowStatus(const QString& text) {

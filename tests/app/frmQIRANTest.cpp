@@ -23,9 +23,11 @@ private Q_SLOTS:
     void theCaptionCarriesTheVersion();
     void theLabelExplainsTheCube();
     void aFirstStartCentresTheWindow();
-    void aLatitudeOfZeroCountsAsUnknownAndWarns();
+    void aPositionThatIsUnknownWarns_data();
+    void aPositionThatIsUnknownWarns();
     void aKnownPositionWarnsOfNothing();
     void missingElementsAreNamed();
+    void elementsThatAreFoundAndCannotBeTrackedAreSaidOnce();
     void realElementsAreTrackedAtOnceAndByEveryTenthTick();
     void closingWhileMinimisedKeepsThePlace();
     void closingSavesThePlaceAndTheSatellite();
@@ -148,10 +150,20 @@ void frmQIRANTest::aFirstStartCentresTheWindow() {
     QCOMPARE(Twips::PixelsOf(rig.Get("SETUP", "TOP"), *rig.window), rig.window->y());
 }
 
-void frmQIRANTest::aLatitudeOfZeroCountsAsUnknownAndWarns() {
+void frmQIRANTest::aPositionThatIsUnknownWarns_data() {
+    QTest::addColumn<QString>("latitude");
+    QTest::addColumn<QString>("longitude");
+    QTest::newRow("latitude 0") << u"0000.00N"_s << u"00030.00W"_s;
+    QTest::newRow("latitude 95") << u"9500.00N"_s << u"00030.00W"_s;
+    QTest::newRow("longitude 181") << u"5130.00N"_s << u"18100.00W"_s;
+}
+
+void frmQIRANTest::aPositionThatIsUnknownWarns() {
+    QFETCH(QString, latitude);
+    QFETCH(QString, longitude);
     MainWindowRig rig;
-    rig.Set("SETUP", "LATITUDE", u"0000.00N"_s);
-    rig.Set("SETUP", "LONGITUDE", u"00030.00W"_s);
+    rig.Set("SETUP", "LATITUDE", latitude);
+    rig.Set("SETUP", "LONGITUDE", longitude);
     QVERIFY(rig.Start());
     QCOMPARE(rig.presenter.messages.value(0).text, u"Pass predictions will not be not available until you "
                                                    u"input your latitude and longitude in  'Station "
@@ -179,6 +191,18 @@ void frmQIRANTest::missingElementsAreNamed() {
     QCOMPARE(rig.presenter.messages.last().text, u"No Keps found for ISS."_s);
     QCOMPARE(rig.presenter.messages.last().style, MessageStyle::Information);
     QCOMPARE(rig.Find<QGroupBox>("framLocation")->title(), u"QIRAN (CUBE) Current Location"_s);
+}
+
+void frmQIRANTest::elementsThatAreFoundAndCannotBeTrackedAreSaidOnce() {
+    MainWindowRig rig;
+    rig.folder.Write(u"Keps/one.txt"_s,
+                     "CUBE\r\n"
+                     "1 90417U 26001A   26325.50000000  .00000000  00000-0  00000-0 0  9991\r\n"
+                     "2 90417  97.5000 100.0000 0010000 100.0000 260.0000 15.00000000    10\r\n");
+    QVERIFY(rig.Start());
+    QCOMPARE(rig.Find<QGroupBox>("framLocation")->title(), u"QIRAN (CUBE) Current Location"_s);
+    const QString line = u"*** QIRAN cannot be tracked - one.txt, line 2, column 69: the checksum is wrong"_s;
+    QTRY_COMPARE(rig.Monitor().count(line), 1);
 }
 
 void frmQIRANTest::realElementsAreTrackedAtOnceAndByEveryTenthTick() {

@@ -56,6 +56,7 @@ private Q_SLOTS:
     void formats_data();
     void formats();
     void digitsAreTheSameInEveryLocale();
+    void monthNamesAreEnglishOrTheLocales();
     void localTimesFollowTheZonesRulesForTheDate_data();
     void localTimesFollowTheZonesRulesForTheDate();
     void zoneChangedWhileRunningIsNoticed();
@@ -159,6 +160,24 @@ void DateTimeTest::digitsAreTheSameInEveryLocale() {
         QLocale::setDefault(locale);
         QCOMPARE(Shown(FromCalendar(Record(2026, 11, 21, 13, 14, 15))), u"2026-11-21 13:14:15"_s);
     }
+    QLocale::setDefault(before);
+}
+
+void DateTimeTest::monthNamesAreEnglishOrTheLocales() {
+    const QLocale before;
+    const QStringList english = u"Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec"_s.split(u' ');
+    int different = 0;
+    for (const char* name : {"C", "fi", "ca", "vi", "ja", "de", "en_GB"}) {
+        const QLocale locale(QString::fromLatin1(name));
+        QLocale::setDefault(locale);
+        for (int month = 1; month <= 12; ++month) {
+            const DateTime date = DateOf(2026, month, 1);
+            QCOMPARE(FormatDateTime(date, u"mmm", MonthNames::English), english[month - 1]);
+            QCOMPARE(FormatDateTime(date, u"mmm"), locale.monthName(month, QLocale::ShortFormat));
+            different += locale.monthName(month, QLocale::ShortFormat) != english[month - 1] ? 1 : 0;
+        }
+    }
+    QVERIFY(different > 30);
     QLocale::setDefault(before);
 }
 

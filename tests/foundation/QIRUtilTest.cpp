@@ -75,6 +75,10 @@ void QIRUtilTest::latitudes_data() {
     QTest::newRow("no letter") << u"3859.11"_s << 0.0;
     QTest::newRow("east") << u"3859.11E"_s << 0.0;
     QTest::newRow("pole") << u"9000.00S"_s << -90.0;
+    QTest::newRow("pole in minutes") << u"8960.00N"_s << 90.0;
+    QTest::newRow("beyond the pole") << u"9500.00N"_s << 0.0;
+    QTest::newRow("just beyond the other") << u"9000.01S"_s << 0.0;
+    QTest::newRow("beyond by its minutes") << u"8960.01N"_s << 0.0;
     QTest::newRow("empty") << QString() << 0.0;
     QTest::newRow("letter alone") << u"N"_s << 0.0;
     QTest::newRow("degrees alone") << u"38N"_s << 38.0;
@@ -94,6 +98,8 @@ void QIRUtilTest::longitudes_data() {
     QTest::newRow("west") << u"07629.17W"_s << -(76 + 29.17 / 60);
     QTest::newRow("east") << u"07629.17E"_s << 76 + 29.17 / 60;
     QTest::newRow("date line") << u"18000.00E"_s << 180.0;
+    QTest::newRow("beyond it") << u"18000.01E"_s << 0.0;
+    QTest::newRow("far beyond it") << u"99959.99W"_s << 0.0;
     QTest::newRow("north") << u"07629.17N"_s << 0.0;
     QTest::newRow("lower case") << u"07629.17w"_s << 0.0;
     QTest::newRow("empty") << QString() << 0.0;

@@ -48,6 +48,8 @@ private Q_SLOTS:
     void numbersRoundHalfToEven();
     void daysAreBlocks();
     void theDayIsTheDisplayedOne();
+    void theTableIsTheSameInEveryLocale_data();
+    void theTableIsTheSameInEveryLocale();
     void aDurationBeyondADayShowsItsTimeOfDay();
     void aFailureGivesAnEmptyText_data();
     void aFailureGivesAnEmptyText();
@@ -152,6 +154,33 @@ void PassTableTest::theDayIsTheDisplayedOne() {
     QCOMPARE(f.sats.strPassInfo(object), localHead + QStringLiteral("2026-Nov-21 23:00:00") + columns +
                                              QStringLiteral("\r\n2026-Nov-22 00:00:00") + columns +
                                              QStringLiteral("2026-Nov-22 03:00:00") + columns);
+}
+
+void PassTableTest::theTableIsTheSameInEveryLocale_data() {
+    QTest::addColumn<QString>("locale");
+    for (const char* name : {"fi", "ca", "vi", "ja", "de", "en_GB"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void PassTableTest::theTableIsTheSameInEveryLocale() {
+    QFETCH(QString, locale);
+    Fixture f;
+    QString expected;
+    const QStringList months = QStringLiteral("Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec").split(u' ');
+    f.library->passes->clear();
+    for (int month = 1; month <= 12; ++month) {
+        const QString digits = QStringLiteral("%1").arg(month, 2, 10, QChar(u'0'));
+        *f.library->passes +=
+            (month == 1 ? "(2026" : ",(2026") + digits.toStdString() + "05135007 1 2 42 754)";
+        expected += (month == 1 ? QString() : QStringLiteral("\r\n")) +
+                    QStringLiteral("2026-%1-05 13:50:07   00:12:34      0        0       42\r\n")
+                        .arg(months[month - 1]);
+    }
+    const QLocale before;
+    QLocale::setDefault(QLocale(locale));
+    const QString body = f.Body();
+    QLocale::setDefault(before);
+    QCOMPARE(body, expected);
 }
 
 void PassTableTest::aDurationBeyondADayShowsItsTimeOfDay() {

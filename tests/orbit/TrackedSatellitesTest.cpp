@@ -1,8 +1,9 @@
 #include "orbit/service/TrackedSatellites.h"
 
 #include "foundation/settings/Settings.h"
-#include "orbit/elements/KepsFile.h"
+#include "orbit/service/KVRSatLib.h"
 #include "support/TemporaryProgramFolder.h"
+#include "support/TestClock.h"
 
 #include <QTest>
 
@@ -11,10 +12,10 @@
 
 namespace {
 
-const QByteArray line1 = "1 25544U 98067A   26325.50000000  .00016717  00000-0  10270-3 0  9009";
-const QByteArray line2 = "2 25544  51.6400 208.9163 0006317  69.9862  25.2906 15.49560532 14771";
-const QByteArray qiran1 = "1 90417U 01043A   26325.50000000  .00000100  00000-0  10000-4 0  9001";
-const QByteArray qiran2 = "2 90417  97.6000 208.9163 0006317  69.9862  25.2906 14.59560532 14771";
+const QByteArray line1 = "1 25544U 98067A   26325.50000000  .00016717  00000-0  10270-3 0  9000";
+const QByteArray line2 = "2 25544  51.6400 208.9163 0006317  69.9862  25.2906 15.49560532 14777";
+const QByteArray qiran1 = "1 90417U 01043A   26325.50000000  .00000100  00000-0  10000-4 0  9000";
+const QByteArray qiran2 = "2 90417  97.6000 208.9163 0006317  69.9862  25.2906 14.59560532 14774";
 
 QByteArray Iss(const QByteArray& name = "ISS (ZARYA)", const QByteArray& end = "\r\n") {
     return name + end + line1 + end + line2 + end;
@@ -35,6 +36,19 @@ struct Fixture {
         QDir(folder.Program().Path()).mkpath(QStringLiteral("Keps"));
     }
     void Find() { satellites.FindInKeps(folder.Program().KepsFolder()); }
+
+    /// The same folder read by the true library, at the elements' epoch, and what is said about it.
+    QStringList Untracked() {
+        Find();
+        sats.setStrKeplerPath(folder.Program().KepsFolder());
+        return satellites.UntrackedMessages(sats);
+    }
+    bool IsIssTracked() const {
+        return sats.PositionAt(QStringLiteral("25544"), sats.datGmtTime()).has_value();
+    }
+
+    TestClock clock{DateOf(2026, 11, 21) + 0.5};
+    clsSats sats{std::make_unique<KVRSatLib>([](const std::string&) {}), clock};
     QString NameOf(qint16 index, const QByteArray& file) {
         folder.Write(QStringLiteral("Keps/a.txt"), file);
         Find();
@@ -60,6 +74,14 @@ private Q_SLOTS:
     void theSearchGoesOnWhileOneIsMissing();
     void anewSearchForgetsWhatWasFound();
     void missingElementsAreNamed();
+    void aByteOrderMarkIsNoPartOfTheName();
+    void alpha5NumbersAreFound_data();
+    void alpha5NumbersAreFound();
+    void whatIsFoundIsTrackedOrItIsSaidWhy_data();
+    void whatIsFoundIsTrackedOrItIsSaidWhy();
+    void aGoodSetElsewhereIsTrackedAlthoughADamagedOneNamesIt();
+    void whatFellFromTheSkyIsSaid();
+    void hiddenFilesAreNeitherFoundNorTracked();
     void hugeAndBinaryFilesEndSoon();
     void whatIsNoFileIsPassedOver();
     void everyTenthTickRefreshes();
@@ -211,6 +233,86 @@ void TrackedSatellitesTest::missingElementsAreNamed() {
     QCOMPARE(f.satellites.NoKepsMessage(), QStringLiteral("No Keps found for ISS."));
     f.NameOf(0, Qiran() + Iss());
     QCOMPARE(f.satellites.NoKepsMessage(), QString());
+}
+
+void TrackedSatellitesTest::aByteOrderMarkIsNoPartOfTheName() {
+    Fixture f;
+    QCOMPARE(f.NameOf(1, "\xEF\xBB\xBF" + Iss("ZARYA")), QStringLiteral("ISS (ZARYA)"));
+}
+
+void TrackedSatellitesTest::alpha5NumbersAreFound_data() {
+    QTest::addColumn<QString>("number");
+    QTest::addColumn<bool>("found");
+    QTest::newRow("as the file has it") << QStringLiteral("T0417") << true;
+    QTest::newRow("in digits") << QStringLiteral("270417") << true;
+    QTest::newRow("another") << QStringLiteral("270418") << false;
+    QTest::newRow("none") << QString() << false;
+}
+
+void TrackedSatellitesTest::alpha5NumbersAreFound() {
+    QFETCH(QString, number);
+    Fixture f;
+    Settings::Save(f.ini, Settings::issObjNum, number);
+    f.satellites.LoadSettings(f.ini);
+    f.NameOf(1, "A\n1 T0417U x\n2 T0417 x\n");
+    QTEST(f.satellites.At(1).blnFound, "found");
+}
+
+void TrackedSatellitesTest::whatIsFoundIsTrackedOrItIsSaidWhy_data() {
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("why");
+    const auto with = [](QByteArray one, QByteArray two) { return "ZARYA\n" + one + "\n" + two + "\n"; };
+    QTest::newRow("good") << Iss() << QString();
+    QTest::newRow("with a byte order mark") << "\xEF\xBB\xBF" + Iss() << QString();
+    QTest::newRow("with blanks in front") << with("  " + line1, "\t" + line2) << QString();
+    QTest::newRow("with blanks behind") << with(line1 + "  \r", line2 + " ") << QString();
+    QTest::newRow("a wrong checksum")
+        << with(line1, line2.chopped(1) + "0") << QStringLiteral("line 3, column 69: the checksum is wrong");
+    QTest::newRow("68 columns") << with(line1.chopped(1), line2)
+                                << QStringLiteral("line 2, column 69: the line is too short");
+    QTest::newRow("little more than the numbers")
+        << with("1 25544U x", "2 25544 x") << QStringLiteral("line 2, column 11: the line is too short");
+    QTest::newRow("below another's elements")
+        << Qiran() + with(line1 + "1", line2) << QStringLiteral("line 5, column 70: the line is too long");
+}
+
+void TrackedSatellitesTest::whatIsFoundIsTrackedOrItIsSaidWhy() {
+    QFETCH(QByteArray, file);
+    QFETCH(QString, why);
+    Fixture f;
+    f.folder.Write(QStringLiteral("Keps/a file.txt"), file);
+    const QStringList said = f.Untracked();
+    QVERIFY(f.satellites.At(1).blnFound);
+    QCOMPARE(f.IsIssTracked(), why.isEmpty());
+    QCOMPARE(said, why.isEmpty() ? QStringList()
+                                 : QStringList(QStringLiteral("*** ISS cannot be tracked - a file.txt, ") +
+                                               why + QStringLiteral("\r\n")));
+}
+
+void TrackedSatellitesTest::aGoodSetElsewhereIsTrackedAlthoughADamagedOneNamesIt() {
+    Fixture f;
+    f.folder.Write(QStringLiteral("Keps/both.txt"), Iss("ZARYA").replace("9000", "9001") + Iss("ISS"));
+    QCOMPARE(f.Untracked(), QStringList());
+    QCOMPARE(f.satellites.At(1).strName, QStringLiteral("ZARYA"));
+    QVERIFY(f.IsIssTracked());
+}
+
+void TrackedSatellitesTest::whatFellFromTheSkyIsSaid() {
+    Fixture f;
+    f.folder.Write(QStringLiteral("Keps/old.txt"), Iss());
+    f.clock.Set(DateOf(2036, 11, 21));
+    const QStringList said = f.Untracked();
+    QCOMPARE(said.size(), 1);
+    QVERIFY2(said[0].startsWith(QStringLiteral("*** ISS cannot be tracked - old.txt, line 2: ")),
+             qPrintable(said[0]));
+}
+
+void TrackedSatellitesTest::hiddenFilesAreNeitherFoundNorTracked() {
+    Fixture f;
+    f.folder.Write(QStringLiteral("Keps/.a.txt"), Iss());
+    QCOMPARE(f.Untracked(), QStringList());
+    QVERIFY(!f.satellites.At(1).blnFound);
+    QVERIFY(!f.IsIssTracked());
 }
 
 void TrackedSatellitesTest::hugeAndBinaryFilesEndSoon() {

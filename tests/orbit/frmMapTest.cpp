@@ -91,6 +91,7 @@ private Q_SLOTS:
     void pauseKeepsTheTimeAndASpeedRestartsTheTicker();
     void resetGoesBackToTheRealClock();
     void timeBoxFollowsLocalTime();
+    void timeBoxIsTheSameInEveryLocale();
     void rightReleaseOpensTheMenu();
     void theKeyOpensTheMenu();
     void menuHasItsAccessKeys();
@@ -101,8 +102,12 @@ private Q_SLOTS:
     void escapeCloses();
     void withoutAPictureTheBackgroundIsPlain_data();
     void withoutAPictureTheBackgroundIsPlain();
+    void aGifMayGoOnBehindItsEnd_data();
+    void aGifMayGoOnBehindItsEnd();
+    void aGifThatEndsWithinItsPictureIsRefused();
     void ownPicturesOfAnySizeWork_data();
     void ownPicturesOfAnySizeWork();
+    void theFootprintIsAsHighInPixelsAsItIsWide();
     void drawsFootprintTrackAndSatellite();
     void anUnknownSatelliteLeavesTheMapEmpty();
 };
@@ -199,6 +204,17 @@ void frmMapTest::timeBoxFollowsLocalTime() {
     QCOMPARE(f.Time()->Text(), QStringLiteral("2026-Nov-21 05:55:20"));
     const QFontMetrics metrics(f.Time()->font());
     QCOMPARE(f.Time()->width(), metrics.horizontalAdvance(f.Time()->Text()) + 6);
+}
+
+void frmMapTest::timeBoxIsTheSameInEveryLocale() {
+    const Fixture f;
+    const QLocale before;
+    for (const char* name : {"fi", "ca", "vi", "ja", "de", "en_GB"}) {
+        QLocale::setDefault(QLocale(QString::fromLatin1(name)));
+        f.Tick();
+        QCOMPARE(f.Time()->Text(), QStringLiteral("2026-Nov-21 00:10:20"));
+    }
+    QLocale::setDefault(before);
 }
 
 void frmMapTest::rightReleaseOpensTheMenu() {
@@ -334,6 +350,31 @@ void frmMapTest::withoutAPictureTheBackgroundIsPlain() {
         QCOMPARE(bare.pixelColor(45, y), y % 90 == 0 ? QColor(140, 160, 174) : QColor(201, 219, 232));
 }
 
+void frmMapTest::aGifMayGoOnBehindItsEnd_data() {
+    QTest::addColumn<QByteArray>("behind");
+    QTest::newRow("one byte") << QByteArray("\0", 1);
+    QTest::newRow("a kilobyte") << QByteArray(1024, 'x');
+    QTest::newRow("a megabyte of zeros") << QByteArray(1 << 20, '\0');
+}
+
+void frmMapTest::aGifMayGoOnBehindItsEnd() {
+    QFETCH(QByteArray, behind);
+    const Fixture f(ShippedWorld() + behind);
+    QCOMPARE(f.presenter.messages.size(), 0);
+    QCOMPARE(f.Picture()->grab().toImage(), Fixture().Picture()->grab().toImage());
+}
+
+void frmMapTest::aGifThatEndsWithinItsPictureIsRefused() {
+    const QByteArray whole = ShippedWorld();
+    QVERIFY(whole.endsWith(';'));
+    for (const qsizetype size : {whole.size() - 2, whole.size() - 3, whole.size() / 2, qsizetype{800}}) {
+        const Fixture f(whole.first(size));
+        QCOMPARE(f.presenter.messages.size(), 1);
+    }
+    const Fixture unended(whole.chopped(1)); // the picture is whole
+    QCOMPARE(unended.presenter.messages.size(), 0);
+}
+
 void frmMapTest::ownPicturesOfAnySizeWork_data() {
     QTest::addColumn<QSize>("size");
     QTest::newRow("small") << QSize(100, 50);
@@ -359,6 +400,28 @@ void frmMapTest::ownPicturesOfAnySizeWork() {
     QVERIFY(std::abs(place.width() / place.height() - double(size.width()) / size.height()) < 0.02);
     QVERIFY(QRect(QPoint(), f.map->screen()->size()).contains(QRect(QPoint(), f.map->size())));
     QVERIFY(!f.Picture()->grab().isNull());
+}
+
+void frmMapTest::theFootprintIsAsHighInPixelsAsItIsWide() {
+    QImage own(800, 800, QImage::Format_RGB32);
+    own.fill(Qt::black);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QVERIFY(buffer.open(QIODevice::WriteOnly) && own.save(&buffer, "PNG"));
+    Fixture f(bytes);
+    f.library->position = [](const std::string&, double) { return LibraryPosition{.altitude = 700}; };
+    f.map->resize(800, 800);
+    QTRY_COMPARE(f.Picture()->size(), QSize(800, 800));
+    f.Tick();
+    f.Time()->hide();
+    const QImage image = f.Picture()->grab().toImage();
+    QRect drawn;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixelColor(x, y).blue() > 100)
+                drawn |= QRect(x, y, 1, 1);
+    QVERIFY2(drawn.width() > 80 && std::abs(drawn.width() - drawn.height()) <= 2,
+             qPrintable(QStringLiteral("%1 by %2").arg(drawn.width()).arg(drawn.height())));
 }
 
 void frmMapTest::drawsFootprintTrackAndSatellite() {

@@ -83,6 +83,10 @@ void StationTest::aStationAtZeroIsUnknown_data() {
                                            << "00000.00E" << false;
     QTest::newRow("at both") << "0000.00S"
                              << "00000.00W" << false;
+    QTest::newRow("beyond the pole") << "9500.00N"
+                                     << "00030.00W" << false;
+    QTest::newRow("beyond the date line") << "5130.00N"
+                                          << "18100.00E" << false;
     QTest::newRow("a hundredth of a minute off") << "0000.01S"
                                                  << "00000.01W" << true;
     QTest::newRow("south pole on the date line") << "9000.00S"

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void modelAgreesWithItself();
     void viewsHearOfChangesOnceATurn();
     void tipIsTheLabelOfTheValue();
+    void labelsNameTheMonthAsTheLocaleDoes();
     void tipIsEmptyOverHeaderAndNames();
     void tipStaysWhileTheMouseStays();
     void tipCellIsSharedByTheGrids();
@@ -165,6 +166,19 @@ void TelemetryGridTest::tipIsTheLabelOfTheValue() {
     QCOMPARE(cell.MouseMove(grid, 1, 1), QStringLiteral("T#1  2002-Mar-05 00:00"));
     QCOMPARE(cell.MouseMove(grid, 1, 2), QStringLiteral("T#2  2002-Mar-05 00:00"));
     QCOMPARE(cell.MouseMove(grid, 2, 2), QString()); // never set
+}
+
+void TelemetryGridTest::labelsNameTheMonthAsTheLocaleDoes() {
+    const QLocale before;
+    for (const char* name : {"fi", "ja", "en_GB"}) {
+        const QLocale locale(QString::fromLatin1(name));
+        QLocale::setDefault(locale);
+        TelemetryGrid grid(1);
+        grid.SetValue(1, 0, 1.0, {"T#1", DateOf(2002, 9, 5)});
+        QCOMPARE(grid.index(0, TelemetryGrid::LabelA).data().toString(),
+                 QStringLiteral("T#1  2002-%1-05 00:00").arg(locale.monthName(9, QLocale::ShortFormat)));
+    }
+    QLocale::setDefault(before);
 }
 
 void TelemetryGridTest::tipIsEmptyOverHeaderAndNames() {

@@ -26,8 +26,7 @@ public:
     QList<Entry> Entries(const QString& section) const;
 
     /// Line ends in names and values become blanks. A name that a line cannot carry (an empty key, "=" in a
-    /// key,
-    /// ";" or "[" at its start, "]" in a section) is not written.
+    /// key, ";" or "[" at its start, "]" in a section) is not written.
     void SetValue(const QString& section, const QString& key, const QString& value);
 
     /// Afterwards the section or key is absent, however often it stood in the text.

@@ -52,7 +52,8 @@ CalendarRecord ToCalendar(DateTime datT) {
             .milliseconds = 0};
 }
 
-QString FormatDateTime(DateTime datT, QStringView form) {
+QString FormatDateTime(DateTime datT, QStringView form, MonthNames names) {
+    const QLocale locale = names == MonthNames::English ? QLocale::c() : QLocale();
     const CalendarRecord time = ToCalendar(datT);
     QString text;
     for (qsizetype i = 0; i < form.size();) {
@@ -61,7 +62,7 @@ QString FormatDateTime(DateTime datT, QStringView form) {
             text += Digits(time.year, 4);
             i += 4;
         } else if (rest.startsWith(u"mmm")) {
-            text += QLocale().monthName(time.month, QLocale::ShortFormat);
+            text += locale.monthName(time.month, QLocale::ShortFormat);
             i += 3;
         } else if (rest.startsWith(u"mm") || rest.startsWith(u"dd") || rest.startsWith(u"hh") ||
                    rest.startsWith(u"nn") || rest.startsWith(u"ss")) {

@@ -30,7 +30,9 @@ DateTime FromCalendar(const CalendarRecord& record);
 /// 9999) is taken apart as 1899-12-30 00:00.
 CalendarRecord ToCalendar(DateTime datT);
 
-/// `datT` to the nearest second in the given form: "yyyy", "mmm" (month's short name in the user's language),
-/// "mm", "dd", "hh" (0 to 23), "nn" (minutes) and "ss" are replaced, "\" quotes the next character, the rest
-/// stands as is.
-QString FormatDateTime(DateTime datT, QStringView form);
+/// Whose short names of months: the user's language's, which differ in length, or the three English letters.
+enum class MonthNames { OfLocale, English };
+
+/// `datT` to the nearest second in the given form: "yyyy", "mmm" (the month's short name), "mm", "dd", "hh"
+/// (0 to 23), "nn" (minutes) and "ss" are replaced, "\" quotes the next character, the rest stands as is.
+QString FormatDateTime(DateTime datT, QStringView form, MonthNames names = MonthNames::OfLocale);

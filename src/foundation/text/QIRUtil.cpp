@@ -3,6 +3,7 @@
 #include "foundation/text/Text.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace QIRUtil {
 namespace {
@@ -19,13 +20,17 @@ bool IsValidSsid(QStringView ssid) {
            Text::LeadingNumber(ssid) <= 15;
 }
 
-double ToDegrees(QStringView text, qsizetype degreeDigits, QChar positive, QChar negative) {
+// Nothing beyond `limit`.
+std::optional<double> ToDegrees(QStringView text, qsizetype degreeDigits, QChar positive, QChar negative,
+                                double limit) {
     if (text.isEmpty() || (text.back() != positive && text.back() != negative))
         return 0.0;
     const double degrees = Text::LeadingNumber(text.first(std::min(degreeDigits, text.size())));
     const double minutes =
         text.size() > degreeDigits ? Text::LeadingNumber(text.sliced(degreeDigits).left(5)) : 0.0;
     const double result = degrees + minutes / 60.0;
+    if (!(std::abs(result) <= limit))
+        return std::nullopt;
     return text.back() == negative ? -result : result;
 }
 
@@ -58,12 +63,20 @@ std::optional<QChar> DigitCharacter(QChar entered) {
     return IsDigit(entered) ? std::optional(entered) : std::nullopt;
 }
 
+std::optional<double> LatOnGlobe(QStringView latitude) {
+    return ToDegrees(latitude, 2, u'N', u'S', 90.0);
+}
+
+std::optional<double> LongOnGlobe(QStringView longitude) {
+    return ToDegrees(longitude, 3, u'E', u'W', 180.0);
+}
+
 double LatToDegrees(QStringView latitude) {
-    return ToDegrees(latitude, 2, u'N', u'S');
+    return LatOnGlobe(latitude).value_or(0.0);
 }
 
 double LongToDegrees(QStringView longitude) {
-    return ToDegrees(longitude, 3, u'E', u'W');
+    return LongOnGlobe(longitude).value_or(0.0);
 }
 
 } // namespace QIRUtil

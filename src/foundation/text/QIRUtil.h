@@ -21,10 +21,22 @@ std::optional<QChar> CallsignCharacter(QChar entered);
 /// `entered` where it is one of "0" to "9", nothing otherwise.
 std::optional<QChar> DigitCharacter(QChar entered);
 
-/// Degrees, north positive, of a latitude "DDMM.MMH" (H is "N" or "S"); 0 for any other text.
+/// Degrees, north positive, of a latitude "DDMM.MMH" (H is "N" or "S"); 0 for any other text, and for what
+/// lies beyond a pole.
 double LatToDegrees(QStringView latitude);
 
-/// Degrees, east positive, of a longitude "DDDMM.MMH" (H is "E" or "W"); 0 for any other text.
+/// Degrees, east positive, of a longitude "DDDMM.MMH" (H is "E" or "W"); 0 for any other text, and for what
+/// lies beyond 180 degrees.
 double LongToDegrees(QStringView longitude);
+
+/// The same, with nothing in the place of the 0 for what lies beyond.
+std::optional<double> LatOnGlobe(QStringView latitude);
+std::optional<double> LongOnGlobe(QStringView longitude);
+
+/// Whether these degrees are a station's place. 0 stands for a latitude or longitude that is not known, so a
+/// station exactly on the equator or on the prime meridian counts as unknown.
+constexpr bool IsPositionKnown(double latitude, double longitude) {
+    return latitude != 0.0 && longitude != 0.0;
+}
 
 } // namespace QIRUtil

@@ -1,44 +1,24 @@
 #pragma once
 
-#include "orbit/elements/Elements.h"
+#include "orbit/elements/ElementRecord.h"
 
-#include <functional>
-#include <istream>
+#include <optional>
 #include <string>
-#include <string_view>
+#include <vector>
 
 namespace orbitmath {
 
-/// Finds the two-line sets in a file, a piece at a time: whatever the file holds, memory stays bounded.
-class ElementFile {
-public:
-    using Found = std::function<void(const Elements& elements, std::string_view name)>;
+/// The names of the element files of a folder, in the file system's order: its regular files, whatever they
+/// are called, but for hidden ones (whose names begin with a point). Links count as what they lead to; a pipe
+/// or a device would never end. Nothing when `folder` cannot be read.
+std::optional<std::vector<std::string>> ElementFilesIn(const std::string& folder);
 
-    explicit ElementFile(Found found)
-        : m_found(std::move(found)) {}
+/// Hands over what an element file holds, object by object, until `take` answers false. This is the one
+/// reader of element files: whoever names an object and whoever tracks it see the same records. A file that
+/// cannot be read has none.
+void ReadElementFile(const std::string& path, const TakeRecord& take);
 
-    /// Reads to the end. A file whose first piece holds a zero byte is no text, and left at once.
-    void Read(std::istream& file);
-
-    /// Sets that were passed over; where and why the first one was.
-    std::size_t DamagedCount() const { return m_damaged; }
-    std::size_t FirstDamagedLine() const { return m_firstDamagedLine; }
-    std::string_view FirstFault() const { return m_firstFault; }
-
-private:
-    void TakeLine(std::string_view line);
-    void TakeName(std::string_view line);
-    void MissSecondLine();
-    void Damaged(std::size_t line, std::string_view why);
-
-    Found m_found;
-    std::size_t m_line = 0;
-    std::string m_name;
-    std::string m_line1; ///< waiting for its line 2
-    std::size_t m_line1Number = 0;
-    std::size_t m_damaged = 0;
-    std::size_t m_firstDamagedLine = 0;
-    std::string_view m_firstFault;
-};
+/// "line 5, column 69: the checksum is wrong": where in its file a record is at fault, and what it is.
+std::string FaultText(std::size_t line, const ElementFault& fault);
 
 } // namespace orbitmath

@@ -1,10 +1,10 @@
 #include "orbit/elements/ElementFolder.h"
 
 #include "orbit/elements/ElementFile.h"
+#include "orbit/elements/Lines.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 namespace orbitmath {
 
@@ -21,79 +21,61 @@ std::string UpperCase(std::string_view text) {
     return upper;
 }
 
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
+/// The damaged sets of a file: where and why the first one was refused, and how many there are.
+struct Damage {
+    std::string first;
+    std::size_t count = 0;
+};
 
-/// The names of the regular files in a folder, in order. Links count as what they lead to; a pipe or a device
-/// would never end.
-std::optional<std::vector<std::string>> FilesIn(const fs::path& folder) {
-    std::error_code error;
-    fs::directory_iterator entry(folder, error);
-    if (error)
-        return {};
-    std::vector<std::string> names;
-    for (const fs::directory_iterator end; entry != end; entry.increment(error)) {
-        std::error_code unknown;
-        if (entry->is_regular_file(unknown))
-            names.push_back(entry->path().filename().string());
-        if (error)
-            break;
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-void ReportDamage(const ElementFile& file, const fs::path& path, const ElementFolder::Report& report) {
-    if (file.DamagedCount() == 0 || !report)
+void ReportDamage(const Damage& damage, const fs::path& path, const ElementFolder::Report& report) {
+    if (damage.count == 0 || !report)
         return;
-    std::string line = path.string() + ", line " + std::to_string(file.FirstDamagedLine()) + ": " +
-                       std::string(file.FirstFault()) + "; element set passed over";
-    if (file.DamagedCount() > 1)
-        line += ", and " + std::to_string(file.DamagedCount() - 1) + " more in this file";
+    std::string line = path.string() + ", " + damage.first + "; element set passed over";
+    if (damage.count > 1)
+        line += ", and " + std::to_string(damage.count - 1) + " more in this file";
     report(line);
 }
 
 } // namespace
 
 std::optional<ElementFolder> ElementFolder::Read(const std::string& path, const Report& report) {
-    const std::optional<std::vector<std::string>> files = path.empty() ? std::nullopt : FilesIn(path);
+    std::optional<std::vector<std::string>> files = ElementFilesIn(path);
     if (!files)
         return {};
+    std::sort(files->begin(), files->end()); // of equal epochs, which one counts does not change
     ElementFolder folder;
-    folder.m_files = *files;
-    for (std::size_t k = 0; k < files->size(); ++k) {
-        const fs::path file = fs::path(path) / files->at(k);
-        std::ifstream stream(file, std::ios::binary);
-        ElementFile reader(
-            [&](const Elements& elements, std::string_view name) { folder.Add(elements, name, k); });
-        reader.Read(stream);
-        ReportDamage(reader, file, report);
+    folder.m_files = std::move(*files);
+    for (std::size_t k = 0; k < folder.m_files.size(); ++k) {
+        const fs::path file = fs::path(path) / folder.m_files[k];
+        Damage damage;
+        ReadElementFile(file.string(), [&](const ElementRecord& record) {
+            if (const auto* elements = std::get_if<Elements>(&record.content))
+                folder.Add(record, *elements, k);
+            else if (record.isMeant && damage.count++ == 0)
+                damage.first = FaultText(record.line, std::get<ElementFault>(record.content));
+            return true;
+        });
+        ReportDamage(damage, file, report);
     }
     folder.IndexNames();
     return folder;
 }
 
-void ElementFolder::Add(const Elements& elements, std::string_view name, std::size_t file) {
+void ElementFolder::Add(const ElementRecord& record, const Elements& elements, std::size_t file) {
     const auto [place, isNew] = m_byNumber.try_emplace(elements.number, m_sets.size());
     if (isNew) {
-        m_sets.push_back({elements, std::string(name), file});
+        m_sets.push_back({elements, std::string(record.name), file, record.line, record.format});
         return;
     }
     ElementSet& known = m_sets[place->second];
     const bool newer = elements.epochUtc > known.elements.epochUtc;
-    if (newer) {
-        known.elements = elements;
-        known.file = file;
-    }
-    if (!name.empty() && (newer || known.name.empty()))
-        known.name = name;
+    const bool isNamed = !record.name.empty() && (newer || known.name.empty());
+    std::string name = isNamed ? std::string(record.name) : std::move(known.name);
+    if (newer)
+        known = {elements, {}, file, record.line, record.format};
+    known.name = std::move(name);
 }
 
-/// Of two objects with the same name, the one with the newer elements gets it.
 void ElementFolder::IndexNames() {
     m_byName.reserve(m_sets.size());
     for (std::size_t k = 0; k < m_sets.size(); ++k) {

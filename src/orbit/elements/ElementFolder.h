@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orbit/elements/Elements.h"
+#include "orbit/elements/ElementRecord.h"
 
 #include <functional>
 #include <optional>
@@ -14,20 +14,22 @@ namespace orbitmath {
 /// One object of a folder: its newest elements and where they stand.
 struct ElementSet {
     Elements elements;
-    std::string name;     ///< the name line, trimmed, without a leading "0 "; empty when no set has one
+    std::string name;     ///< see ElementRecord; empty when no set has one
     std::size_t file = 0; ///< see ElementFolder::FileOf
+    std::size_t line = 0; ///< of that file, where the elements begin
+    ElementFormat format = ElementFormat::TwoLines;
 };
 
-/// The two-line sets of a folder's files: lines ending in LF or CR LF, blank lines and trailing blanks
-/// between them, a name line before each or none. Every regular file is read, whatever its name; files below
-/// in other folders are not.
+/// The elements in a folder's files, as ReadElementFile finds them; files below in other folders are not
+/// read.
 ///
 /// Damaged sets are passed over and hide no good set of the same object. Of several good sets of an object
 /// the one with the newest epoch counts. What is no text at all is passed over file by file. Memory depends
 /// on the number of different objects alone.
 class ElementFolder {
 public:
-    /// Gets a line for each file that holds damaged sets: the file, the line, why, and how many more.
+    /// Gets a line for each file that holds damaged sets: the file, the line and column of the first one, why
+    /// it was passed over, and how many more there are.
     using Report = std::function<void(const std::string& line)>;
 
     ElementFolder() = default;
@@ -45,7 +47,7 @@ public:
     std::size_t Count() const { return m_sets.size(); }
 
 private:
-    void Add(const Elements& elements, std::string_view name, std::size_t file);
+    void Add(const ElementRecord& record, const Elements& elements, std::size_t file);
     void IndexNames();
 
     std::vector<std::string> m_files;

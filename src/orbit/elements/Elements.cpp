@@ -113,15 +113,6 @@ bool ChecksumIsRight(std::string_view line) {
     return line[lineLength - 1] == static_cast<char>('0' + sum % 10);
 }
 
-/// Whether the columns between the fields are blank.
-bool ColumnsAreBlank(std::string_view line, std::initializer_list<std::size_t> columns) {
-    for (const std::size_t column : columns) {
-        if (line[column - 1] != ' ')
-            return false;
-    }
-    return true;
-}
-
 /// Days from 1899-12-30 to January 0 of a year from 1957 to 2056. Every fourth of these years is a leap year.
 int DaysToYear(int year) {
     return 365 * (year - 1900) + (year - 1901) / 4 + 1;
@@ -140,32 +131,89 @@ std::optional<double> Epoch(std::string_view yearField, std::string_view dayFiel
     return DaysToYear(year) + *day;
 }
 
-std::optional<double> AngleUpTo(std::string_view field, double greatestDegrees) {
-    const std::optional<double> degrees = Decimal(field);
-    if (!degrees || !(*degrees >= 0 && *degrees <= greatestDegrees))
-        return {};
-    return *degrees * radiansPerDegree;
+/// What is wrong with line `number` of a set as a whole; nothing when its fields can be read. `separators`
+/// are the columns between them.
+std::optional<ElementFault> FaultOfLine(std::string_view line, int number,
+                                        std::initializer_list<std::size_t> separators) {
+    const auto fault = [&](std::size_t column, std::string_view what) {
+        return ElementFault{.line = number, .column = column, .what = what};
+    };
+    if (line.size() < lineLength)
+        return fault(line.size() + 1, "the line is too short");
+    if (line.size() > lineLength)
+        return fault(lineLength + 1, "the line is too long");
+    for (std::size_t column = 1; column <= lineLength; ++column) {
+        if (line[column - 1] < ' ' || line[column - 1] > '~')
+            return fault(column, "a character that is no text");
+    }
+    if (line[0] != '0' + number)
+        return fault(1, "the line does not begin with its number");
+    if (!IsDigit(line[lineLength - 1]))
+        return fault(lineLength, "the checksum is no digit");
+    if (!ChecksumIsRight(line))
+        return fault(lineLength, "the checksum is wrong");
+    for (const std::size_t column : separators) {
+        if (line[column - 1] != ' ')
+            return fault(column, "the column between two fields is not blank");
+    }
+    return {};
 }
 
-std::string_view FaultOfLine(std::string_view line, char number) {
-    if (line.size() != lineLength)
-        return line.size() < lineLength ? "a line is too short" : "a line is too long";
-    for (const char c : line) {
-        if (c < ' ' || c > '~')
-            return "a line holds characters that are no text";
+/// Line 1 but for its number.
+std::optional<ElementFault> ReadLine1(std::string_view line, Elements& elements) {
+    const std::optional<double> epoch = Epoch(Columns(line, 19, 20), Columns(line, 21, 32));
+    if (!epoch)
+        return ElementFault{.line = 1, .column = 19, .what = "the epoch is no date"};
+    if (!Decimal(Columns(line, 34, 43)))
+        return ElementFault{.line = 1, .column = 34, .what = "the first derivative is no number"};
+    if (!ExponentForm(Columns(line, 45, 52)))
+        return ElementFault{.line = 1, .column = 45, .what = "the second derivative is no number"};
+    const std::optional<double> bstar = ExponentForm(Columns(line, 54, 61));
+    if (!bstar)
+        return ElementFault{.line = 1, .column = 54, .what = "the drag term is no number"};
+    elements.epochUtc = *epoch;
+    elements.bstar = *bstar;
+    return {};
+}
+
+/// Line 2 but for its number.
+std::optional<ElementFault> ReadLine2(std::string_view line, Elements& elements) {
+    const struct {
+        std::size_t first; // column
+        double greatest;   // degrees
+        double* element;
+        std::string_view fault;
+    } angles[] = {
+        {9, 180, &elements.inclination, "the inclination is no angle from 0 to 180 degrees"},
+        {18, 360, &elements.node, "the ascending node is no angle from 0 to 360 degrees"},
+        {35, 360, &elements.argumentOfPerigee, "the argument of perigee is no angle from 0 to 360 degrees"},
+        {44, 360, &elements.meanAnomaly, "the mean anomaly is no angle from 0 to 360 degrees"},
+    };
+    for (const auto& angle : angles) {
+        const std::optional<double> degrees = Decimal(Columns(line, angle.first, angle.first + 7));
+        if (!degrees || !(*degrees >= 0 && *degrees <= angle.greatest))
+            return ElementFault{.line = 2, .column = angle.first, .what = angle.fault};
+        *angle.element = *degrees * radiansPerDegree;
     }
-    if (line[0] != number || !IsDigit(line[lineLength - 1]))
-        return "wrong columns";
-    if (!ChecksumIsRight(line))
-        return "a checksum is wrong";
+    const std::string_view eccentricityDigits = Columns(line, 27, 33);
+    const std::optional<double> eccentricity = Decimal(eccentricityDigits);
+    if (!eccentricity || eccentricityDigits.find_first_of("+-.") != std::string_view::npos)
+        return ElementFault{.line = 2, .column = 27, .what = "the eccentricity is no number"};
+    const std::optional<double> revolutions = Decimal(Columns(line, 53, 63));
+    constexpr double mostRevolutions = 20; // a day; the surface itself is passed 17 times
+    if (!revolutions || !(*revolutions > 0 && *revolutions < mostRevolutions))
+        return ElementFault{.line = 2, .column = 53, .what = "the mean motion is no number or cannot be"};
+    elements.eccentricity = *eccentricity / 1e7;
+    elements.meanMotion = *revolutions / (minutesPerDay / twoPi);
     return {};
 }
 
 } // namespace
 
 std::optional<std::uint32_t> CatalogueNumber(std::string_view text) {
+    constexpr std::size_t mostDigits = 9;
     text = WithoutBlanks(text);
-    if (text.empty() || text.size() > 6)
+    if (text.empty() || text.size() > mostDigits)
         return {};
     std::uint32_t number = 0;
     const char first = text.front();
@@ -185,49 +233,22 @@ std::optional<std::uint32_t> CatalogueNumber(std::string_view text) {
     return number;
 }
 
-std::variant<Elements, std::string_view> ReadElements(std::string_view line1, std::string_view line2) {
-    if (const std::string_view fault = FaultOfLine(line1, '1'); !fault.empty())
-        return fault;
-    if (const std::string_view fault = FaultOfLine(line2, '2'); !fault.empty())
-        return fault;
-    if (!ColumnsAreBlank(line1, {2, 9, 18, 33, 44, 53, 62, 64}) ||
-        !ColumnsAreBlank(line2, {2, 8, 17, 26, 34, 43, 52}))
-        return std::string_view("wrong columns");
-
+std::variant<Elements, ElementFault> ReadElements(std::string_view line1, std::string_view line2) {
+    if (const auto fault = FaultOfLine(line1, 1, {2, 9, 18, 33, 44, 53, 62, 64}))
+        return *fault;
+    if (const auto fault = FaultOfLine(line2, 2, {2, 8, 17, 26, 34, 43, 52}))
+        return *fault;
     const std::optional<std::uint32_t> number = CatalogueNumber(Columns(line1, 3, 7));
-    if (!number || number != CatalogueNumber(Columns(line2, 3, 7)))
-        return std::string_view("the catalogue numbers are none or differ");
-    const std::optional<double> epoch = Epoch(Columns(line1, 19, 20), Columns(line1, 21, 32));
-    if (!epoch)
-        return std::string_view("the epoch is no date");
-    const std::optional<double> bstar = ExponentForm(Columns(line1, 54, 61));
-    if (!bstar || !Decimal(Columns(line1, 34, 43)) || !ExponentForm(Columns(line1, 45, 52)))
-        return std::string_view("a drag term is no number");
-    const std::optional<double> inclination = AngleUpTo(Columns(line2, 9, 16), 180);
-    const std::optional<double> node = AngleUpTo(Columns(line2, 18, 25), 360);
-    const std::optional<double> perigee = AngleUpTo(Columns(line2, 35, 42), 360);
-    const std::optional<double> anomaly = AngleUpTo(Columns(line2, 44, 51), 360);
-    if (!inclination || !node || !perigee || !anomaly)
-        return std::string_view("an angle is no number or out of its range");
-    const std::string_view eccentricityDigits = Columns(line2, 27, 33);
-    const std::optional<double> eccentricity = Decimal(eccentricityDigits);
-    if (!eccentricity || eccentricityDigits.find_first_of("+-.") != std::string_view::npos)
-        return std::string_view("the eccentricity is no number");
-    const std::optional<double> revolutions = Decimal(Columns(line2, 53, 63));
-    constexpr double mostRevolutions = 20; // a day; the surface itself is passed 17 times
-    if (!revolutions || !(*revolutions > 0 && *revolutions < mostRevolutions))
-        return std::string_view("the mean motion is no number or cannot be");
-
+    if (!number)
+        return ElementFault{.line = 1, .column = 3, .what = "the catalogue number is none"};
+    if (number != CatalogueNumber(Columns(line2, 3, 7)))
+        return ElementFault{.line = 2, .column = 3, .what = "the catalogue number is not that of line 1"};
     Elements elements;
     elements.number = *number;
-    elements.epochUtc = *epoch;
-    elements.inclination = *inclination;
-    elements.node = *node;
-    elements.eccentricity = *eccentricity / 1e7;
-    elements.argumentOfPerigee = *perigee;
-    elements.meanAnomaly = *anomaly;
-    elements.meanMotion = *revolutions / (1440 / twoPi);
-    elements.bstar = *bstar;
+    if (const auto fault = ReadLine1(line1, elements))
+        return *fault;
+    if (const auto fault = ReadLine2(line2, elements))
+        return *fault;
     return elements;
 }
 

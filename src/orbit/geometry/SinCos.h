@@ -9,6 +9,9 @@ constexpr double pi = std::numbers::pi;
 constexpr double twoPi = 2 * std::numbers::pi;
 constexpr double radiansPerDegree = std::numbers::pi / 180;
 
+constexpr double minutesPerDay = 1440;
+constexpr double secondsPerDay = 86400;
+
 /// An angle, known by its sine and cosine.
 struct SinCos {
     double sin = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <optional>
 
 namespace MapGeometry {
@@ -25,49 +26,34 @@ double Wrapped(double longitude) {
     return std::remainder(longitude, 360.0);
 }
 
-double Interpolate(double from, double to, double part) {
-    return from + (to - from) * part;
-}
+// What becomes of a line that lies beyond the left or right edge of the map.
+enum class Beyond { ComesIn, IsLeftAway };
 
-// Puts lines onto the map. They may run on past its edges: longitudes beyond 180, latitudes beyond a pole.
+// Puts lines onto the map. They may run on past its edges: longitudes beyond 180 are cut there, latitudes
+// beyond a pole stay as they are.
 class Folder {
 public:
     void Move() { Close(); }
 
-    void LineTo(const GeoPoint& to) {
+    void LineTo(const GeoPoint& to, Beyond beyond = Beyond::ComesIn) {
         if (!m_last) {
             m_last = to;
             return;
         }
         const GeoPoint from = *m_last;
         m_last = to;
-        // Where the line crosses the edges of the tiles into which the map repeats, in order along it.
-        std::array<double, 6> cuts{};
-        std::size_t count = 0;
-        const auto cutAt = [&](double edge, double a, double b) {
-            if (!((a < edge && b > edge) || (a > edge && b < edge)))
-                return;
-            cuts[count] = (edge - a) / (b - a);
-            for (std::size_t i = count++; i > 0 && cuts[i - 1] > cuts[i]; --i)
-                std::swap(cuts[i - 1], cuts[i]);
-        };
-        const auto cutAtMeridian = [&](double meridian) {
-            const double low = std::min(from.longitude, to.longitude);
-            const double edge = std::ceil((low - meridian) / 360.0) * 360.0 + meridian;
-            cutAt(edge, from.longitude, to.longitude);
-            cutAt(edge + 360.0, from.longitude, to.longitude);
-        };
-        cutAtMeridian(180.0);
-        if (std::max(std::abs(from.latitude), std::abs(to.latitude)) > 90.0)
-            cutAtMeridian(0.0); // beyond a pole this is longitude 180
-        cutAt(90.0, from.latitude, to.latitude);
-        cutAt(-90.0, from.latitude, to.latitude);
-        double done = 0.0;
-        for (std::size_t i = 0; i <= count; ++i) {
-            const double next = i < count ? cuts[i] : 1.0;
-            Add(Between(from, to, done), Between(from, to, next), Between(from, to, (done + next) / 2.0));
-            done = next;
+        // The edge of the tiles into which the map repeats that the line may cross: it is shorter than a tile
+        // is wide.
+        const auto [west, east] = std::minmax(from.longitude, to.longitude);
+        const double edge = std::ceil((west - 180.0) / 360.0) * 360.0 + 180.0;
+        if (!(edge > west && edge < east)) {
+            Add(from, to, beyond);
+            return;
         }
+        const double part = (edge - from.longitude) / (to.longitude - from.longitude);
+        const GeoPoint cut{edge, std::lerp(from.latitude, to.latitude, part)};
+        Add(from, cut, beyond);
+        Add(cut, to, beyond);
     }
 
     std::vector<Piece> Take() {
@@ -76,20 +62,16 @@ public:
     }
 
 private:
-    static GeoPoint Between(const GeoPoint& a, const GeoPoint& b, double part) {
-        return {Interpolate(a.longitude, b.longitude, part), Interpolate(a.latitude, b.latitude, part)};
-    }
-
-    // A line that lies inside one tile, the one in which `middle` is.
-    void Add(const GeoPoint& from, const GeoPoint& to, const GeoPoint& middle) {
-        const bool over = std::abs(middle.latitude) > 90.0;
-        const double turn = over ? 180.0 : 0.0;
-        const double shift = turn - std::round((middle.longitude + turn) / 360.0) * 360.0;
+    // A line that lies inside one tile.
+    void Add(const GeoPoint& from, const GeoPoint& to, Beyond beyond) {
+        const double middle = std::midpoint(from.longitude, to.longitude);
+        const double shift = -std::round(middle / 360.0) * 360.0;
+        if (shift != 0.0 && beyond == Beyond::IsLeftAway) {
+            Store();
+            return;
+        }
         const auto place = [&](const GeoPoint& point) {
-            const double latitude =
-                over ? std::copysign(180.0, middle.latitude) - point.latitude : point.latitude;
-            return GeoPoint{std::clamp(point.longitude + shift, -180.0, 180.0),
-                            std::clamp(latitude, -90.0, 90.0)};
+            return GeoPoint{std::clamp(point.longitude + shift, -180.0, 180.0), point.latitude};
         };
         const GeoPoint start = place(from);
         const GeoPoint end = place(to);
@@ -116,69 +98,6 @@ private:
     Piece m_piece;
     std::vector<Piece> m_pieces;
 };
-
-// The footprint's ellipse around a place, in degrees; x is walked before it is widened.
-struct Ellipse {
-    double latitude;
-    double radius;
-    double cosine;
-
-    // The point at `x` on the upper (+1) or lower (-1) half, its longitude counted from the satellite's.
-    GeoPoint At(double x, double half) const {
-        return {x / cosine, latitude + half * std::sqrt(std::max(radius * radius - x * x, 0.0))};
-    }
-
-    bool Contains(double offset, double pointLatitude) const {
-        const double x = offset * cosine;
-        const double y = pointLatitude - latitude;
-        return x * x + y * y < radius * radius * (1.0 - 1e-9);
-    }
-
-    // Whether the other way of naming the same place, over a pole, lies outside. No point is farther than
-    // half a turn away.
-    bool IsOutline(const GeoPoint& point) const {
-        const double across = point.longitude - std::copysign(180.0, point.longitude);
-        return !Contains(across, 180.0 - point.latitude) && !Contains(across, -180.0 - point.latitude);
-    }
-
-    bool MeetsItself() const { return radius > 180.0 * cosine || std::abs(latitude) + radius > 90.0; }
-};
-
-// Walks one half of an ellipse and hands its outline to `folder`.
-void WalkHalf(Folder& folder, const Ellipse& ellipse, double longitude, double half, int steps) {
-    const double reach = std::min(ellipse.radius, 180.0 * ellipse.cosine);
-    const bool mayHide = ellipse.MeetsItself();
-    const auto pointAt = [&](double x) { return ellipse.At(x, half); };
-    const auto lineTo = [&](const GeoPoint& point) {
-        folder.LineTo({longitude + point.longitude, point.latitude});
-    };
-    const auto isOutline = [&](double x) { return !mayHide || ellipse.IsOutline(pointAt(x)); };
-    // Between an outline point and a hidden one: where the outline ends.
-    const auto endOfOutline = [&](double outline, double hidden) {
-        for (int i = 0; i < 40; ++i) {
-            const double middle = (outline + hidden) / 2.0;
-            (isOutline(middle) ? outline : hidden) = middle;
-        }
-        return pointAt(outline);
-    };
-    folder.Move();
-    double previousX = -reach;
-    bool previous = false;
-    for (int i = 0; i <= steps; ++i) {
-        const double x = reach * (2 * i - steps) / steps; // exactly symmetrical
-        const bool outline = isOutline(x);
-        if (outline && !previous && i > 0)
-            lineTo(endOfOutline(x, previousX));
-        if (outline)
-            lineTo(pointAt(x));
-        if (!outline && previous) {
-            lineTo(endOfOutline(previousX, x));
-            folder.Move();
-        }
-        previous = outline;
-        previousX = x;
-    }
-}
 
 } // namespace
 
@@ -209,16 +128,28 @@ std::vector<Piece> Footprint(const GeoPoint& satellite, double altitude, const M
     const double radius = FootprintRadius(altitude);
     if (!(radius > 0.0) || !std::isfinite(satellite.longitude) || !(std::abs(satellite.latitude) <= 90.0))
         return {};
-    const Ellipse ellipse{.latitude = satellite.latitude,
-                          .radius = radius,
-                          .cosine = std::max(std::cos(satellite.latitude * degree), leastCosine)};
-    const double reach = std::min(radius, 180.0 * ellipse.cosine);
+    const double cosine = std::max(std::cos(satellite.latitude * degree), leastCosine);
+    const double centre = Wrapped(satellite.longitude);
+    // A pixel is as high as it is wide: in a picture that is not twice as wide as high, degrees are not.
+    const double heightPerWidth = size.width / (2.0 * size.height);
+    const double reach = std::min(radius, 360.0 * cosine); // farther, nothing comes to lie on the map
     const double pixels = reach / 360.0 * size.width;
     const int steps =
         std::clamp(static_cast<int>(std::min(std::ceil(4.0 * pixels), 1e6)), fewestSteps, mostSteps);
     Folder folder;
-    WalkHalf(folder, ellipse, satellite.longitude, 1.0, steps);
-    WalkHalf(folder, ellipse, satellite.longitude, -1.0, steps);
+    for (const double half : {1.0, -1.0}) {
+        folder.Move();
+        double previous = 0.0;
+        for (int i = 0; i <= steps; ++i) {
+            const double x = reach * (2 * i - steps) / steps; // exactly symmetrical
+            const double y = std::sqrt(std::max(radius * radius - x * x, 0.0)) * heightPerWidth;
+            const double offset = x / cosine;
+            const bool isNear = std::abs(previous + offset) <= 360.0; // the line's middle, half a turn
+            folder.LineTo({centre + offset, satellite.latitude + half * y},
+                          isNear ? Beyond::ComesIn : Beyond::IsLeftAway);
+            previous = offset;
+        }
+    }
     return folder.Take();
 }
 

@@ -26,7 +26,8 @@ struct MapSize {
     double height = 0;
 };
 
-/// Points that are joined by lines; every one lies on the map.
+/// Points that are joined by lines. Their longitudes lie on the map; what lies beyond its upper or lower edge
+/// the picture clips.
 using Piece = std::vector<GeoPoint>;
 
 PixelPoint ToPixel(const GeoPoint& point, const MapSize& size);
@@ -40,13 +41,13 @@ std::vector<Piece> TrackPieces(std::span<const GeoPoint> track);
 /// more above the horizon; 0 when there is none.
 double FootprintRadius(double altitude);
 
-/// The outline of the footprint around a satellite. In a picture of `size` pixels it is an ellipse, in steps
-/// of at most half a pixel across before it is widened by 1 / cos(latitude), the cosine held at no less than
-/// 0.001.
+/// The outline of the footprint around a satellite, whose `altitude` is in km. In a picture of `size` pixels
+/// it is a circle, in steps of at most half a pixel across, widened by 1 / cos(latitude), the cosine held at
+/// no less than 0.001.
 ///
-/// What runs past the left or right edge comes in at the other side; what runs over a pole comes down beyond
-/// it. Where the curve so meets its own inside, that part is no outline and left away. The outline is closed
-/// on the earth: each piece ends where another one begins.
+/// It runs on beyond the upper and lower edge as it stands. What runs past the left or right edge comes in at
+/// the other side as long as it lies within half a turn of the satellite: farther round, close to a pole, it
+/// would only cross itself.
 std::vector<Piece> Footprint(const GeoPoint& satellite, double altitude, const MapSize& size);
 
 /// The lines of the mark that shows a satellite, in pixels around its place: they reach 3 and 6 pixels far.

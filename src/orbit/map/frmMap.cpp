@@ -25,13 +25,50 @@ namespace {
 // A picture beyond this is no map that a screen could show.
 constexpr int mostPixels = 16384;
 
-// Whether a GIF lacks its end mark, which some programs follow with a few bytes more. Such a picture would
-// load, and show nothing for what is missing.
+// The number of bytes of the colour table that a GIF's packed field tells of.
+qint64 ColourTableSize(char packed) {
+    constexpr int hasTable = 0x80;
+    constexpr int sizeBits = 0x07;
+    constexpr qint64 bytesPerColour = 3;
+    return (packed & hasTable) != 0 ? bytesPerColour << ((packed & sizeBits) + 1) : 0;
+}
+
+// Goes over a chain of GIF data blocks; false when the file ends within it.
+bool SkipBlocks(QFile& file) {
+    for (char length = 0; file.getChar(&length);) {
+        if (length == 0)
+            return true;
+        file.skip(static_cast<unsigned char>(length));
+    }
+    return false;
+}
+
+// Whether a GIF ends within its picture. It would load, and show nothing for what is missing.
 bool IsCutOff(const QString& path) {
-    constexpr qint64 tail = 16;
+    constexpr char extension = 0x21;
+    constexpr char image = 0x2C;
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) && file.read(4) == "GIF8" &&
-           file.seek(std::max(file.size() - tail, 0LL)) && !file.read(tail).contains(';');
+    if (!file.open(QIODevice::ReadOnly) || !file.read(6).startsWith("GIF8"))
+        return false;
+    constexpr qint64 screenSize =
+        7; // of its description, and that of the picture; where the packed field stands
+    constexpr qint64 screenPacked = 4;
+    constexpr qint64 imageSize = 9;
+    constexpr qint64 imagePacked = 8;
+    const QByteArray screen = file.read(screenSize);
+    if (screen.size() < screenSize)
+        return true;
+    file.skip(ColourTableSize(screen[screenPacked]));
+    char kind = 0;
+    while (file.getChar(&kind) && kind == extension) {
+        file.skip(1); // its label
+        SkipBlocks(file);
+    }
+    const QByteArray description = file.read(imageSize);
+    if (kind != image || description.size() < imageSize)
+        return true;
+    file.skip(ColourTableSize(description[imagePacked]) + 1); // and the size of a code
+    return !SkipBlocks(file);
 }
 
 } // namespace
@@ -163,7 +200,8 @@ void frmMap::SatHasChanged() {
 void frmMap::Tick() {
     const DateTime start = m_clock.Shown(m_cSats.datGmtTime());
     DrawSat(GroundTrack::Of(m_cSats, m_satellites.Selected().strObjNum, start));
-    picTime->SetText(FormatDateTime(m_cSats.ToDisplayTime(start), u"yyyy-mmm-dd hh:nn:ss"));
+    picTime->SetText(
+        FormatDateTime(m_cSats.ToDisplayTime(start), u"yyyy-mmm-dd hh:nn:ss", MonthNames::English));
     m_clock.Step();
 }
 

@@ -1,6 +1,6 @@
 #include "orbit/panel/TrackingDisplay.h"
 
-#include "foundation/text/Text.h"
+#include "foundation/text/QIRUtil.h"
 
 #include <cmath>
 
@@ -19,7 +19,7 @@ QString Whole(double value) {
 } // namespace
 
 TrackingLabels TrackingDisplay::ApplyStationPosition(double latitude, double longitude) {
-    m_locationKnown = latitude != 0.0 && longitude != 0.0;
+    m_locationKnown = QIRUtil::IsPositionKnown(latitude, longitude);
     m_labels.newBackground.reset();
     if (!m_locationKnown) {
         m_labels.strAz = m_labels.strEl = m_labels.strDue = unknown;

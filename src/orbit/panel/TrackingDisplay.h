@@ -29,7 +29,7 @@ public:
     /// Elements are old after this many days.
     static constexpr double maxElementDays = 14.0;
 
-    /// The place of the station in degrees; a latitude or longitude of 0 means that it is not known.
+    /// The place of the station in degrees, north and east positive; see QIRUtil::IsPositionKnown.
     TrackingLabels ApplyStationPosition(double latitude, double longitude);
 
     bool IsLocationKnown() const { return m_locationKnown; }

@@ -18,7 +18,7 @@ public:
     /// The satellite that is shown, or what the element files call it, has changed.
     void ShowCaption();
 
-    /// The place of the station in degrees; 0 as either means that it is not known.
+    /// The place of the station in degrees, north and east positive; see QIRUtil::IsPositionKnown.
     void ApplyStationPosition(double latitude, double longitude);
 
     /// A second has passed. `forced` refreshes at once.

@@ -10,8 +10,6 @@ namespace orbitmath {
 
 namespace {
 
-constexpr double secondsPerDay = 86400;
-
 class Search {
 public:
     Search(const Propagator& propagator, const Observer& observer, double startUtc, double seconds,
@@ -80,10 +78,11 @@ void Search::WalkFrom(Node a) {
         if (!m_open && next > m_seconds)
             next = m_seconds;
         std::optional<Node> b = m_path.At(next);
-        if (b)
+        const std::optional<double> inside = b ? m_path.InsideEarth(a, *b) : std::nullopt;
+        if (b && !inside)
             Walk(a.point, b->point, 0);
         else
-            b = Bridge(a, next);
+            b = Bridge(a, inside.value_or(next));
         if (!b)
             break;
         a = *b;
@@ -167,13 +166,15 @@ void Search::FindCrossings(const PathPiece& piece, const PathPoint& a, const Pat
 
 /// The time of the true extremum of the height near `time`, between `from` and `to`.
 double Search::TrueExtremum(double time, double from, double to) {
-    for (int k = 0; k < 8; ++k) {
+    constexpr int mostSteps = 8;
+    constexpr double closeEnough = 0.01; // s
+    for (int k = 0; k < mostSteps; ++k) {
         const std::optional<Node> node = m_path.At(time);
         if (!node || node->point.acceleration.z == 0)
             break;
         const double step = -node->point.velocity.z / node->point.acceleration.z;
         time = std::clamp(time + step, from, to);
-        if (std::abs(step) < 0.01)
+        if (std::abs(step) < closeEnough)
             break;
     }
     return time;
@@ -182,9 +183,13 @@ double Search::TrueExtremum(double time, double from, double to) {
 /// The crossing of the horizon between two times at which the true heights differ in sign: Newton's steps on
 /// the true path from the piece's own crossing, kept between the two.
 void Search::Cross(const PathPiece& piece, double from, double to, bool rising) {
+    constexpr int halvingsOfPiece = 16;
+    constexpr double velocityError = 0.003; // km/s
+    constexpr double closeEnough = 1e-6;    // s
+    constexpr int mostSteps = 60;           // of which half a dozen are the rule
     double low = from;
     double high = to;
-    for (int k = 0; k < 16; ++k) {
+    for (int k = 0; k < halvingsOfPiece; ++k) {
         const double middle = 0.5 * (low + high);
         ((piece.HeightAt(middle) > 0) == rising ? high : low) = middle;
     }
@@ -193,7 +198,7 @@ void Search::Cross(const PathPiece& piece, double from, double to, bool rising) 
     high = to;
     PathPoint crossing;
     crossing.position = piece.At(time);
-    for (int k = 0; k < 60; ++k) {
+    for (int k = 0; k < mostSteps; ++k) {
         const std::optional<Node> node = m_path.At(time);
         if (!node)
             break;
@@ -203,12 +208,14 @@ void Search::Cross(const PathPiece& piece, double from, double to, bool rising) 
         const double step = -height / crossing.velocity.z;
         const bool inside = time + step >= low && time + step <= high;
         const double next = inside ? time + step : 0.5 * (low + high);
-        // What Newton's step leaves over, and what a halved bracket does.
+        // What Newton's step leaves over, for the path bends and its velocity is not quite the change of its
+        // place, and what a halved bracket does.
+        const double bend = 0.5 * std::abs(crossing.acceleration.z * step);
         const double left =
-            inside ? std::abs(0.5 * crossing.acceleration.z / crossing.velocity.z * step * step) : high - low;
+            inside ? std::abs((bend + velocityError) / crossing.velocity.z * step) : high - low;
         const double beyond = next - time;
         time = next;
-        if (left < 1e-6) {
+        if (left < closeEnough) {
             crossing.position = crossing.position + beyond * crossing.velocity;
             break;
         }
@@ -228,6 +235,7 @@ void Search::ScanElevation(const PathPiece& piece, double from, double to) {
     if (!m_open || !(to > from))
         return;
     constexpr int parts = 8;
+    constexpr int halvings = 6; // of the part with the top
     double before = from;
     const ElevationTrend trend(piece);
     bool growing = trend.IsUpAt(from);
@@ -237,7 +245,7 @@ void Search::ScanElevation(const PathPiece& piece, double from, double to) {
         if (growing && !growsHere) {
             double low = before;
             double high = time;
-            for (int halvings = 0; halvings < 6; ++halvings) {
+            for (int halving = 0; halving < halvings; ++halving) {
                 const double middle = 0.5 * (low + high);
                 (trend.IsUpAt(middle) ? low : high) = middle;
             }
@@ -255,7 +263,9 @@ void Search::ScanElevation(const PathPiece& piece, double from, double to) {
 /// Follows the true path from a candidate to the true highest point near by.
 void Search::TryHighest(double time, double from, double to) {
     constexpr double slack = 1; // s: the true point may lie just beyond the piece
-    for (int k = 0; k < 12; ++k) {
+    constexpr int mostSteps = 12;
+    constexpr double closeEnough = 0.005; // s
+    for (int k = 1; k <= mostSteps; ++k) {
         const std::optional<Node> node = m_path.At(time);
         if (!node)
             return;
@@ -263,7 +273,7 @@ void Search::TryHighest(double time, double from, double to) {
         const ElevationSlope slope = SlopeOf(point);
         double step = slope.second < 0 ? -slope.first / slope.second : 0;
         step = std::clamp(time + step, from - slack, to + slack) - time;
-        if (std::abs(step) > 0.005 && k < 11) {
+        if (std::abs(step) > closeEnough && k < mostSteps) {
             time += step;
             continue;
         }
@@ -312,8 +322,7 @@ PassList FindPasses(const Propagator& propagator, const Observer& observer, doub
         nothing.error = PropagationError::OutOfRange;
         return nothing;
     }
-    constexpr double longestSearch = 366;
-    const double seconds = std::clamp(days, 0.0, longestSearch) * secondsPerDay;
+    const double seconds = std::clamp(days, 0.0, longestSearchDays) * secondsPerDay;
     return Search(propagator, observer, startUtc, seconds, most).Run();
 }
 

@@ -1,6 +1,5 @@
 #include "orbit/passes/StationPath.h"
 
-#include "orbit/sgp4/SiderealTime.h"
 #include "orbit/sgp4/Wgs72.h"
 
 #include <algorithm>
@@ -8,8 +7,6 @@
 namespace orbitmath {
 
 namespace {
-
-constexpr double secondsPerDay = 86400;
 
 /// omega x v, for the earth's rotation about z.
 Vector3 EarthCross(const Vector3& v) {
@@ -27,22 +24,29 @@ Vector3 Gravity(const Vector3& r) {
     return {across * r.x, across * r.y, central * (1 + flat * (3 - z2)) * r.z};
 }
 
-/// How long from a state (position and velocity without the earth's turning) a polynomial follows the path
-/// well, seconds: a fixed part of the way, in mean anomaly, to where the motion as a function of time stops
-/// being smooth, which for an eccentric orbit lies close by the perigee.
-double PieceLength(const StateVector& state) {
+/// Fills in what follows from the orbit through a position and a velocity without the earth's turning: how
+/// long a polynomial follows the path well, a fixed part of the way, in mean anomaly, to where the motion as
+/// a function of time stops being smooth, which for an eccentric orbit lies close by the perigee.
+void FillOrbit(const Vector3& position, const Vector3& velocity, StationPath::Node& node) {
     constexpr double longestAnomaly = 1.6;
+    constexpr double inTheAir = 1.02 * wgs72::earthRadius; // km, from the centre of the earth
+    constexpr double shortAnomaly = 0.7;                   // no two of its lowest points lie closer
     constexpr double ofTheWay = 0.8;
-    constexpr double longestTurn = 1.4; // of the earth, radians
-    const double r = Length(state.position);
-    const double perA = 2 / r - Dot(state.velocity, state.velocity) / wgs72::gravitation;
+    constexpr double longestTurn = 1.4;  // of the earth, radians
+    constexpr double unknownLength = 60; // of a path that is no ellipse
+    const double r = Length(position);
+    node.climb = Dot(position, velocity) / r;
+    node.pieceLength = unknownLength;
+    const double perA = 2 / r - Dot(velocity, velocity) / wgs72::gravitation;
     if (!(perA > 0))
-        return 60;
+        return;
     const double n = std::sqrt(wgs72::gravitation * perA) * perA;
     const double eCosE = 1 - r * perA;
-    const double eSinE = Dot(state.position, state.velocity) * std::sqrt(perA / wgs72::gravitation);
+    const double eSinE = Dot(position, velocity) * std::sqrt(perA / wgs72::gravitation);
     const double e2 = eCosE * eCosE + eSinE * eSinE;
-    double anomaly = longestAnomaly;
+    node.mayEnterEarth = 1 - std::sqrt(e2) < inTheAir * perA;
+    const double longest = node.mayEnterEarth ? shortAnomaly : longestAnomaly;
+    double anomaly = longest;
     if (e2 > 0.001 && e2 < 1) {
         const double m = std::atan2(eSinE, eCosE) - eSinE;
         const double beta = std::sqrt(1 - e2);
@@ -51,13 +55,13 @@ double PieceLength(const StateVector& state) {
             double middle = m + 0.5 * anomaly;
             if (middle > 0.5 * twoPi)
                 middle -= twoPi;
-            anomaly = std::min(longestAnomaly, ofTheWay * std::sqrt(middle * middle + aside * aside));
+            anomaly = std::min(longest, ofTheWay * std::sqrt(middle * middle + aside * aside));
         }
         // On the way down the nearest point of trouble is still ahead.
         if (m < 0 && m + anomaly > 0)
             anomaly = std::min(anomaly, std::max(-m, 2 * ofTheWay * aside));
     }
-    return std::min(anomaly / n, longestTurn / siderealRate);
+    node.pieceLength = std::min(anomaly / n, longestTurn / siderealRate);
 }
 
 } // namespace
@@ -66,8 +70,8 @@ StationPath::StationPath(const Propagator& propagator, const Observer& observer,
     : m_propagator(propagator)
     , m_observer(observer)
     , m_startUtc(startUtc)
-    , m_startMinutes((startUtc - propagator.GetElements().epochUtc) * 1440)
-    , m_siderealTime(SiderealTime(startUtc)) {}
+    , m_startMinutes((startUtc - propagator.GetElements().epochUtc) * minutesPerDay)
+    , m_siderealClock(startUtc) {}
 
 std::optional<StationPath::Node> StationPath::At(double time) {
     ++m_propagations;
@@ -75,7 +79,7 @@ std::optional<StationPath::Node> StationPath::At(double time) {
     m_lastError = found.error;
     if (!found)
         return {};
-    const EarthState earth = ToEarth(found.state, m_siderealTime + siderealRate * time);
+    const EarthState earth = ToEarth(found.state, m_siderealClock.At(time));
     const Vector3& r = earth.position;
     const Vector3& v = earth.velocity;
     const Vector3 inertialV = v + EarthCross(r);
@@ -91,16 +95,34 @@ std::optional<StationPath::Node> StationPath::At(double time) {
     node.point.velocity = m_observer.ToLocal(v);
     node.point.acceleration = m_observer.ToLocal(acceleration);
     node.point.upJerk = m_observer.ToLocal(jerk).z;
-    node.pieceLength = PieceLength({r, inertialV, 0});
+    FillOrbit(r, inertialV, node);
     return node;
 }
 
 double StationPath::LastGood(double good, double bad) {
-    while (std::abs(bad - good) > 1) {
+    constexpr double closeEnough = 1e-4; // s
+    while (std::abs(bad - good) > closeEnough) {
         const double middle = 0.5 * (good + bad);
         (At(middle) ? good : bad) = middle;
     }
     return good;
+}
+
+std::optional<double> StationPath::InsideEarth(const Node& from, const Node& to) {
+    if (!(from.mayEnterEarth || to.mayEnterEarth) || from.climb >= 0 || to.climb <= 0)
+        return {};
+    // Down to the lowest point.
+    constexpr double closeEnough = 1e-3; // s
+    double falling = from.point.time;
+    double climbing = to.point.time;
+    while (climbing - falling > closeEnough) {
+        const double middle = 0.5 * (falling + climbing);
+        const std::optional<Node> node = At(middle);
+        if (!node)
+            return middle;
+        (node->climb < 0 ? falling : climbing) = middle;
+    }
+    return {};
 }
 
 double StationPath::Utc(double time) const {

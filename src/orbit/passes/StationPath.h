@@ -2,6 +2,7 @@
 
 #include "orbit/passes/PathPiece.h"
 #include "orbit/sgp4/Propagator.h"
+#include "orbit/sgp4/SiderealTime.h"
 #include "orbit/sky/Observer.h"
 
 #include <optional>
@@ -19,11 +20,17 @@ public:
         PathPoint point;
         /// How long, in seconds, a polynomial of the fifth degree follows the path well from here on.
         double pieceLength = 0;
+        double climb = 0;           ///< away from the centre of the earth, km/s
+        bool mayEnterEarth = false; ///< the perigee lies in the air or below
     };
     std::optional<Node> At(double time);
 
-    /// The time nearest to `bad`, to a second, at which the elements hold; they do at `good`.
+    /// The time nearest to `bad`, to a tenth of a millisecond, at which the elements hold; they do at `good`.
     double LastGood(double good, double bad);
+
+    /// A time between two neighbouring nodes at which the path lies inside the earth; nothing when it does
+    /// not.
+    std::optional<double> InsideEarth(const Node& from, const Node& to);
 
     double Utc(double time) const;
 
@@ -35,7 +42,7 @@ private:
     const Observer& m_observer;
     const double m_startUtc;
     const double m_startMinutes; ///< after the elements' epoch
-    const double m_siderealTime; ///< at the start
+    const SiderealClock m_siderealClock;
 
     int m_propagations = 0;
     PropagationError m_lastError = PropagationError::None;

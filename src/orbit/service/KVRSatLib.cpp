@@ -1,5 +1,6 @@
 #include "orbit/service/KVRSatLib.h"
 
+#include "orbit/elements/ElementFile.h"
 #include "orbit/sgp4/SiderealTime.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@ using namespace orbitmath;
 
 namespace {
 
-constexpr double secondsPerDay = 86400;
+constexpr double wholePhase = 256; // of a turn
 
 /// Two decimals and ".", whatever the locale.
 std::string TwoDecimals(double value) {
@@ -30,7 +31,8 @@ std::string Digits(std::int64_t value, std::size_t width) {
 /// "yyyymmddhhmmss" of whole seconds since 1899-12-30 00:00.
 std::string Stamp(std::int64_t seconds) {
     constexpr std::int64_t dayOf1970 = 25569;
-    const std::chrono::sys_seconds time{std::chrono::seconds(seconds - dayOf1970 * 86400)};
+    const std::chrono::sys_seconds time{
+        std::chrono::seconds(seconds - dayOf1970 * static_cast<std::int64_t>(secondsPerDay))};
     const auto day = std::chrono::floor<std::chrono::days>(time);
     const std::chrono::year_month_day date(day);
     const std::chrono::hh_mm_ss clock(time - day);
@@ -53,6 +55,46 @@ void AppendItem(const Pass& pass, std::string& list) {
     list += ')';
 }
 
+double MinutesAfterEpoch(double utc, const Elements& elements) {
+    return (utc - elements.epochUtc) * minutesPerDay;
+}
+
+/// Ready for as far as the clock is away from the epoch: old elements are asked for again and again.
+Propagator MakePropagator(const Elements& elements, double utc) {
+    constexpr double tenDays = 10 * minutesPerDay;
+    constexpr double sixtyDays = 60 * minutesPerDay;
+    return Propagator(elements, std::clamp(std::abs(MinutesAfterEpoch(utc, elements)) + tenDays, sixtyDays,
+                                           Propagator::farthest));
+}
+
+ElementSource SourceOf(const Elements& elements, std::string_view name, const std::string& file,
+                       std::size_t line, ElementFormat format) {
+    return {.name = std::string(name),
+            .file = file,
+            .epochUtc = elements.epochUtc,
+            .meanMotion = elements.meanMotion * (minutesPerDay / twoPi),
+            .number = elements.number,
+            .line = line,
+            .format = NameOf(format)};
+}
+
+std::string_view WhyNot(PropagationError error) {
+    switch (error) {
+    case PropagationError::None:
+        return {};
+    case PropagationError::Decayed:
+        return "by these elements it has fallen to the earth, or its orbit goes through it";
+    case PropagationError::OutOfRange:
+        return "these elements, or the time, are out of all bounds";
+    case PropagationError::MeanEccentricity:
+    case PropagationError::MeanMotion:
+    case PropagationError::PerturbedEccentricity:
+    case PropagationError::SemiLatusRectum:
+        break;
+    }
+    return "these elements give no orbit at this time: they are too old, or were never right";
+}
+
 } // namespace
 
 KVRSatLib::KVRSatLib()
@@ -65,9 +107,10 @@ bool KVRSatLib::SetElementFolder(const std::string& path) {
     std::optional<ElementFolder> folder = ElementFolder::Read(path, m_report);
     if (!folder)
         return false;
+    m_path = path;
     m_folder = std::move(*folder);
-    m_propagators.clear();
-    m_last = {};
+    m_cache->propagators.clear();
+    m_cache->last = nullptr;
     return true;
 }
 
@@ -87,35 +130,30 @@ bool KVRSatLib::SetObserverLongitude(double degreesEast) {
     return true;
 }
 
-const KVRSatLib::Tracked* KVRSatLib::Track(const std::string& object, double utc) {
-    if (m_last.set && m_last.object == object)
-        return &m_last;
+const Propagator* KVRSatLib::Track(const std::string& object, double utc) const {
+    const std::lock_guard guard(m_cache->lock);
+    if (m_cache->last != nullptr && m_cache->lastObject == object)
+        return m_cache->last;
     const ElementSet* set = m_folder.Find(object);
-    if (!set)
+    if (set == nullptr)
         return nullptr;
-    const Elements& elements = set->elements;
-    auto known = m_propagators.find(elements.number);
-    if (known == m_propagators.end()) {
-        // Ready for as far as the clock is away from the epoch: old elements are asked for again and again.
-        constexpr double tenDays = 10 * 1440;
-        constexpr double sixtyDays = 60 * 1440;
-        const double ready =
-            std::clamp(std::abs(utc - elements.epochUtc) * 1440 + tenDays, sixtyDays, Propagator::farthest);
-        known = m_propagators.emplace(elements.number, Propagator(elements, ready)).first;
-    }
-    m_last = {object, set, &known->second};
-    return &m_last;
+    auto known = m_cache->propagators.find(set->elements.number);
+    if (known == m_cache->propagators.end())
+        known = m_cache->propagators.emplace(set->elements.number, MakePropagator(set->elements, utc)).first;
+    m_cache->lastObject = object;
+    m_cache->last = &known->second;
+    return m_cache->last;
 }
 
 std::optional<LibraryPosition> KVRSatLib::Position(const std::string& object, double libraryTime,
-                                                   double thresholdDegrees) {
+                                                   double thresholdDegrees) const {
     const double utc = libraryTime - julianDateOfZero;
     if (!std::isfinite(utc) || std::isnan(thresholdDegrees))
         return {};
-    const Tracked* tracked = Track(object, utc);
-    if (!tracked)
+    const Propagator* propagator = Track(object, utc);
+    if (propagator == nullptr)
         return {};
-    const Propagation found = tracked->propagator->At((utc - tracked->set->elements.epochUtc) * 1440);
+    const Propagation found = propagator->At(MinutesAfterEpoch(utc, propagator->GetElements()));
     if (!found)
         return {};
     const EarthState earth = ToEarth(found.state, SiderealTime(utc));
@@ -132,22 +170,22 @@ std::optional<LibraryPosition> KVRSatLib::Position(const std::string& object, do
     position.range = look.range;
     position.rangeRate = look.rangeRate;
     position.altitude = point.altitude;
-    position.phase = Turned(found.state.meanAnomaly) * (256 / twoPi);
+    position.phase = Turned(found.state.meanAnomaly) * (wholePhase / twoPi);
     return position;
 }
 
 std::optional<PassList> KVRSatLib::Passes(const std::string& object, double startUtc, int passesPerDay,
-                                          int days) {
-    const Tracked* tracked = std::isfinite(startUtc) ? Track(object, startUtc) : nullptr;
-    if (!tracked)
+                                          int days) const {
+    const Propagator* propagator = std::isfinite(startUtc) ? Track(object, startUtc) : nullptr;
+    if (propagator == nullptr)
         return {};
     const std::int64_t most = std::int64_t{std::max(passesPerDay, 0)} * std::max(days, 0);
-    return FindPasses(*tracked->propagator, m_observer, startUtc, days, static_cast<std::size_t>(most));
+    return FindPasses(*propagator, m_observer, startUtc, days, static_cast<std::size_t>(most));
 }
 
 std::optional<std::string> KVRSatLib::ListPasses(const std::string& object, double startUtc, int passesPerDay,
                                                  int days, std::int32_t /*reserved1*/,
-                                                 std::int32_t /*reserved2*/) {
+                                                 std::int32_t /*reserved2*/) const {
     const std::optional<PassList> found = Passes(object, startUtc, passesPerDay, days);
     if (!found || found->error != PropagationError::None)
         return {};
@@ -157,7 +195,35 @@ std::optional<std::string> KVRSatLib::ListPasses(const std::string& object, doub
     return list;
 }
 
-std::optional<double> KVRSatLib::ConvertTime(double utc) {
+SatPasses KVRSatLib::PassesOf(const PassQuery& query) const {
+    const ElementSet* set = m_folder.Find(query.object);
+    if (set == nullptr)
+        return {.fault = SatPasses::Fault::UnknownObject, .passes = {}};
+    if (!(std::abs(query.latitude) <= 90 && query.longitude >= -180 && query.longitude <= 360) ||
+        !std::isfinite(query.startUtc) || !(query.days >= 0 && query.days <= longestSearchDays))
+        return {.fault = SatPasses::Fault::NoPlace, .passes = {}};
+    // Made for this one question: one that many objects are asked keeps none of them.
+    const Propagator propagator = MakePropagator(set->elements, query.startUtc);
+    const PassList found = FindPasses(propagator, Observer(query.latitude, query.longitude), query.startUtc,
+                                      query.days, query.most);
+    if (found.error != PropagationError::None)
+        return {.fault = SatPasses::Fault::NoPosition, .passes = {}};
+    SatPasses answer;
+    answer.passes.reserve(found.passes.size());
+    for (const Pass& pass : found.passes) {
+        answer.passes.push_back({.riseUtc = pass.riseUtc,
+                                 .culminationUtc = pass.highestUtc,
+                                 .setUtc = pass.setUtc,
+                                 .riseAzimuth = pass.riseAzimuth / radiansPerDegree,
+                                 .setAzimuth = pass.setAzimuth / radiansPerDegree,
+                                 .maxElevation = pass.maxElevation / radiansPerDegree,
+                                 .durationSeconds = (pass.setUtc - pass.riseUtc) * secondsPerDay,
+                                 .sets = pass.sets});
+    }
+    return answer;
+}
+
+std::optional<double> KVRSatLib::ConvertTime(double utc) const {
     constexpr double farthest =
         1e7; // days; beyond it a Julian date would lose more than a tenth of a millisecond
     if (!(std::abs(utc) < farthest))
@@ -167,10 +233,32 @@ std::optional<double> KVRSatLib::ConvertTime(double utc) {
 
 std::optional<ElementSource> KVRSatLib::ElementsOf(const std::string& object) const {
     const ElementSet* set = m_folder.Find(object);
-    if (!set)
+    if (set == nullptr)
         return {};
-    return ElementSource{.name = set->name,
-                         .file = m_folder.FileOf(*set),
-                         .epochUtc = set->elements.epochUtc,
-                         .meanMotion = set->elements.meanMotion * (1440 / twoPi)};
+    return SourceOf(set->elements, set->name, m_folder.FileOf(*set), set->line, set->format);
+}
+
+std::string KVRSatLib::WhyNoPosition(const std::string& object, double utc) const {
+    const std::optional<ElementSource> source = ElementsOf(object);
+    const Propagator* propagator = source && std::isfinite(utc) ? Track(object, utc) : nullptr;
+    if (propagator == nullptr)
+        return {};
+    const Propagation found = propagator->At(MinutesAfterEpoch(utc, propagator->GetElements()));
+    if (found)
+        return {};
+    return source->file + ", line " + std::to_string(source->line) + ": " + std::string(WhyNot(found.error));
+}
+
+bool KVRSatLib::ForEachElementSet(const TakeSource& take) const {
+    const std::optional<std::vector<std::string>> files = ElementFilesIn(m_path);
+    if (!files)
+        return false;
+    for (const std::string& file : *files) {
+        ReadElementFile(m_path + '/' + file, [&](const ElementRecord& record) {
+            if (const auto* elements = std::get_if<Elements>(&record.content))
+                take(SourceOf(*elements, record.name, file, record.line, record.format));
+            return true;
+        });
+    }
+    return true;
 }

@@ -7,10 +7,11 @@
 #include "orbit/sky/Observer.h"
 
 #include <memory>
+#include <mutex>
 #include <unordered_map>
 
-/// The orbit library of this program: two-line elements from a folder, SGP4 and SDP4, a station at sea level
-/// on the WGS-84 ellipsoid, passes over its horizon.
+/// The orbit library of this program: elements from the files of a folder, SGP4 and SDP4, a station at sea
+/// level on the WGS-84 ellipsoid, passes over its horizon.
 ///
 /// Library time is the Julian date (UTC). A double holds it to 40 microseconds, so a conversion loses no more
 /// than 20, in which a satellite moves 15 cm.
@@ -33,33 +34,40 @@ public:
     bool SetObserverLongitude(double degreesEast) override;
 
     std::optional<std::string> ListPasses(const std::string& object, double startUtc, int passesPerDay,
-                                          int days, std::int32_t reserved1, std::int32_t reserved2) override;
+                                          int days, std::int32_t reserved1,
+                                          std::int32_t reserved2) const override;
     std::optional<LibraryPosition> Position(const std::string& object, double libraryTime,
-                                            double thresholdDegrees) override;
-    std::optional<double> ConvertTime(double utc) override;
+                                            double thresholdDegrees) const override;
+    std::optional<double> ConvertTime(double utc) const override;
     std::optional<ElementSource> ElementsOf(const std::string& object) const override;
+    SatPasses PassesOf(const PassQuery& query) const override;
+    std::string WhyNoPosition(const std::string& object, double utc) const override;
+    bool ForEachElementSet(const TakeSource& take) const override;
 
-    /// The passes with all their digits, and what the search cost. Nothing when the object is unknown.
+    /// The passes over the observer as the search finds them, and what it cost: those that begin within
+    /// `days` days, at most `passesPerDay` x `days`. Nothing when the object is unknown.
     std::optional<orbitmath::PassList> Passes(const std::string& object, double startUtc, int passesPerDay,
-                                              int days);
+                                              int days) const;
 
 private:
-    /// An object that has been asked for.
-    struct Tracked {
-        std::string object; ///< as the caller names it
-        const orbitmath::ElementSet* set = nullptr;
-        const orbitmath::Propagator* propagator = nullptr;
-    };
+    /// Nothing when the object is unknown. `utc` is the time it is asked for. Stays valid as long as the
+    /// folder.
+    const orbitmath::Propagator* Track(const std::string& object, double utc) const;
 
-    /// Nothing when the object is unknown. `utc` is the time it is asked for.
-    const Tracked* Track(const std::string& object, double utc);
-
-    orbitmath::ElementFolder::Report m_report;
+    const orbitmath::ElementFolder::Report m_report;
+    std::string m_path;
     orbitmath::ElementFolder m_folder;
     double m_latitude = 0;
     double m_longitude = 0;
     orbitmath::Observer m_observer{0, 0};
-    /// Made when an object is first asked for: a folder may hold a hundred times more than are.
-    std::unordered_map<std::uint32_t, orbitmath::Propagator> m_propagators;
-    Tracked m_last; ///< the same object is asked for many times on end
+
+    /// Made when an object is first asked for: a folder may hold a hundred times more than are. What they
+    /// answer does not depend on when they were made.
+    struct Cache {
+        std::mutex lock; ///< held while the rest is read or written
+        std::unordered_map<std::uint32_t, orbitmath::Propagator> propagators;
+        std::string lastObject; ///< as the caller named it: the same one is asked for many times on end
+        const orbitmath::Propagator* last = nullptr;
+    };
+    const std::unique_ptr<Cache> m_cache = std::make_unique<Cache>();
 };

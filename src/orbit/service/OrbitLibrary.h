@@ -1,8 +1,12 @@
 #pragma once
 
+#include "orbit/service/SatPass.h"
+
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 /// The answer to a position query. Angles in radians.
 struct LibraryPosition {
@@ -20,14 +24,20 @@ struct LibraryPosition {
 
 /// Where an object's elements come from.
 struct ElementSource {
-    std::string name;    ///< the name line, trimmed; empty when the set has none
-    std::string file;    ///< the file's name inside the element folder
-    double epochUtc{};   ///< date-time
-    double meanMotion{}; ///< revolutions a day
+    std::string name;          ///< the name line, trimmed, in Windows-1252; empty when the set has none
+    std::string file;          ///< the file's name inside the element folder
+    double epochUtc{};         ///< date-time
+    double meanMotion{};       ///< revolutions a day
+    std::uint32_t number{};    ///< catalogue number
+    std::size_t line{};        ///< of the file, counted from 1, where the elements begin
+    std::string_view format{}; ///< "TLE"
 };
 
 /// The operations of an orbit library. Date-times are days since 1899-12-30 00:00 UTC. An operation that
 /// fails answers false or nothing and changes nothing.
+///
+/// What is const may be called from several threads at a time, as long as none of them changes folder or
+/// observer meanwhile.
 class OrbitLibrary {
 public:
     OrbitLibrary() = default;
@@ -35,7 +45,7 @@ public:
     OrbitLibrary& operator=(const OrbitLibrary&) = delete;
     virtual ~OrbitLibrary() = default;
 
-    /// Reads the two-line element files of a folder (again).
+    /// Reads the element files of a folder (again).
     virtual bool SetElementFolder(const std::string& path) = 0;
 
     /// Degrees, north positive.
@@ -46,18 +56,31 @@ public:
 
     /// The passes of an object that begin at or after `startUtc`, within `days` days, at most `passesPerDay`
     /// x `days`, in time order, as "(yyyymmddhhmmss riseAzimuth setAzimuth maxElevation duration)" items
-    /// separated by
-    /// ",": UTC, degrees, degrees, degrees, seconds. The last two arguments are 0.
+    /// separated by ",": UTC, degrees, degrees, degrees, seconds. The last two arguments are 0.
     virtual std::optional<std::string> ListPasses(const std::string& object, double startUtc,
                                                   int passesPerDay, int days, std::int32_t reserved1,
-                                                  std::int32_t reserved2) = 0;
+                                                  std::int32_t reserved2) const = 0;
 
     /// `object` is a catalogue number or a name line; `libraryTime` comes from ConvertTime.
     virtual std::optional<LibraryPosition> Position(const std::string& object, double libraryTime,
-                                                    double thresholdDegrees) = 0;
+                                                    double thresholdDegrees) const = 0;
 
     /// A UTC date-time as the library counts time.
-    virtual std::optional<double> ConvertTime(double utc) = 0;
+    virtual std::optional<double> ConvertTime(double utc) const = 0;
 
+    /// The elements that Position goes by.
     virtual std::optional<ElementSource> ElementsOf(const std::string& object) const = 0;
+
+    /// The passes with all their digits, over any observer.
+    virtual SatPasses PassesOf(const PassQuery& query) const = 0;
+
+    /// Why an object that has elements has no position at a time, with the file and the line that they stand
+    /// in: "amateur.txt, line 2: ..."; empty when it has one.
+    virtual std::string WhyNoPosition(const std::string& object, double utc) const = 0;
+
+    using TakeSource = std::function<void(const ElementSource& source)>;
+
+    /// Reads the element folder again for every set of elements in it, those of the same object too, file by
+    /// file. False when it cannot be read.
+    virtual bool ForEachElementSet(const TakeSource& take) const = 0;
 };

@@ -84,9 +84,9 @@ std::optional<DateTime> NextStart(std::string_view list, DateTime nowUtc) {
 
 QString TableLine(DateTime start, const Pass& pass, qint16 startAzimuth, qint16 endAzimuth) {
     const QString gap(6, u' ');
-    return FormatDateTime(start, u"yyyy-mmm-dd hh:nn:ss").leftJustified(22, u' ', true) + u' ' +
-           FormatDateTime(pass.durationSeconds / secondsPerDay, u"hh:nn:ss    ") + InThree(startAzimuth) +
-           gap + InThree(endAzimuth) + gap + InThree(pass.maxElevation);
+    return FormatDateTime(start, u"yyyy-mmm-dd hh:nn:ss", MonthNames::English).leftJustified(22, u' ', true) +
+           u' ' + FormatDateTime(pass.durationSeconds / secondsPerDay, u"hh:nn:ss    ") +
+           InThree(startAzimuth) + gap + InThree(endAzimuth) + gap + InThree(pass.maxElevation);
 }
 
 QString PrintText(const QString& caption, const QString& table) {

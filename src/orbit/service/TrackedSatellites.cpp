@@ -2,10 +2,9 @@
 
 #include "foundation/settings/Settings.h"
 #include "foundation/text/Text.h"
-#include "orbit/elements/KepsFile.h"
+#include "orbit/elements/ElementFile.h"
 
-#include <QDirIterator>
-#include <QStringList>
+#include <QFile>
 
 #include <algorithm>
 
@@ -47,11 +46,11 @@ QString TrackedSatellites::DisplayName() const {
 void TrackedSatellites::FindInKeps(const QString& folder) {
     for (TrackedSatellite& satellite : m_satellites)
         satellite.blnFound = false;
-    QDirIterator files(folder, QDir::Files);
-    while (!AllFound() && files.hasNext()) {
-        const QString path = files.next();
-        if (files.fileInfo().isFile()) // no pipe, which would wait for ever
-            FindInFile(path);
+    const std::string path = QFile::encodeName(folder).toStdString();
+    for (const std::string& file : orbitmath::ElementFilesIn(path).value_or(std::vector<std::string>())) {
+        if (AllFound())
+            return;
+        FindInFile(path, file);
     }
 }
 
@@ -59,17 +58,36 @@ bool TrackedSatellites::AllFound() const {
     return std::ranges::all_of(m_satellites, &TrackedSatellite::blnFound);
 }
 
-void TrackedSatellites::FindInFile(const QString& path) {
-    KepsFile::ForEachGroup(path, [this](const KepsGroup& group) {
+void TrackedSatellites::FindInFile(const std::string& folder, const std::string& file) {
+    orbitmath::ReadElementFile(folder + '/' + file, [&](const orbitmath::ElementRecord& record) {
         for (TrackedSatellite& satellite : m_satellites) {
-            const QByteArray number = satellite.strObjNum.toUtf8();
-            if (!satellite.blnFound && group.number2 == number && group.number1.startsWith(number)) {
-                satellite.strName = group.name;
-                satellite.blnFound = true;
-            }
+            if (satellite.blnFound || !record.IsGroupOf(satellite.strObjNum.toStdString()))
+                continue;
+            satellite.strName = Text::FromBytes(record.nameLine);
+            satellite.blnFound = true;
+            const auto* fault = std::get_if<orbitmath::ElementFault>(&record.content);
+            satellite.strFault =
+                fault == nullptr ? QString()
+                                 : QFile::decodeName(QByteArray::fromStdString(file)) + QStringLiteral(", ") +
+                                       QString::fromStdString(orbitmath::FaultText(record.line, *fault));
         }
         return !AllFound();
     });
+}
+
+QStringList TrackedSatellites::UntrackedMessages(const clsSats& cSats) const {
+    QStringList messages;
+    for (const TrackedSatellite& satellite : m_satellites) {
+        if (!satellite.blnFound)
+            continue;
+        const QString reason = cSats.ElementsOf(satellite.strObjNum)
+                                   ? cSats.WhyNoPosition(satellite.strObjNum)
+                                   : satellite.strFault;
+        if (!reason.isEmpty())
+            messages.append(
+                QStringLiteral("*** %1 cannot be tracked - %2\r\n").arg(satellite.strBaseName, reason));
+    }
+    return messages;
 }
 
 QString TrackedSatellites::NoKepsMessage() const {

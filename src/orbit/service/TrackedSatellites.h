@@ -1,8 +1,10 @@
 #pragma once
 
 #include "foundation/settings/clsIni.h"
+#include "orbit/service/clsSats.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <array>
 
@@ -13,8 +15,10 @@ struct TrackedSatellite {
     QString strObjNum;       ///< the catalogue number, by which the orbit service finds it
     qint16 intInterval = 10; ///< ticks from one refresh of the display to the next
     qint16 intTicks = 0;
-    qint16 intInView = 0; ///< set to 5 by every refresh that finds it in view
+    qint16 intInView = 0; ///< refreshes; set anew by every refresh that finds it in view
     bool blnFound = false;
+    QString strFault; ///< why the elements that were found are refused, with file and line; empty when they
+                      ///< are good
 };
 
 /// The tracked satellites (0: the one whose telemetry is decoded, 1: the space station) and which of them is
@@ -48,6 +52,9 @@ public:
     /// both are found.
     void FindInKeps(const QString& folder);
 
+    /// A line for each satellite that is found and yet cannot be tracked: why, with file and line.
+    QStringList UntrackedMessages(const clsSats& cSats) const;
+
     /// "No Keps found for …" with the satellites that have no elements; empty when both have.
     QString NoKepsMessage() const;
 
@@ -56,7 +63,7 @@ public:
 
 private:
     bool AllFound() const;
-    void FindInFile(const QString& path);
+    void FindInFile(const std::string& folder, const std::string& file);
 
     std::array<TrackedSatellite, 2> m_satellites;
     qint16 m_intObjIndex = 0;

@@ -178,3 +178,8 @@ std::optional<QString> clsSats::PassTableBody(const QString& strObject) const {
 std::optional<ElementSource> clsSats::ElementsOf(const QString& strSat) const {
     return m_library->ElementsOf(strSat.toStdString());
 }
+
+QString clsSats::WhyNoPosition(const QString& strSat) const {
+    return QFile::decodeName(
+        QByteArray::fromStdString(m_library->WhyNoPosition(strSat.toStdString(), datGmtTime())));
+}

@@ -12,6 +12,9 @@
 
 /// The one object that the program asks about satellites, passes and the time. An object is named by what the
 /// orbit library finds it by: its catalogue number as text. What fails answers false or nothing.
+///
+/// What is const may be called from several threads at a time, as long as none of them calls a setter
+/// meanwhile.
 class clsSats {
 public:
     clsSats(std::unique_ptr<OrbitLibrary> library, const Clock& clock);
@@ -68,6 +71,17 @@ public:
 
     /// Which elements an object is tracked by.
     std::optional<ElementSource> ElementsOf(const QString& strSat) const;
+
+    /// Why an object that has elements has no position now, with their file and line; empty when it has one.
+    QString WhyNoPosition(const QString& strSat) const;
+
+    /// The passes with all their digits, over any observer, at any time.
+    SatPasses PassesOf(const PassQuery& query) const { return m_library->PassesOf(query); }
+
+    /// Every set of elements in the folder: see OrbitLibrary::ForEachElementSet.
+    bool ForEachElementSet(const OrbitLibrary::TakeSource& take) const {
+        return m_library->ForEachElementSet(take);
+    }
 
 private:
     std::optional<qint16> AzimuthAt(const QString& strSat, DateTime datT) const;

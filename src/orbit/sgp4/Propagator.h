@@ -54,7 +54,7 @@ public:
 
     /// `readyMinutes`: queries up to this far from the epoch are equally fast for resonant orbits too;
     /// farther ones take longer in proportion.
-    explicit Propagator(const Elements& elements, double readyMinutes = 60 * 1440.0);
+    explicit Propagator(const Elements& elements, double readyMinutes = 60 * minutesPerDay);
 
     /// The state `minutes` after the epoch.
     Propagation At(double minutes) const;
@@ -83,10 +83,10 @@ private:
     struct Mean {
         double a = 0; ///< earth radii
         double e = 0;
-        SinCos perigee;      ///< omega
-        SinCos node;         ///< Omega
-        SinCos meanLatitude; ///< M + omega
-        double meanAnomaly = 0;
+        SinCos perigee;         ///< omega
+        SinCos node;            ///< Omega
+        SinCos meanLatitude;    ///< M + omega
+        double meanAnomaly = 0; ///< M, radians
     };
 
     void InitialiseDrag(double perigeeKm, double beta2);
@@ -100,27 +100,27 @@ private:
     double m_a0 = 0;          ///< a0'', earth radii
     bool m_simpleDrag = true; ///< perigee below 220 km, or deep space: the drag terms end with t^2
 
-    // Secular rates, radians per minute.
-    double m_meanAnomalyDot = 0;
-    double m_perigeeDot = 0;
-    double m_nodeDot = 0;
+    // Secular rates of the earth's oblateness, radians per minute.
+    double m_meanAnomalyDot = 0; ///< M dot
+    double m_perigeeDot = 0;     ///< omega dot
+    double m_nodeDot = 0;        ///< Omega dot
 
-    // Drag.
-    double m_c1 = 0;
-    double m_c4 = 0;
-    double m_c5 = 0;
-    double m_d2 = 0;
-    double m_d3 = 0;
-    double m_d4 = 0;
-    double m_t3 = 0;
-    double m_t4 = 0;
-    double m_t5 = 0;
-    double m_eta = 0;
-    double m_nodeCoef = 0;
-    double m_perigeeCoef = 0;
-    double m_meanAnomalyCoef = 0;
-    double m_deltaM0 = 0;
-    double m_sinM0 = 0;
+    // Drag. The time is in minutes; C1, C4 and C5 are per minute, D2 to D4 and t3 to t5 per power of it.
+    double m_c1 = 0;              ///< C1, with B* in it
+    double m_c4 = 0;              ///< C4, without B*
+    double m_c5 = 0;              ///< C5, without B*
+    double m_d2 = 0;              ///< D2
+    double m_d3 = 0;              ///< D3
+    double m_d4 = 0;              ///< D4
+    double m_t3 = 0;              ///< of t^3 in IL: D2 + 2 C1^2
+    double m_t4 = 0;              ///< of t^4
+    double m_t5 = 0;              ///< of t^5
+    double m_eta = 0;             ///< eta
+    double m_nodeCoef = 0;        ///< of t^2 in Omega, radians per minute^2
+    double m_perigeeCoef = 0;     ///< delta omega / t, radians per minute
+    double m_meanAnomalyCoef = 0; ///< of (1 + eta cos M)^3 in delta M, radians
+    double m_deltaM0 = 0;         ///< (1 + eta cos M0)^3
+    double m_sinM0 = 0;           ///< sin M0
 
     std::optional<DeepSpace> m_deepSpace;
 };

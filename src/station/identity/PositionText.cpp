@@ -92,15 +92,15 @@ QString Name(Axis axis) {
 std::optional<QString> Locator(const QString& storedLatitude, const QString& storedLongitude) {
     if (storedLatitude.isEmpty() || storedLongitude.isEmpty())
         return std::nullopt;
+    const std::optional<double> latitude = QIRUtil::LatOnGlobe(storedLatitude);
+    const std::optional<double> longitude = QIRUtil::LongOnGlobe(storedLongitude);
+    if (!latitude || !longitude)
+        return std::nullopt;
     // Single precision: it decides into which subsquare a station on an edge falls.
-    const auto latitudeMinutes = static_cast<float>(QIRUtil::LatToDegrees(storedLatitude)) * 60.0F;
-    const auto longitudeMinutes = static_cast<float>(QIRUtil::LongToDegrees(storedLongitude)) * 60.0F;
+    const auto latitudeMinutes = static_cast<float>(*latitude) * 60.0F;
+    const auto longitudeMinutes = static_cast<float>(*longitude) * 60.0F;
     const float x = std::floor(longitudeMinutes) + 10800.0F;       // minutes from 180 W
     const float y = std::floor(latitudeMinutes * 2.0F) + 10800.0F; // half minutes from 90 S
-    const auto isOnGlobe = [](float steps) { return steps >= 0.0F && steps <= 21600.0F; };
-    if (!isOnGlobe(x) || !isOnGlobe(y))
-        return std::nullopt;
-
     const auto letter = [](int value) { return QChar(static_cast<char16_t>(u'A' + value)); };
     const auto digit = [](int value) { return QChar(static_cast<char16_t>(u'0' + value)); };
     const int longitudeSteps = static_cast<qint16>(x);

@@ -1,7 +1,6 @@
 #include "station/identity/Station.h"
 
 #include "foundation/settings/Settings.h"
-#include "foundation/text/QIRUtil.h"
 
 Station::Station(clsIni& cIni, QObject* parent)
     : QObject(parent)

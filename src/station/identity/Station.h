@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/text/QIRUtil.h"
+
 #include <QObject>
 #include <QString>
 
@@ -33,14 +35,14 @@ public:
     void setStrLat(const QString& latitude);
     void setStrLong(const QString& longitude);
 
-    /// Degrees, north positive; 0 where the text is no latitude.
+    /// Degrees, north positive; 0 where the text is no latitude on the globe.
     double dblLat() const { return m_latitudeDegrees; }
 
-    /// Degrees, east positive; 0 where the text is no longitude.
+    /// Degrees, east positive; 0 where the text is no longitude on the globe.
     double dblLong() const { return m_longitudeDegrees; }
 
-    /// Both degrees are other than 0: a station on the equator or the prime meridian counts as unknown.
-    bool PositionKnown() const { return m_latitudeDegrees != 0.0 && m_longitudeDegrees != 0.0; }
+    /// See QIRUtil::IsPositionKnown.
+    bool PositionKnown() const { return QIRUtil::IsPositionKnown(m_latitudeDegrees, m_longitudeDegrees); }
 
 Q_SIGNALS:
     /// A value differs from before.

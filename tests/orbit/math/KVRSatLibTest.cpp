@@ -4,11 +4,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
+#include <barrier>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <limits>
 #include <sstream>
+#include <thread>
 #include <unistd.h>
 
 using namespace testelements;
@@ -201,4 +205,137 @@ TEST_F(KVRSatLibTest, ElementsSayTheirNameFileEpochAndMeanMotion) {
     EXPECT_EQ(source->file, "iss.txt");
     EXPECT_NEAR(source->epochUtc, 46342.51782528, 1e-9);
     EXPECT_NEAR(source->meanMotion, 15.49560532, 1e-9);
+}
+
+TEST_F(KVRSatLibTest, TypedPassesAreThoseOfTheSearchOverAnyObserver) {
+    const auto found = m_library.Passes("25544", now, 10, 3);
+    const PassQuery here{
+        .object = "25544", .latitude = 52.5, .longitude = 13.4, .startUtc = now, .days = 3, .most = 30};
+    const SatPasses typed = m_library.PassesOf(here);
+    ASSERT_EQ(typed.fault, SatPasses::Fault::None);
+    ASSERT_EQ(typed.passes.size(), found->passes.size());
+    for (std::size_t k = 0; k < typed.passes.size(); ++k) {
+        const SatPass& pass = typed.passes[k];
+        const orbitmath::Pass& truth = found->passes[k];
+        EXPECT_EQ(pass.riseUtc, truth.riseUtc);
+        EXPECT_EQ(pass.culminationUtc, truth.highestUtc);
+        EXPECT_EQ(pass.setUtc, truth.setUtc);
+        EXPECT_DOUBLE_EQ(pass.riseAzimuth, truth.riseAzimuth * 180 / orbitmath::pi);
+        EXPECT_DOUBLE_EQ(pass.setAzimuth, truth.setAzimuth * 180 / orbitmath::pi);
+        EXPECT_DOUBLE_EQ(pass.maxElevation, truth.maxElevation * 180 / orbitmath::pi);
+        EXPECT_NEAR(pass.durationSeconds, (truth.setUtc - truth.riseUtc) * 86400, 1e-6);
+        EXPECT_TRUE(pass.sets);
+    }
+    // West of Greenwich either way, and what the library's own observer is does not matter.
+    PassQuery there = here;
+    there.latitude = -33;
+    there.longitude = -70;
+    const SatPasses west = m_library.PassesOf(there);
+    ASSERT_TRUE(m_library.SetObserverLatitude(-33) && m_library.SetObserverLongitude(290));
+    const auto moved = m_library.Passes("25544", now, 10, 3);
+    ASSERT_EQ(west.passes.size(), moved->passes.size());
+    EXPECT_NEAR(west.passes.at(0).riseUtc, moved->passes.at(0).riseUtc, 1e-9);
+    there.most = 2;
+    EXPECT_EQ(m_library.PassesOf(there).passes.size(), 2U);
+}
+
+TEST_F(KVRSatLibTest, TypedPassesThatCannotBeSayWhy) {
+    using Fault = SatPasses::Fault;
+    const PassQuery good{
+        .object = "25544", .latitude = 52, .longitude = 13, .startUtc = now, .days = 1, .most = 9};
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const auto faultOf = [&](auto change) {
+        PassQuery query = good;
+        change(query);
+        return m_library.PassesOf(query).fault;
+    };
+    EXPECT_EQ(faultOf([](PassQuery&) {}), Fault::None);
+    EXPECT_EQ(faultOf([](PassQuery& q) { q.object = "1"; }), Fault::UnknownObject);
+    EXPECT_EQ(faultOf([](PassQuery& q) { q.latitude = 90.1; }), Fault::NoPlace);
+    EXPECT_EQ(faultOf([](PassQuery& q) { q.longitude = -181; }), Fault::NoPlace);
+    EXPECT_EQ(faultOf([](PassQuery& q) { q.longitude = 361; }), Fault::NoPlace);
+    EXPECT_EQ(faultOf([&](PassQuery& q) { q.longitude = nan; }), Fault::NoPlace);
+    EXPECT_EQ(faultOf([&](PassQuery& q) { q.startUtc = nan; }), Fault::NoPlace);
+    EXPECT_EQ(faultOf([](PassQuery& q) { q.days = 367; }), Fault::NoPlace);
+    EXPECT_EQ(faultOf([](PassQuery& q) { q.startUtc = 1e9; }), Fault::NoPosition);
+}
+
+TEST_F(KVRSatLibTest, EverySetOfTheFolderIsListedWithItsFileAndLine) {
+    std::ofstream(m_folder / "older.txt")
+        << "\n\n"
+        << issName << "\n"
+        << WithChecksum("1 25544U 98067A   26300.51782528  .00016717  00000-0  30777-3 0  999") << "\n"
+        << WithChecksum(issLine2.substr(0, 68)) << "\n"
+        << "1 25544U damaged\n2 25544 too\n";
+    std::vector<ElementSource> listed;
+    ASSERT_TRUE(m_library.ForEachElementSet([&](const ElementSource& source) { listed.push_back(source); }));
+    ASSERT_EQ(listed.size(), 2U);
+    std::sort(listed.begin(), listed.end(), [](const auto& a, const auto& b) { return a.file < b.file; });
+    EXPECT_EQ(listed[0].file, "iss.txt");
+    EXPECT_EQ(listed[0].line, 2U);
+    EXPECT_EQ(listed[1].file, "older.txt");
+    EXPECT_EQ(listed[1].line, 4U);
+    EXPECT_NEAR(listed[1].epochUtc, 46322.51782528, 1e-9);
+    for (const ElementSource& source : listed) {
+        EXPECT_EQ(source.name, issName);
+        EXPECT_EQ(source.number, 25544U);
+        EXPECT_EQ(source.format, "TLE");
+        EXPECT_NEAR(source.meanMotion, 15.49560532, 1e-9);
+    }
+    fs::remove_all(m_folder);
+    EXPECT_FALSE(m_library.ForEachElementSet([](const ElementSource&) { ADD_FAILURE(); }));
+}
+
+TEST_F(KVRSatLibTest, WhyThereIsNoPositionIsToldWithFileAndLine) {
+    std::ofstream(m_folder / "falling.txt")
+        << "FALLING\n"
+        << WithChecksum("1 40002U 14002A   26320.00000000  .00000000  00000+0  20000-0 0  999") << "\n"
+        << WithChecksum("2 40002  51.6000 208.0000 0005000  70.0000  25.0000 16.20000000    1") << "\n";
+    ASSERT_TRUE(m_library.SetElementFolder(m_folder.string()));
+    EXPECT_EQ(m_library.WhyNoPosition("40002", 46342.01), "");
+    EXPECT_TRUE(m_library.WhyNoPosition("40002", 46343).starts_with("falling.txt, line 2: "))
+        << m_library.WhyNoPosition("40002", 46343);
+    EXPECT_EQ(m_library.WhyNoPosition("1", now), "");
+}
+
+TEST_F(KVRSatLibTest, SeveralThreadsMayAskAtATime) {
+    constexpr int objects = 500;
+    constexpr int rounds = 40;
+    constexpr int threadCount = 4;
+    const auto nameOf = [](int k) { return std::to_string(40000 + k); };
+    {
+        std::ofstream file(m_folder / "many");
+        for (int k = 0; k < objects; ++k) {
+            const std::string node = std::to_string(100 + k % 200) + '.' + std::to_string(1000 + k);
+            file << WithChecksum("1 " + nameOf(k) + issLine1.substr(7, 61)) << "\n"
+                 << WithChecksum("2 " + nameOf(k) + issLine2.substr(7, 10) + node + issLine2.substr(25, 43))
+                 << "\n";
+        }
+    }
+    KVRSatLib alone([](const std::string&) {});
+    ASSERT_TRUE(alone.SetElementFolder(m_folder.string()) && m_library.SetElementFolder(m_folder.string()));
+    ASSERT_TRUE(alone.SetObserverLatitude(52.5) && alone.SetObserverLongitude(13.4));
+    const KVRSatLib& library = m_library;
+    const double time = library.ConvertTime(now).value();
+    std::vector<double> ranges;
+    for (int k = 0; k < objects; ++k)
+        ranges.push_back(alone.Position(nameOf(k), time, 0).value().range);
+    std::barrier together(threadCount);
+    std::vector<std::thread> threads;
+    std::atomic<int> wrong = 0;
+    for (int thread = 0; thread < threadCount; ++thread) {
+        threads.emplace_back([&, thread] {
+            together.arrive_and_wait();
+            for (int k = 0; k < objects * rounds; ++k) {
+                const int object = (k * 7 + thread) % objects;
+                const auto position = library.Position(nameOf(object), time, 0);
+                wrong += !position || position->range != ranges[static_cast<std::size_t>(object)] ? 1 : 0;
+                if (k % 5000 == 0)
+                    wrong += library.PassesOf({nameOf(object), 52.5, 13.4, now, 1, 9}).passes.empty() ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, 0);
 }

@@ -143,6 +143,42 @@ TEST(PassLimitsTest, WhereDragEndsTheOrbitTheSearchEndsAndAPassUnderWayIsLeftOut
     EXPECT_GT(underWay, 0);
 }
 
+// A perigee inside the earth ends the search the first time that it is passed, however the search steps over
+// it.
+TEST(PassLimitsTest, WhereTheOrbitEntersTheEarthTheSearchEnds) {
+    std::size_t passes = 0;
+    int endings = 0;
+    for (const double eccentricity : {0.06, 0.2, 0.5, 0.72}) {
+        const double perigee = 6300; // km
+        const double axis = perigee / (1 - eccentricity);
+        const double revolutions = 86400 / twoPi * std::sqrt(398600.8 / (axis * axis * axis));
+        for (double anomaly = 20; anomaly < 340; anomaly += 17) {
+            const Elements elements = Orbit(63, 40, eccentricity, 300, anomaly, revolutions);
+            const double start = elements.epochUtc;
+            const Propagator propagator(elements);
+            if (!propagator.At(0))
+                continue;
+            double entry = 0; // seconds after the start
+            while (propagator.At(entry / 60) && entry < 3 * secondsPerDay)
+                entry += 0.5;
+            ++endings;
+            for (const double latitude : {-45.0, 10.0, 60.0}) {
+                const Sky sky(elements, latitude, 10 * anomaly, start);
+                const PassList found = sky.Find(3);
+                const std::vector<Pass> scanned = ScanAcrossFailures(sky, start, entry, 0.5);
+                EXPECT_EQ(found.error, PropagationError::None);
+                ASSERT_EQ(found.passes.size(), scanned.size())
+                    << eccentricity << ' ' << anomaly << ' ' << latitude;
+                for (std::size_t k = 0; k < scanned.size(); ++k)
+                    EXPECT_NEAR(found.passes[k].setUtc, scanned[k].setUtc, tenMilliseconds);
+                passes += scanned.size();
+            }
+        }
+    }
+    EXPECT_GT(endings, 60);
+    EXPECT_GT(passes, 20U);
+}
+
 TEST(PassLimitsTest, TimesAtWhichSunAndMoonMakeTheElementsFailAreBridged) {
     const Elements elements = Orbit(124.23, 23.22, 0.000174609, 1.95, 350.92, 0.05061);
     const double start = elements.epochUtc + 1118;

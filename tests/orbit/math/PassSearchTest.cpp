@@ -100,6 +100,45 @@ TEST(PassSearchTest, AGrazingPassOfSomeSecondsIsFoundAndANearMissIsNot) {
     EXPECT_TRUE(tiny);
 }
 
+// However flat the crossing is, and however high the orbit.
+TEST(PassSearchTest, AtRiseAndSetTheHeightIsZeroAndBetweenNothingIsHigherThanTheTop) {
+    std::size_t passes = 0;
+    double highest = 0;
+    double flattest = 1e9; // km/s
+    for (int k = 0; k < 300; ++k) {
+        const double start = 46343 + k * 0.37;
+        const Elements elements =
+            k % 3 == 0 ? Orbit(0.3 + 0.01 * k, 7.0 * k, 0.001 * (k % 9), 40.0 * k, 13.0 * k, 1.0 + 0.001 * k)
+            : k % 3 == 1 ? Orbit(63.4, 11.0 * k, 0.7, 270, 29.0 * k, 2.006)
+                         : Orbit(k % 90, 5.0 * k, 0.3, 31.0 * k, 17.0 * k, 0.5 + 0.01 * k);
+        const double latitude = -80 + k * 160.0 / 300;
+        const Sky sky(elements, latitude, 47.0 * k, start);
+        for (const Pass& pass : sky.Find(6).passes) {
+            for (double beside = -64; beside <= 64; beside += 0.5) {
+                const double time = (pass.highestUtc - start) * secondsPerDay + beside;
+                EXPECT_LT(sky.Elevation(time), pass.maxElevation + 1e-6) << k << ' ' << beside;
+            }
+            for (const double utc : {pass.riseUtc, pass.setUtc}) {
+                if (!pass.sets && utc == pass.setUtc)
+                    continue;
+                const auto height = [&](double at) {
+                    const Propagation found =
+                        sky.propagator.At((at - sky.propagator.GetElements().epochUtc) * 1440);
+                    const Vector3 place = ToEarth(found.state, SiderealTime(at)).position;
+                    return sky.observer.ToLocal(place - sky.observer.Position()).z;
+                };
+                const double second = 1 / secondsPerDay;
+                highest = std::max(highest, std::abs(height(utc)));
+                flattest = std::min(flattest, std::abs(height(utc + second) - height(utc - second)) / 2);
+                ++passes;
+            }
+        }
+    }
+    EXPECT_GT(passes, 500U);
+    EXPECT_LT(flattest, 0.1);
+    EXPECT_LT(highest * 1e3, 0.01); // m
+}
+
 TEST(PassSearchTest, APassUnderWayAtTheStartDoesNotCount) {
     const Sky sky(StationLike(), 50, 10, 46343);
     const std::vector<Pass> all = sky.Find(1).passes;

@@ -57,7 +57,7 @@ std::vector<GoldenSet> ReadGolden() {
 Elements ElementsOf(const GoldenSet& set) {
     const auto read = ReadElements(set.line1, set.line2);
     const auto* elements = std::get_if<Elements>(&read);
-    EXPECT_NE(elements, nullptr) << std::get<std::string_view>(read) << "\n"
+    EXPECT_NE(elements, nullptr) << std::get<ElementFault>(read).what << "\n"
                                  << set.line1 << "\n"
                                  << set.line2;
     return elements ? *elements : Elements{};

@@ -13,7 +13,6 @@ namespace testelements {
 
 using namespace orbitmath;
 
-inline constexpr double secondsPerDay = 86400;
 inline constexpr double tenMilliseconds = 0.01 / secondsPerDay;
 
 /// The sky over a station, asked moment by moment.
