@@ -2,6 +2,7 @@
 
 #include "app/MainMenuView.h"
 #include "app/OpenDialogs.h"
+#include "app/StatusBarView.h"
 #include "app/frmAbout.h"
 #include "core/Texts.h"
 #include "foundation/messages/mb.h"
@@ -40,6 +41,7 @@ constexpr std::chrono::milliseconds closeRetry(10); // while dialogs close
 frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages)
     : m_messages(messages)
     , m_ground(folder, clock, messages, *this)
+    , m_status(m_ground)
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
     , m_timer1(this) {
     setObjectName(QStringLiteral("frmQIRAN"));
@@ -77,6 +79,8 @@ void frmQIRAN::LayOut() {
     layout->addLayout(upper);
     layout->addWidget(txtMon, 1);
     setCentralWidget(centre);
+    staStatus = new StatusBarView(m_status);
+    setStatusBar(staStatus);
 }
 
 void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
@@ -153,6 +157,7 @@ void frmQIRAN::LoadTerminal() {
 void frmQIRAN::Show() {
     m_framLocation->Tick(true);
     m_timer1.start();
+    staStatus->Start();
     show();
 }
 
@@ -228,6 +233,7 @@ void frmQIRAN::closeEvent(QCloseEvent* event) {
 
 void frmQIRAN::ReleaseWindows() {
     m_timer1.stop();
+    staStatus->Stop();
     m_terminal.reset();
     if (frmMap* map = m_map) {
         map->close();

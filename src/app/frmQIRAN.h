@@ -2,6 +2,7 @@
 
 #include "core/GroundStation.h"
 #include "core/Roof.h"
+#include "core/StationStatus.h"
 #include "telemetry/grids/TipCell.h"
 
 #include <QMainWindow>
@@ -17,6 +18,7 @@ class mb;
 class MonitorPane;
 class QLabel;
 class QVBoxLayout;
+class StatusBarView;
 struct MainMenuView;
 
 /// The main window: the roof of windows over the station. Loading it starts the program, closing it ends the
@@ -63,6 +65,7 @@ private:
 
     mb& m_messages;
     GroundStation m_ground;
+    StationStatus m_status;
     TipCell m_tipCell;
     std::unique_ptr<MainMenuView> m_menu;
     std::unique_ptr<frmTerm> m_terminal;
@@ -71,6 +74,7 @@ private:
     bool m_isClosing = false;
     MonitorPane* txtMon;
     QLabel* Label2;
+    StatusBarView* staStatus;
     framLocation* m_framLocation = nullptr;
     QVBoxLayout* m_side; // beside the grids: the explanation, and the tracking panel once there is one
 };

@@ -23,6 +23,12 @@ public:
 
     bool blnConectedToAgw() const override { return m_isConnected; }
 
+    /// Milliseconds until the next attempt; below 0 while none is waited for.
+    int RetryIn() const { return m_timRetry.remainingTime(); }
+
+    /// Where the link connects to, as the user named it.
+    virtual QString HostName() const = 0;
+
     /// How long after a loss the next attempt follows, milliseconds; 30,000 unless set.
     void SetRetryInterval(int milliseconds) { m_timRetry.setInterval(milliseconds); }
 

@@ -1,73 +1,11 @@
 #include "core/GroundStation.h"
 
-#include "core/Roof.h"
+#include "core/StationRig.h"
 #include "core/Texts.h"
-#include "foundation/messages/mb.h"
-#include "pesim/EngineSimulator.h"
-#include "support/RecordingPresenter.h"
-#include "support/TemporaryProgramFolder.h"
-#include "support/TestClock.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-/// Notes its turns.
-class NotingRoof : public Roof {
-public:
-    QStringList turns;
-    std::function<void(const QString&)> atTurn = [](const QString&) {};
-
-    void Announce() override { Turn(u"announce"_s); }
-    void PlaceWindow() override { Turn(u"place"_s); }
-    void PrepareTracking() override { Turn(u"tracking"_s); }
-    void LoadTerminal() override { Turn(u"terminal"_s); }
-    void Show() override { Turn(u"show"_s); }
-    void ReleaseWindows() override { Turn(u"release"_s); }
-    bool SaveWindowPlace() override {
-        Turn(u"save"_s);
-        return savesPlace;
-    }
-
-    bool savesPlace = true;
-
-private:
-    void Turn(const QString& name) {
-        turns.append(name);
-        atTurn(name);
-    }
-};
-
-struct Fixture {
-    TemporaryProgramFolder folder;
-    TestClock clock;
-    RecordingPresenter presenter;
-    mb messages{presenter};
-    NotingRoof roof;
-    EngineSimulator engine;
-    std::unique_ptr<GroundStation> station;
-
-    Fixture() {
-        folder.Write(u"formula.txt"_s, "A,2,TEMP,X+,0,0,1,0\r\n");
-        if (!engine.Listen())
-            qFatal("no port");
-        Set("AGWPE", "HOST_ADDRESS", u"127.0.0.1"_s);
-        Set("AGWPE", "HOST_PORT", QString::number(engine.Port()));
-        station = std::make_unique<GroundStation>(folder.Program(), clock, messages, roof);
-    }
-
-    void Set(const char* section, const char* key, const QString& value) const {
-        clsIni(folder.IniFile()).SaveIniString(QLatin1StringView(section), QLatin1StringView(key), value);
-    }
-    QString Get(const char* section, const char* key) const {
-        return clsIni(folder.IniFile())
-            .GetIniString(QLatin1StringView(section), QLatin1StringView(key), u"absent"_s);
-    }
-};
-
-} // namespace
 
 class GroundStationTest : public QObject {
     Q_OBJECT
@@ -86,7 +24,7 @@ private Q_SLOTS:
 };
 
 void GroundStationTest::theRoofHasItsTurnsInTheOrderOfTheStart() {
-    Fixture f;
+    StationRig f;
     QStringList atPlace;
     f.roof.atTurn = [&](const QString& turn) {
         if (turn == u"place") // the settings that stand before the window's are read, those behind it are not
@@ -103,7 +41,7 @@ void GroundStationTest::theRoofHasItsTurnsInTheOrderOfTheStart() {
 }
 
 void GroundStationTest::aSecondStationInTheFolderIsRefused() {
-    Fixture f;
+    StationRig f;
     QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
     NotingRoof roof;
     GroundStation second(f.folder.Program(), f.clock, f.messages, roof);
@@ -113,7 +51,7 @@ void GroundStationTest::aSecondStationInTheFolderIsRefused() {
 }
 
 void GroundStationTest::withoutFormulaeNothingOfTheStartFollows() {
-    Fixture f;
+    StationRig f;
     QFile::remove(f.folder.File(u"formula.txt"_s));
     QCOMPARE(f.station->Start(), GroundStation::Outcome::NoFormulae);
     QCOMPARE(f.presenter.messages.size(), 1);
@@ -124,7 +62,7 @@ void GroundStationTest::withoutFormulaeNothingOfTheStartFollows() {
 }
 
 void GroundStationTest::aStationRunsWithoutAnyRoof() {
-    Fixture f;
+    StationRig f;
     Roof none;
     GroundStation station(f.folder.Program(), f.clock, f.messages, none);
     QCOMPARE(station.Start(), GroundStation::Outcome::Started);
@@ -137,7 +75,7 @@ void GroundStationTest::aStationRunsWithoutAnyRoof() {
 }
 
 void GroundStationTest::theObserverFollowsTheStation() {
-    Fixture f;
+    StationRig f;
     f.folder.Write(u"Keps/iss.txt"_s,
                    "ISS (ZARYA)\r\n"
                    "1 25544U 98067A   26324.50000000  .00010000  00000-0  18000-3 0  9995\r\n"
@@ -155,7 +93,7 @@ void GroundStationTest::theObserverFollowsTheStation() {
 }
 
 void GroundStationTest::theLogIsWrittenWhileTheTerminalExists() {
-    Fixture f;
+    StationRig f;
     f.Set("TERMINAL", "LOGGING", u"True"_s);
     QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
     const auto log = [&] { return f.folder.Read(u"LOGS/20261121.TXT"_s); };
@@ -171,7 +109,7 @@ void GroundStationTest::theLogIsWrittenWhileTheTerminalExists() {
 }
 
 void GroundStationTest::statusLinesAreToldOneByOne() {
-    Fixture f;
+    StationRig f;
     QStringList lines;
     connect(f.station.get(), &GroundStation::StatusLine, this,
             [&](const QString& line) { lines.append(line); });
@@ -192,7 +130,7 @@ void GroundStationTest::theSatelliteIsSavedWhereTheWindowsPlaceIs_data() {
 
 void GroundStationTest::theSatelliteIsSavedWhereTheWindowsPlaceIs() {
     QFETCH(const bool, saves);
-    Fixture f;
+    StationRig f;
     f.roof.savesPlace = saves;
     QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
     f.station->satellites.Toggle();
@@ -201,7 +139,7 @@ void GroundStationTest::theSatelliteIsSavedWhereTheWindowsPlaceIs() {
 }
 
 void GroundStationTest::replayedFramesAreNeitherShownNorLogged() {
-    Fixture f;
+    StationRig f;
     f.Set("TERMINAL", "LOGGING", u"True"_s);
     QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
     f.station->terminal.log.OpenTrafficLog();
@@ -219,7 +157,7 @@ void GroundStationTest::replayedFramesAreNeitherShownNorLogged() {
 }
 
 void GroundStationTest::whatIsMissingIsTold() {
-    Fixture f;
+    StationRig f;
     QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
     QVERIFY(f.presenter.messages.isEmpty());
     f.station->ShowNotices();

@@ -20,6 +20,7 @@ public:
     void AgwReconnect() { Reconnect(); }
 
     int PortCount() const override { return m_client.PortCount(); }
+    QString HostName() const override { return m_client.Host(); }
 
     /// Sends the data in Windows-1252. What cannot be sent is reported by ShowLinkError.
     void SendUnproto(qint16 port, const QString& source, const QString& destination,

@@ -29,6 +29,8 @@ public:
     /// connection.
     int PortCount() const override { return m_client.IsConnected() ? 16 : 0; }
 
+    QString HostName() const override { return m_host; }
+
     /// Sends the data in Windows-1252, and hands it on as transmitted, since a TNC echoes nothing. What
     /// cannot be sent is a status line, a number and a text.
     void SendUnproto(qint16 port, const QString& source, const QString& destination,

@@ -1,0 +1,131 @@
+#include "core/StationStatus.h"
+
+#include "core/StationRig.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class StationStatusTest : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void theLinkIsConnectedOrWaits();
+    void framesOfTheSatelliteAreCountedByDay();
+    void ownFramesAreNotHeard();
+    void theElementsAgeIsNamed_data();
+    void theElementsAgeIsNamed();
+    void theNextRiseCountsDown();
+    void withoutAPositionNothingRises();
+};
+
+namespace {
+
+// Elements of the station rig's satellite, epoch 2026-11-20 12:00 UTC.
+void WriteElements(const StationRig& rig) {
+    rig.folder.Write(u"Keps/qiran.txt"_s,
+                     "QIRAN\r\n"
+                     "1 90417U 26001A   26324.50000000  .00000100  00000-0  18000-4 0  9996\r\n"
+                     "2 90417  97.6000 100.0000 0010000  60.0000 300.0000 14.30000000000015\r\n");
+}
+
+HeardFrame Heard(const StationRig& rig, QByteArrayView source) {
+    return {.utc = rig.clock.Milliseconds(), .source = source};
+}
+
+} // namespace
+
+void StationStatusTest::theLinkIsConnectedOrWaits() {
+    StationRig rig;
+    StationStatus status(*rig.station);
+    QCOMPARE(rig.station->Start(), GroundStation::Outcome::Started);
+    QCOMPARE(status.Now().link, u"Connecting to 127.0.0.1"_s);
+    QTRY_COMPARE(status.Now().link, u"Connected to 127.0.0.1"_s);
+    rig.engine.DropConnections();
+    QTRY_VERIFY(status.Now().link.startsWith(u"Retrying in "));
+    QVERIFY(status.Now().link.endsWith(u" s"));
+}
+
+void StationStatusTest::framesOfTheSatelliteAreCountedByDay() {
+    StationRig rig;
+    rig.clock.Set(DateOf(2026, 11, 21) + 23.0 / 24.0 + 59.0 / 1440.0);
+    StationStatus status(*rig.station);
+    QCOMPARE(rig.station->Start(), GroundStation::Outcome::Started);
+    QCOMPARE(status.Now().lastFrame, u"No frame heard"_s);
+    for (const char* source : {"XQ9ZZ-1", "N0CALL", "QIRAN"})
+        rig.station->heard.Hand(Heard(rig, source));
+    QCOMPARE(status.Now().today, u"2 today"_s);
+    QCOMPARE(status.Now().lastFrame, u"QIRAN at 23:59:00"_s);
+    rig.clock.Advance(61.0);
+    rig.station->heard.Hand(Heard(rig, "QIRAN"));
+    QCOMPARE(status.Now().today, u"1 today"_s);
+    rig.clock.Advance(86400.0);
+    QCOMPARE(status.Now().today, u"0 today"_s);
+}
+
+void StationStatusTest::ownFramesAreNotHeard() {
+    StationRig rig;
+    StationStatus status(*rig.station);
+    QCOMPARE(rig.station->Start(), GroundStation::Outcome::Started);
+    HeardFrame frame = Heard(rig, "QIRAN");
+    frame.kind = HeardFrame::Kind::T;
+    rig.station->heard.Hand(frame);
+    QCOMPARE(status.Now().lastFrame, u"No frame heard"_s);
+    QCOMPARE(status.Now().today, u"0 today"_s);
+}
+
+void StationStatusTest::theElementsAgeIsNamed_data() {
+    QTest::addColumn<double>("days");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isOld");
+    QTest::newRow("fresh") << 0.5 << u"Elements 0 d"_s << false;
+    QTest::newRow("two weeks") << 13.9 << u"Elements 13 d"_s << false;
+    QTest::newRow("more than two weeks") << 14.1 << u"Elements 14 d"_s << true;
+    QTest::newRow("from tomorrow") << -1.0 << u"Elements 0 d"_s << false;
+}
+
+void StationStatusTest::theElementsAgeIsNamed() {
+    QFETCH(const double, days);
+    StationRig rig;
+    rig.clock.Set(DateOf(2026, 11, 20) + 0.5 + days);
+    StationStatus status(*rig.station);
+    WriteElements(rig);
+    QCOMPARE(rig.station->Start(), GroundStation::Outcome::Started);
+    QTEST(status.Now().elements, "text");
+    QTEST(status.Now().areElementsOld, "isOld");
+}
+
+void StationStatusTest::theNextRiseCountsDown() {
+    StationRig rig;
+    rig.Set("SETUP", "LATITUDE", u"5130.00N"_s);
+    rig.Set("SETUP", "LONGITUDE", u"00007.50W"_s);
+    WriteElements(rig);
+    StationStatus status(*rig.station);
+    QCOMPARE(rig.station->Start(), GroundStation::Outcome::Started);
+    QVERIFY(status.Now().nextRise.startsWith(u"QIRAN rises in "));
+    QVERIFY(status.NextRise());
+    const DateTime rise = status.NextRise()->utc;
+    QVERIFY(rise > FromCalendar(rig.clock.Utc()));
+    const auto before = [&](double seconds) {
+        rig.clock.Set(rise - seconds / secondsPerDay);
+        return status.Now().nextRise;
+    };
+    QCOMPARE(before(3601.0), u"QIRAN rises in 1 h 1 min"_s);
+    QCOMPARE(before(3539.0), u"QIRAN rises in 59 min"_s);
+    QCOMPARE(before(121.0), u"QIRAN rises in 3 min"_s);
+    QCOMPARE(before(119.0), u"QIRAN rises in 119 s"_s);
+    QCOMPARE(before(1.0), u"QIRAN rises in 1 s"_s);
+    before(-1.0); // over: the one that follows
+    QVERIFY(status.NextRise()->utc > rise + 0.01);
+}
+
+void StationStatusTest::withoutAPositionNothingRises() {
+    StationRig rig;
+    WriteElements(rig);
+    StationStatus status(*rig.station);
+    QCOMPARE(rig.station->Start(), GroundStation::Outcome::Started);
+    QCOMPARE(status.Now().nextRise, QString());
+    QVERIFY(!status.NextRise());
+}
+
+QTEST_GUILESS_MAIN(StationStatusTest)
+#include "StationStatusTest.moc"
