@@ -1,0 +1,24 @@
+#pragma once
+
+#include "cli/output/RecordWriter.h"
+#include "cli/table/Session.h"
+
+#include <QString>
+
+/// What commands have in common.
+namespace Answers {
+
+/// Says why it did not work; answers ExitCode::Failed.
+int Fail(const Session& session, const QString& why);
+
+/// Says why it cannot be asked for like this; answers ExitCode::WrongCall.
+int Wrong(const Session& session, const QString& why);
+
+/// Why what needs the station's position cannot be answered.
+QString PositionUnknown();
+
+/// How the user wants records printed, and times in text.
+RecordWriter::Format FormatOf(const Session& session);
+RecordWriter::Zone ZoneOf(const Session& session);
+
+} // namespace Answers

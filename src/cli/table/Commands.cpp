@@ -1,0 +1,60 @@
+#include "cli/table/Commands.h"
+
+#include "cli/table/Options.h"
+
+#include <array>
+
+namespace Commands {
+
+// Each stands in src/cli/commands in a file of its own, named after it.
+int ConfigGet(const Session& session);
+int ConfigList(const Session& session);
+int ConfigSet(const Session& session);
+int Generate(const Session& session);
+
+std::span<const Command> All() {
+    using namespace Options;
+    static const std::vector<Command> commands{
+        {.name = u"config list",
+         .summary = u"All settings.",
+         .description =
+             u"Prints every setting with its value and its default, and the satellite's callsigns with "
+             u"their sides. A password and a token are shown as asterisks.",
+         .arguments = {},
+         .options = {&format},
+         .run = ConfigList},
+        {.name = u"config get",
+         .summary = u"The value of one setting.",
+         .description =
+             u"Prints the value, or the default where nothing else is set. A password and a token are shown "
+             u"as asterisks.",
+         .arguments = {{.name = u"SECTION/KEY"}},
+         .options = {&format},
+         .run = ConfigGet},
+        {.name = u"config set",
+         .summary = u"Changes one setting.",
+         .description =
+             u"Stores the value when the setting can take it, and says what it can take otherwise. "
+             u"AGWPE/PASSWORD and FORWARD/TOKEN are read from standard input, not from the command line, "
+             u"which other users see. CALLSIGNS/CALLSIGN takes the side A or B, or nothing to remove the "
+             u"callsign. No station may be running in the program folder.",
+         .arguments = {{.name = u"SECTION/KEY"}, {.name = u"VALUE", .isOptional = true}},
+         .options = {},
+         .run = ConfigSet},
+        {.name = u"generate",
+         .summary = u"Prints the manual page or the completion for bash.",
+         .description = u"Used when the program is built.",
+         .arguments = {{.name = u"manual|completion"}},
+         .options = {},
+         .run = Generate,
+         .isHidden = true},
+    };
+    return commands;
+}
+
+std::span<const Option* const> GlobalOptions() {
+    static constexpr std::array options{&Options::folder, &Options::help, &Options::version};
+    return options;
+}
+
+} // namespace Commands
