@@ -189,7 +189,7 @@ class Generated(CommandTest):
         formatted = subprocess.run(["man", "--warnings", "-E", "UTF-8", "-l", page], capture_output=True, text=True,
                                    env=self.environment | {"MANWIDTH": "100"}, check=True)
         self.assertEqual(formatted.stderr, "")
-        text = re.sub(r".\x08", "", formatted.stdout)
+        text = re.sub(r"\s+", " ", re.sub(r".\x08", "", formatted.stdout))
         commands = re.findall(r"^  (\w+(?: \w+)?)  ", self.call("--help").split("Options:")[0], re.MULTILINE)
         self.assertIn("config set", commands)
         for words in commands:

@@ -27,9 +27,9 @@ struct Lines {
         QByteArrayList texts;
         for (const OwnedFrame& frame : frames) {
             const HeardFrame view = frame.View();
-            texts.append(static_cast<char>(view.kind) + QByteArray::number(view.port) + ' ' + view.source.toByteArray() +
-                         '>' + view.destination.toByteArray() + ',' + view.path.toByteArray() + ':' +
-                         view.information.toByteArray());
+            texts.append(static_cast<char>(view.kind) + QByteArray::number(view.port) + ' ' +
+                         view.source.toByteArray() + '>' + view.destination.toByteArray() + ',' +
+                         view.path.toByteArray() + ':' + view.information.toByteArray());
         }
         return texts.join('\n');
     }
@@ -51,7 +51,9 @@ void FrameLinesTest::findsAFrameInOneLine_data() {
     add("a time and a channel", "[0] 15:28:43 QIRAN-3>APRS:T#024", "U1 QIRAN-3>APRS,:T#024");
     add("a callsign that begins with a digit", "2026-11-21T15:28Z 9A1AB>APRS:T#024", "U1 9A1AB>APRS,:T#024");
     add("colons in the information", "QIRAN>APRS::BLN1     :5>3", "U1 QIRAN>APRS,::BLN1     :5>3");
-    add("written bytes", "QIRAN>APRS:a<0x0d><0xfc>b<0xzz>", "U1 QIRAN>APRS,:a\r\xFC""b<0xzz>");
+    add("written bytes", "QIRAN>APRS:a<0x0d><0xfc>b<0xzz>",
+        "U1 QIRAN>APRS,:a\r\xFC"
+        "b<0xzz>");
     add("nothing in it", "QIRAN>APRS:", "U1 QIRAN>APRS,:");
 }
 

@@ -1,7 +1,6 @@
 #include "cli/commands/Answers.h"
 
 #include "cli/output/Console.h"
-#include "cli/table/Options.h"
 
 namespace Answers {
 
@@ -20,11 +19,11 @@ QString PositionUnknown() {
                           "SETUP/LONGITUDE");
 }
 
-RecordWriter::Format FormatOf(const Session& session) {
-    const QString format = session.call.Get<QString>(Options::format).value_or(QString());
-    if (format == u"json")
+RecordWriter::Format FormatOf(const Session& session, const Option& format) {
+    const QString wanted = session.call.Get<QString>(format).value_or(QString());
+    if (wanted == u"json")
         return RecordWriter::Format::Json;
-    return format == u"csv" ? RecordWriter::Format::Csv : RecordWriter::Format::Text;
+    return wanted == u"csv" ? RecordWriter::Format::Csv : RecordWriter::Format::Text;
 }
 
 RecordWriter::Zone ZoneOf(const Session& session) {

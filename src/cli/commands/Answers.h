@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/output/RecordWriter.h"
+#include "cli/table/Options.h"
 #include "cli/table/Session.h"
 
 #include <QString>
@@ -17,8 +18,10 @@ int Wrong(const Session& session, const QString& why);
 /// Why what needs the station's position cannot be answered.
 QString PositionUnknown();
 
-/// How the user wants records printed, and times in text.
-RecordWriter::Format FormatOf(const Session& session);
+/// How the user wants records printed; `format` is the option that says it.
+RecordWriter::Format FormatOf(const Session& session, const Option& format = Options::format);
+
+/// Whose times stand in text.
 RecordWriter::Zone ZoneOf(const Session& session);
 
 } // namespace Answers

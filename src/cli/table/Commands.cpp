@@ -11,10 +11,37 @@ int ConfigGet(const Session& session);
 int ConfigList(const Session& session);
 int ConfigSet(const Session& session);
 int Generate(const Session& session);
+int KepsList(const Session& session);
+int Passes(const Session& session);
+int Where(const Session& session);
 
 std::span<const Command> All() {
     using namespace Options;
     static const std::vector<Command> commands{
+        {.name = u"passes",
+         .summary = u"When satellites pass over the station.",
+         .description =
+             u"Lists the passes that begin from now on, or from the time given on. One that is under way has "
+             u"begun already.",
+         .arguments = {},
+         .options = {&satellite, &days, &count, &from, &at, &minElevation, &passFormat, &local},
+         .run = Passes},
+        {.name = u"where",
+         .summary = u"Where satellites are now.",
+         .description =
+             u"Prints the point under a satellite and, where the station's position is known, how the "
+             u"satellite stands in its sky and when it is due.",
+         .arguments = {},
+         .options = {&satellite, &at, &frequency, &every, &format, &local},
+         .run = Where},
+        {.name = u"keps list",
+         .summary = u"The orbital elements in the Keps folder.",
+         .description = u"Prints every good set of elements, file by file, and how old it is. What is wrong "
+                        u"with others is "
+                        u"said.",
+         .arguments = {},
+         .options = {&format, &local},
+         .run = KepsList},
         {.name = u"config list",
          .summary = u"All settings.",
          .description =

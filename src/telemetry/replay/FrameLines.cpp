@@ -9,20 +9,21 @@
 namespace {
 
 // SOURCE>DESTINATION,DIGIPEATERS
-const QString addresses = QStringLiteral("(?<source>[^\\s>,:*]+)>(?<destination>[^\\s>,:*]+)(?:,(?<path>[^\\s>:]*))?");
+const QString addresses =
+    QStringLiteral("(?<source>[^\\s>,:*]+)>(?<destination>[^\\s>,:*]+)(?:,(?<path>[^\\s>:]*))?");
 
 const QRegularExpression logHeader(
     QRegularExpression::anchoredPattern(QStringLiteral("\\d\\d:\\d\\d:\\d\\d(?<mark>[RT]?) ") + addresses +
                                         QStringLiteral("(?: Port=(?<port>\\d+) <(?<control>[^>]*)>)?:")));
 
-const QRegularExpression monitorLine(
-    QRegularExpression::anchoredPattern(
-        QStringLiteral("(?<before>(?:\\[[^\\]]*\\]\\s*|(?:UTC|GMT|[0-9][0-9TZ:.,/+-]*)\\s+)*)") + addresses +
-        QStringLiteral(":(?<information>.*)")),
-    QRegularExpression::DotMatchesEverythingOption);
+const QRegularExpression
+    monitorLine(QRegularExpression::anchoredPattern(
+                    QStringLiteral("(?<before>(?:\\[[^\\]]*\\]\\s*|(?:UTC|GMT|[0-9][0-9TZ:.,/+-]*)\\s+)*)") +
+                    addresses + QStringLiteral(":(?<information>.*)")),
+                QRegularExpression::DotMatchesEverythingOption);
 
-const QRegularExpression timeWithZone(
-    QStringLiteral("(\\d{4}-\\d\\d-\\d\\d)[T ](\\d\\d:\\d\\d(?::\\d\\d(?:\\.\\d+)?)?) ?(Z|UTC|[+-]\\d\\d:\\d\\d)"));
+const QRegularExpression timeWithZone(QStringLiteral(
+    "(\\d{4}-\\d\\d-\\d\\d)[T ](\\d\\d:\\d\\d(?::\\d\\d(?:\\.\\d+)?)?) ?(Z|UTC|[+-]\\d\\d:\\d\\d)"));
 
 const QRegularExpression writtenByte(QStringLiteral("<0x([0-9A-Fa-f]{2})>"));
 
@@ -75,7 +76,8 @@ bool FrameLines::TakeHeader(const QString& line) {
     m_source = Text::ToBytes(header.captured(QStringLiteral("source")));
     m_destination = Text::ToBytes(header.captured(QStringLiteral("destination")));
     m_path = Text::ToBytes(header.captured(QStringLiteral("path")));
-    m_frame = {.kind = KindOf(header)};
+    m_frame = {};
+    m_frame.kind = KindOf(header);
     if (const qint16 port = header.captured(QStringLiteral("port")).toShort(); port > 0)
         m_frame.port = port;
     return true;
@@ -88,7 +90,8 @@ bool FrameLines::TakeMonitorLine(const QString& line) {
     m_source = Text::ToBytes(found.captured(QStringLiteral("source")));
     m_destination = Text::ToBytes(found.captured(QStringLiteral("destination")));
     m_path = Text::ToBytes(found.captured(QStringLiteral("path")));
-    m_frame = {.utc = TimeIn(found.captured(QStringLiteral("before")))};
+    m_frame = {};
+    m_frame.utc = TimeIn(found.captured(QStringLiteral("before")));
     Hand(InformationOf(found.captured(QStringLiteral("information"))));
     return true;
 }
