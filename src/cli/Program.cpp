@@ -4,6 +4,7 @@
 #include "cli/table/Invocation.h"
 #include "cli/table/Session.h"
 #include "cli/texts/HelpText.h"
+#include "core/Texts.h"
 #include "foundation/settings/ProgramFolder.h"
 
 int RunProgram(const QStringList& words, const QString& executableFolder, Console& console,
@@ -17,7 +18,7 @@ int RunProgram(const QStringList& words, const QString& executableFolder, Consol
         console.Print(HelpText::Of(invocation.command));
         return console.Finish(ExitCode::Done);
     case Invocation::Action::Version:
-        console.Print(QStringLiteral("qirandecode-cli " QIRAN_VERSION "\n"));
+        console.Print(QStringLiteral("qirandecode-cli %1\n").arg(Texts::VersionNumber()));
         return console.Finish(ExitCode::Done);
     case Invocation::Action::Run:
         break;

@@ -19,6 +19,12 @@ QString PositionUnknown() {
                           "SETUP/LONGITUDE");
 }
 
+QString NoFormulae(const QString& path) {
+    return QStringLiteral("put the satellite's calibration formulae into the file %1; formula.example.txt among the "
+                          "program's files is an example")
+        .arg(path);
+}
+
 RecordWriter::Format FormatOf(const Session& session, const Option& format) {
     const QString wanted = session.call.Get<QString>(format).value_or(QString());
     if (wanted == u"json")

@@ -2,6 +2,7 @@
 #include "cli/output/Console.h"
 #include "cli/texts/Completion.h"
 #include "cli/texts/ManualPage.h"
+#include "core/Texts.h"
 
 namespace Commands {
 
@@ -10,7 +11,7 @@ int Generate(const Session& session);
 int Generate(const Session& session) {
     const QString& wanted = session.call.Arguments().first();
     if (wanted == u"manual")
-        session.console.Print(ManualPage(QStringLiteral(QIRAN_VERSION)));
+        session.console.Print(ManualPage(Texts::VersionNumber()));
     else if (wanted == u"completion")
         session.console.Print(Completion());
     else

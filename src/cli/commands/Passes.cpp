@@ -4,6 +4,7 @@
 #include "cli/output/Console.h"
 #include "cli/output/Records.h"
 #include "cli/table/Options.h"
+#include "core/Texts.h"
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/Settings.h"
 #include "foundation/text/Clock.h"
@@ -133,7 +134,7 @@ void PrintCalendar(const Session& session, const Sky& sky, const std::vector<Fou
                        .alarmMinutes = alarm});
     }
     session.console.Print(
-        Calendar(events, QStringLiteral("qirandecode-cli " QIRAN_VERSION), session.clock.Milliseconds()));
+        Calendar(events, QStringLiteral("qirandecode-cli ") + Texts::VersionNumber(), session.clock.Milliseconds()));
 }
 
 } // namespace

@@ -13,7 +13,7 @@ struct Column {
     enum class Kind {
         Text,
         Whole,   ///< a whole number
-        Decimal, ///< a number with `decimals` decimals, or as many as it has where they are below 0
+        Decimal, ///< a number with `decimals` decimals, or up to 15 significant digits where they are below 0
         Seconds, ///< a moment, to the second
         Moment,  ///< a moment, to the millisecond
         List,    ///< texts

@@ -3,8 +3,6 @@
 #include "cli/output/Console.h"
 #include "foundation/text/UtcTime.h"
 
-#include <QLocale>
-
 #include <algorithm>
 #include <cmath>
 
@@ -27,8 +25,9 @@ bool IsTime(const Column& column) {
 
 // "." in every locale, and no sign before a number that is rounded to 0.
 QString NumberText(const Column& column, double value) {
+    constexpr int significantDigits = 15; // as many as a double surely has
     if (column.decimals < 0)
-        return QString::number(value, 'g', QLocale::FloatingPointShortest);
+        return QString::number(value, 'g', significantDigits);
     const QString text = QString::number(value, 'f', column.decimals);
     const bool isZero = text.startsWith(u'-') && text.toDouble() == 0.0;
     return isZero ? text.sliced(1) : text;
@@ -51,7 +50,21 @@ std::optional<QString> CellText(const Column& column, const FieldValue& value, Z
                                : UtcTime::ToText(*whole, DigitsOf(column));
 }
 
-// A terminal would obey control characters, and some come from the air.
+QByteArray CsvCell(const QString& cell) {
+    QByteArray bytes = cell.toUtf8();
+    const bool isPlain = std::none_of(bytes.begin(), bytes.end(),
+                                      [](char c) { return c == ',' || c == '"' || c == '\r' || c == '\n'; });
+    return isPlain ? bytes : '"' + bytes.replace("\"", "\"\"") + '"';
+}
+
+} // namespace
+
+namespace RecordText {
+
+QString Cell(const Column& column, const FieldValue& value, Zone zone) {
+    return CellText(column, value, zone).value_or(QString());
+}
+
 QString Shown(const QString& text) {
     QString shown;
     for (const QChar c : text) {
@@ -63,17 +76,6 @@ QString Shown(const QString& text) {
     }
     return shown;
 }
-
-QByteArray CsvCell(const QString& cell) {
-    QByteArray bytes = cell.toUtf8();
-    const bool isPlain = std::none_of(bytes.begin(), bytes.end(),
-                                      [](char c) { return c == ',' || c == '"' || c == '\r' || c == '\n'; });
-    return isPlain ? bytes : '"' + bytes.replace("\"", "\"\"") + '"';
-}
-
-} // namespace
-
-namespace RecordText {
 
 QByteArray JsonString(const QString& text) {
     QByteArray json = "\"";
@@ -112,7 +114,7 @@ QByteArray Csv(const RecordType& type, const Record& record) {
     QByteArrayList cells;
     for (qsizetype i = 0; i < record.size(); ++i)
         cells.append(CsvCell(
-            CellText(type.columns[static_cast<std::size_t>(i)], record[i], Zone::Utc).value_or(QString())));
+            Cell(type.columns[static_cast<std::size_t>(i)], record[i])));
     return cells.join(',');
 }
 
@@ -157,8 +159,7 @@ void RecordWriter::Write(const Record& record) {
     else {
         QStringList cells;
         for (qsizetype i = 0; i < record.size(); ++i)
-            cells.append(Shown(CellText(m_type.columns[static_cast<std::size_t>(i)], record[i], m_zone)
-                                   .value_or(QString())));
+            cells.append(RecordText::Shown(RecordText::Cell(m_type.columns[static_cast<std::size_t>(i)], record[i], m_zone)));
         m_console.Print(TextLine(cells));
     }
 }

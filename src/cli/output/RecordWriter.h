@@ -42,6 +42,12 @@ QByteArray Json(const RecordType& type, const Record& record);
 QByteArray Csv(const RecordType& type, const Record& record);
 QByteArray CsvHead(const RecordType& type);
 
+/// A field as text, empty without a value.
+QString Cell(const Column& column, const FieldValue& value, RecordWriter::Zone zone = RecordWriter::Zone::Utc);
+
+/// A text for terminals, which would obey its control characters: they become "<0x1b>".
+QString Shown(const QString& text);
+
 /// A text as JSON writes it, in double quotes.
 QByteArray JsonString(const QString& text);
 

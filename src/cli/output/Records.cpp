@@ -7,6 +7,49 @@ namespace Records {
 using Kind = Column::Kind;
 
 // NOLINTBEGIN(cert-err58-cpp): memory for these few is there, or nothing is.
+const RecordType status{
+    "status",
+    u"What became of the link to the packet engine, and the like.",
+    {
+        {"utc", Kind::Moment, 0, 24, u"when it was said"},
+        {"text", Kind::Text, 0, 0, u"a line"},
+    },
+};
+
+const RecordType frame{
+    "frame",
+    u"A frame that was heard.",
+    {
+        {"utc", Kind::Moment, 0, 24, u"when it came"},
+        {"port", Kind::Whole, 0, 4, u"radio port, from 1"},
+        {"kind", Kind::Text, 0, 4, u"U a UI frame, I and S of connections, T one that the own engine sent"},
+        {"source", Kind::Text, 0, 9, u"callsign with SSID"},
+        {"destination", Kind::Text, 0, 11, u"callsign with SSID"},
+        {"path", Kind::List, 0, 20, u"digipeaters; * behind one that is known to have repeated the frame"},
+        {"pid", Kind::Whole, 0, 3, u"protocol identifier, where it is known"},
+        {"text", Kind::Text, 0, 0, u"the information field, read as Windows-1252"},
+        {"hex", Kind::Text, 0, 0, u"its bytes, where they are known to be complete"},
+    },
+};
+
+const RecordType reading{
+    "reading",
+    u"A channel of a telemetry line of the satellite.",
+    {
+        {"utc", Kind::Moment, 0, 24, u"when the frame came"},
+        {"source", Kind::Text, 0, 9, u"the callsign that sent it"},
+        {"side", Kind::Text, 0, 4, u"of the satellite, A or B"},
+        {"sequence", Kind::Text, 0, 8, u"the line's first field"},
+        {"frame_type", Kind::Whole, 0, 10, u"0 to 3"},
+        {"channel", Kind::Whole, 0, 7, u"1 to 4"},
+        {"grid", Kind::Text, 0, 7, u"POWER, CURRENT or TEMP"},
+        {"row", Kind::Text, 0, 6, u"of the grid"},
+        {"raw", Kind::Decimal, -1, 5, u"as sent"},
+        {"value", Kind::Decimal, -1, 8, u"converted, where there is a formula for it"},
+        {"unit", Kind::Text, 0, 4, u"of the value, where it is known"},
+    },
+};
+
 const RecordType pass{
     "pass",
     u"A pass over the station.",
@@ -68,7 +111,7 @@ const RecordType setting{
 // NOLINTEND(cert-err58-cpp)
 
 std::span<const RecordType* const> All() {
-    static constexpr std::array all{&pass, &position, &elements, &setting};
+    static constexpr std::array all{&status, &frame, &reading, &pass, &position, &elements, &setting};
     return all;
 }
 

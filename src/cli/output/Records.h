@@ -7,6 +7,9 @@
 /// The kinds of records of the command line. Fields are only ever added.
 namespace Records {
 
+extern const RecordType status;
+extern const RecordType frame;
+extern const RecordType reading;
 extern const RecordType pass;
 extern const RecordType position;
 extern const RecordType elements;

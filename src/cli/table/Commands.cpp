@@ -11,13 +11,31 @@ int ConfigGet(const Session& session);
 int ConfigList(const Session& session);
 int ConfigSet(const Session& session);
 int Generate(const Session& session);
+int Decode(const Session& session);
+int KepsFetch(const Session& session);
 int KepsList(const Session& session);
+int Listen(const Session& session);
 int Passes(const Session& session);
 int Where(const Session& session);
 
 std::span<const Command> All() {
     using namespace Options;
     static const std::vector<Command> commands{
+        {.name = u"listen",
+         .summary = u"The station without a window, until it is asked to end.",
+         .description = u"Connects to the packet engine, and again after a loss; prints frames, the satellite's "
+                        u"telemetry in converted values and what becomes of the link; writes the traffic log where "
+                        u"TERMINAL/LOGGING is on. One station runs in a program folder at a time.",
+         .arguments = {},
+         .options = {&listenFormat, &quiet, &fetchKeps},
+         .run = Listen},
+        {.name = u"decode",
+         .summary = u"Telemetry lines out of files or standard input, in converted values.",
+         .description = u"Understands lines of a callsign and its nine fields, TNC2 monitor lines, and this program's "
+                        u"traffic logs. Lines that are none of these are counted, and said at the end.",
+         .arguments = {{.name = u"FILE", .isOptional = true, .isRepeated = true}},
+         .options = {&check, &format, &local},
+         .run = Decode},
         {.name = u"passes",
          .summary = u"When satellites pass over the station.",
          .description =
@@ -34,6 +52,14 @@ std::span<const Command> All() {
          .arguments = {},
          .options = {&satellite, &at, &frequency, &every, &format, &local},
          .run = Where},
+        {.name = u"keps fetch",
+         .summary = u"Fetches orbital elements from the addresses in the settings.",
+         .description = u"Puts the files of KEPS/FILE_1 and KEPS/FILE_2 into the Keps folder when they hold elements. "
+                        u"A server is not asked again within two hours of a success. A station that runs in the "
+                        u"program folder notices and reads them.",
+         .arguments = {},
+         .options = {&force},
+         .run = KepsFetch},
         {.name = u"keps list",
          .summary = u"The orbital elements in the Keps folder.",
          .description = u"Prints every good set of elements, file by file, and how old it is. What is wrong "

@@ -79,6 +79,22 @@ inline constexpr Option every{.name = u"every",
                               .help = u"Again and again, until it is asked to end (Ctrl+C).",
                               .least = 1,
                               .greatest = 86400};
+inline constexpr Option listenFormat{
+    .name = u"format",
+    .value = u"text|json",
+    .takes = Takes::Choice,
+    .help = u"How it is printed: as text (unless told otherwise), or as one JSON object a line."};
+inline constexpr Option quiet{.name = u"quiet", .help = u"Print nothing; messages are still said."};
+inline constexpr Option fetchKeps{
+    .name = u"fetch-keps",
+    .value = u"DAYS",
+    .takes = Takes::Whole,
+    .help = u"Fetch orbital elements when the newest in the Keps folder are older than this.",
+    .least = 1,
+    .greatest = 366};
+inline constexpr Option check{
+    .name = u"check",
+    .help = u"Decode nothing, but name every line of the program folder's formula.txt that is wrong."};
 inline constexpr Option force{.name = u"force",
                               .help = u"Also within two hours of the last download that was a success."};
 

@@ -1,18 +1,7 @@
 #include "foundation/settings/Settings.h"
 
-#include <array>
-
 namespace Settings {
 namespace {
-
-constexpr std::array all{
-    &qiranObjNum,  &issObjNum,         &objIndex,     &useLocalTime, &onlyShowQiran, &latitude,
-    &longitude,    &locator,           &callsign,     &comment,      &hostAddress,   &hostPort,
-    &loginId,      &password,          &terminalTo,   &terminalVia,  &terminalPort,  &logging,
-    &kepsFile1,    &kepsFile2,         &historyKeep,  &statusShow,   &noticeMinutes, &noticeMinElevation,
-    &kissUse,      &kissHostAddress,   &kissHostPort, &forwardUse,   &forwardDryRun, &forwardUrl,
-    &forwardToken, &forwardKeepAtMost,
-};
 
 QString String(const char16_t* text) {
     return QString::fromUtf16(text);
@@ -50,11 +39,11 @@ void Save(clsIni& ini, const Setting& setting, const QString& value) {
 }
 
 std::span<const Setting* const> All() {
-    return all;
+    return listed;
 }
 
 const Setting* Find(QStringView section, QStringView key) {
-    for (const Setting* setting : all)
+    for (const Setting* setting : listed)
         if (section.compare(QStringView(setting->section), Qt::CaseInsensitive) == 0 &&
             key.compare(QStringView(setting->key), Qt::CaseInsensitive) == 0)
             return setting;

@@ -2,6 +2,7 @@
 
 #include "foundation/settings/clsIni.h"
 
+#include <array>
 #include <optional>
 #include <span>
 
@@ -42,50 +43,60 @@ namespace Settings {
 constexpr int highestPort = 65535;
 constexpr int highestEnginePort = 32767; // as far as the packet engine's own setting goes
 
-constexpr Setting qiranObjNum{u"SETUP", u"QIRAN_OBJ_NUM", u"90417", SettingType::CatalogueNumber};
-constexpr Setting issObjNum{u"SETUP", u"ISS_OBJ_NUM", u"25544", SettingType::CatalogueNumber};
-constexpr Setting objIndex{u"SETUP", u"OBJ_INDEX", u"0", SettingType::Number, 0, 1};
-constexpr Setting useLocalTime{u"SETUP", u"USE_LOCAL_TIME", u"FALSE", SettingType::Boolean};
-constexpr Setting onlyShowQiran{u"SETUP", u"ONLY_SHOW_QIRAN", u"TRUE", SettingType::Boolean};
-constexpr Setting latitude{u"SETUP", u"LATITUDE", u"", SettingType::Latitude};
-constexpr Setting longitude{u"SETUP", u"LONGITUDE", u"", SettingType::Longitude};
-constexpr Setting locator{u"SETUP", u"LOCATOR", u"", SettingType::Locator};
-constexpr Setting callsign{u"SETUP", u"CALLSIGN", u"", SettingType::Callsign};
-constexpr Setting comment{u"SETUP", u"COMMENT", u""};
+inline constexpr Setting qiranObjNum{u"SETUP", u"QIRAN_OBJ_NUM", u"90417", SettingType::CatalogueNumber};
+inline constexpr Setting issObjNum{u"SETUP", u"ISS_OBJ_NUM", u"25544", SettingType::CatalogueNumber};
+inline constexpr Setting objIndex{u"SETUP", u"OBJ_INDEX", u"0", SettingType::Number, 0, 1};
+inline constexpr Setting useLocalTime{u"SETUP", u"USE_LOCAL_TIME", u"FALSE", SettingType::Boolean};
+inline constexpr Setting onlyShowQiran{u"SETUP", u"ONLY_SHOW_QIRAN", u"TRUE", SettingType::Boolean};
+inline constexpr Setting latitude{u"SETUP", u"LATITUDE", u"", SettingType::Latitude};
+inline constexpr Setting longitude{u"SETUP", u"LONGITUDE", u"", SettingType::Longitude};
+inline constexpr Setting locator{u"SETUP", u"LOCATOR", u"", SettingType::Locator};
+inline constexpr Setting callsign{u"SETUP", u"CALLSIGN", u"", SettingType::Callsign};
+inline constexpr Setting comment{u"SETUP", u"COMMENT", u""};
 
-constexpr Setting hostAddress{u"AGWPE", u"HOST_ADDRESS", u"localhost", SettingType::Host};
-constexpr Setting hostPort{u"AGWPE", u"HOST_PORT", u"8000", SettingType::Number, 1, highestEnginePort};
-constexpr Setting loginId{u"AGWPE", u"LOGIN_ID", u""};
-constexpr Setting password{u"AGWPE", u"PASSWORD", u"", SettingType::Secret};
+inline constexpr Setting hostAddress{u"AGWPE", u"HOST_ADDRESS", u"localhost", SettingType::Host};
+inline constexpr Setting hostPort{u"AGWPE", u"HOST_PORT", u"8000", SettingType::Number, 1, highestEnginePort};
+inline constexpr Setting loginId{u"AGWPE", u"LOGIN_ID", u""};
+inline constexpr Setting password{u"AGWPE", u"PASSWORD", u"", SettingType::Secret};
 
-constexpr Setting terminalTo{u"TERMINAL", u"TO", u"CQ", SettingType::Callsign};
-constexpr Setting terminalVia{u"TERMINAL", u"VIA", u"QIRAN-1", SettingType::Callsigns};
-constexpr Setting terminalPort{u"TERMINAL", u"PORT", u"1", SettingType::Number, 1, 256};
-constexpr Setting logging{u"TERMINAL", u"LOGGING", u"False", SettingType::Boolean};
+inline constexpr Setting terminalTo{u"TERMINAL", u"TO", u"CQ", SettingType::Callsign};
+inline constexpr Setting terminalVia{u"TERMINAL", u"VIA", u"QIRAN-1", SettingType::Callsigns};
+inline constexpr Setting terminalPort{u"TERMINAL", u"PORT", u"1", SettingType::Number, 1, 256};
+inline constexpr Setting logging{u"TERMINAL", u"LOGGING", u"False", SettingType::Boolean};
 
-constexpr Setting kepsFile1{u"KEPS", u"FILE_1", u"celestrak.org/NORAD/elements/amateur.txt"};
-constexpr Setting kepsFile2{u"KEPS", u"FILE_2", u""};
+inline constexpr Setting kepsFile1{u"KEPS", u"FILE_1", u"celestrak.org/NORAD/elements/amateur.txt"};
+inline constexpr Setting kepsFile2{u"KEPS", u"FILE_2", u""};
 
-constexpr Setting historyKeep{u"HISTORY", u"KEEP", u"TRUE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
-constexpr Setting statusShow{u"STATUS", u"SHOW", u"TRUE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
-constexpr Setting noticeMinutes{u"NOTICE", u"MINUTES",          u"5", SettingType::Number, 0,
+inline constexpr Setting historyKeep{u"HISTORY", u"KEEP", u"TRUE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
+inline constexpr Setting statusShow{u"STATUS", u"SHOW", u"TRUE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
+inline constexpr Setting noticeMinutes{u"NOTICE", u"MINUTES",          u"5", SettingType::Number, 0,
                                 1440,      FirstWrite::OnChange};
-constexpr Setting noticeMinElevation{u"NOTICE", u"MIN_ELEVATION",    u"10", SettingType::Number, 0,
+inline constexpr Setting noticeMinElevation{u"NOTICE", u"MIN_ELEVATION",    u"10", SettingType::Number, 0,
                                      90,        FirstWrite::OnChange};
-constexpr Setting kissUse{u"KISS", u"USE", u"FALSE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
-constexpr Setting kissHostAddress{u"KISS", u"HOST_ADDRESS",     u"localhost", SettingType::Host, 0,
+inline constexpr Setting kissUse{u"KISS", u"USE", u"FALSE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
+inline constexpr Setting kissHostAddress{u"KISS", u"HOST_ADDRESS",     u"localhost", SettingType::Host, 0,
                                   0,       FirstWrite::OnChange};
-constexpr Setting kissHostPort{u"KISS",     u"HOST_PORT",        u"8001", SettingType::Number, 1,
+inline constexpr Setting kissHostPort{u"KISS",     u"HOST_PORT",        u"8001", SettingType::Number, 1,
                                highestPort, FirstWrite::OnChange};
-constexpr Setting forwardUse{u"FORWARD", u"USE", u"FALSE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
-constexpr Setting forwardDryRun{u"FORWARD", u"DRY_RUN",          u"FALSE", SettingType::Boolean, 0,
+inline constexpr Setting forwardUse{u"FORWARD", u"USE", u"FALSE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
+inline constexpr Setting forwardDryRun{u"FORWARD", u"DRY_RUN",          u"FALSE", SettingType::Boolean, 0,
                                 0,          FirstWrite::OnChange};
-constexpr Setting forwardUrl{
+inline constexpr Setting forwardUrl{
     u"FORWARD",          u"URL", u"https://db.satnogs.org/api/telemetry/", SettingType::WebAddress, 0, 0,
     FirstWrite::OnChange};
-constexpr Setting forwardToken{u"FORWARD", u"TOKEN", u"", SettingType::Secret, 0, 0, FirstWrite::OnChange};
-constexpr Setting forwardKeepAtMost{u"FORWARD", u"KEEP_AT_MOST",     u"10000", SettingType::Number, 1,
+inline constexpr Setting forwardToken{u"FORWARD", u"TOKEN", u"", SettingType::Secret, 0, 0, FirstWrite::OnChange};
+inline constexpr Setting forwardKeepAtMost{u"FORWARD", u"KEEP_AT_MOST",     u"10000", SettingType::Number, 1,
                                     1000000,    FirstWrite::OnChange};
+
+/// Those that a user may look at and change, in the order of their sections.
+inline constexpr std::array listed{
+    &qiranObjNum,  &issObjNum,       &objIndex,     &useLocalTime, &onlyShowQiran, &latitude,
+    &longitude,    &locator,         &callsign,     &comment,      &hostAddress,   &hostPort,
+    &loginId,      &password,        &terminalTo,   &terminalVia,  &terminalPort,  &logging,
+    &kepsFile1,    &kepsFile2,       &historyKeep,  &statusShow,   &noticeMinutes, &noticeMinElevation,
+    &kissUse,      &kissHostAddress, &kissHostPort, &forwardUse,   &forwardDryRun, &forwardUrl,
+    &forwardToken, &forwardKeepAtMost,
+};
 
 // Places of windows, in no list of settings: the windows alone know what to do with them.
 constexpr Setting left{u"SETUP", u"LEFT", u""}; // default: the centred window's place
@@ -127,7 +138,7 @@ int NumberOf(const clsIni& ini, const Setting& setting);
 
 void Save(clsIni& ini, const Setting& setting, const QString& value);
 
-/// The settings that a user may look at and change, in the order of their sections.
+/// All of `listed`.
 std::span<const Setting* const> All();
 
 /// The one of them with these names, in any case; null when there is none.

@@ -1,0 +1,143 @@
+#include "cli/commands/Answers.h"
+#include "cli/commands/ConsolePresenter.h"
+#include "cli/commands/FrameRecords.h"
+#include "cli/output/Records.h"
+#include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/clsIni.h"
+#include "telemetry/calibration/FormulaFile.h"
+#include "telemetry/calibration/TelemetryDecoder.h"
+#include "telemetry/replay/FrameLines.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <cstdio>
+#include <poll.h>
+#include <unistd.h>
+
+namespace Commands {
+
+int Decode(const Session& session);
+
+namespace {
+
+constexpr qint64 longestLine = 8192; // no frame is as long
+
+const QString standardInput = QStringLiteral("-");
+
+/// Decodes lines and prints their readings.
+class LineDecoder {
+public:
+    explicit LineDecoder(const Session& session)
+        : m_session(session)
+        , m_ini(session.folder.IniFile())
+        , m_callsigns(m_ini)
+        , m_decoder(m_channelMap, m_formulae, m_callsigns)
+        , m_writer(session.console, Records::reading, Answers::FormatOf(session), Answers::ZoneOf(session)) {
+        m_channelMap.BuildChannelMap();
+        m_callsigns.PeekCallsigns();
+        m_decoder.Decoded().Add(
+            [this](const TelemetryFrame& frame) {
+                for (const Reading& reading : frame.Readings())
+                    m_writer.Write(RecordOf(reading));
+            },
+            FanOut<TelemetryFrame>::Takes::LiveAndReplayed);
+    }
+
+    /// False, and why is said, when the formulae cannot be loaded.
+    bool LoadFormulaeFile() {
+        const QString path = m_session.folder.File(QStringLiteral("formula.txt"));
+        if (!QFile::exists(path)) {
+            m_session.console.Say(Answers::NoFormulae(path));
+            return false;
+        }
+        ConsolePresenter presenter(m_session.console);
+        return LoadFormulae(path, m_formulae, mb(presenter), nullptr) == FormulaLoad::Loaded;
+    }
+
+    void Head() { m_writer.Head(); }
+
+    /// False, and why is said, when a file cannot be read. Ends early when nobody reads any further.
+    bool DecodeFile(const QString& name) {
+        QFile file(name);
+        const bool isOpen = name == standardInput ? file.open(STDIN_FILENO, QIODevice::ReadOnly)
+                                                  : !QFileInfo(name).isDir() && file.open(QIODevice::ReadOnly);
+        if (!isOpen) {
+            m_session.console.Say(QStringLiteral("%1 cannot be read: %2")
+                                      .arg(name, QFileInfo(name).isDir() ? QStringLiteral("it is a folder")
+                                                                         : file.errorString()));
+            return false;
+        }
+        FrameLines lines([this](const HeardFrame& frame) { m_decoder.Take(frame); });
+        while (!m_isEnded && TakeLine(file, lines)) {
+        }
+        m_unknown += lines.Unknown();
+        return file.error() == QFileDevice::NoError;
+    }
+
+    qint64 Unknown() const { return m_unknown; }
+
+private:
+    // What was printed is shown before the next line is waited for.
+    bool TakeLine(QFile& file, FrameLines& lines) {
+        pollfd input{.fd = file.handle(), .events = POLLIN, .revents = 0};
+        if (file.bytesAvailable() == 0 && poll(&input, 1, 0) == 0)
+            m_isEnded = !m_session.console.Flush();
+        QByteArray line = file.readLine(longestLine);
+        if (line.isEmpty())
+            return false;
+        const bool isWhole = line.endsWith('\n') || line.size() < longestLine - 1;
+        while (line.endsWith('\n') || line.endsWith('\r'))
+            line.chop(1);
+        if (isWhole && !m_isBroken)
+            lines.Take(line);
+        else if (!m_isBroken)
+            ++m_unknown; // once a line, however long it goes on
+        m_isBroken = !isWhole;
+        return true;
+    }
+
+    const Session& m_session;
+    clsIni m_ini;
+    CallsignList m_callsigns;
+    ChannelMap m_channelMap;
+    FormulaTable m_formulae;
+    TelemetryDecoder m_decoder;
+    RecordWriter m_writer;
+    qint64 m_unknown = 0;
+    bool m_isBroken = false; ///< inside a line that is too long
+    bool m_isEnded = false;
+};
+
+int Check(const Session& session) {
+    const QString name = QStringLiteral("formula.txt");
+    const QStringList faults = CheckFormulae(session.folder.File(name));
+    for (const QString& fault : faults)
+        session.console.Print(QStringLiteral("%1: %2\n").arg(name, fault));
+    return faults.isEmpty() ? ExitCode::Done : ExitCode::Failed;
+}
+
+} // namespace
+
+int Decode(const Session& session) {
+    QStringList files = session.call.Arguments();
+    if (session.call.Has(Options::check))
+        return files.isEmpty() ? Check(session)
+                               : Answers::Wrong(session, QStringLiteral("--check takes no files; it looks at those in "
+                                                                        "the program folder"));
+    LineDecoder decoder(session);
+    if (!decoder.LoadFormulaeFile())
+        return ExitCode::Failed;
+    decoder.Head();
+    if (files.isEmpty())
+        files.append(standardInput);
+    int code = ExitCode::Done;
+    for (const QString& file : files)
+        if (!decoder.DecodeFile(file))
+            code = ExitCode::Failed;
+    if (decoder.Unknown() > 0)
+        session.console.Say(QStringLiteral("lines that were not understood: %1").arg(decoder.Unknown()));
+    return code;
+}
+
+} // namespace Commands
