@@ -1,5 +1,6 @@
 #include "cli/Program.h"
 #include "cli/output/Console.h"
+#include "cli/output/ErrorStream.h"
 #include "foundation/text/Clock.h"
 
 #include <QCoreApplication>
@@ -36,9 +37,10 @@ int main(int argc, char** argv) {
     // What it prints is the same everywhere; of the user's locale nothing is wanted.
     setenv("LC_ALL", "C.UTF-8", 1);
 
+    Console console(STDOUT_FILENO, STDERR_FILENO);
+    const ErrorStream errors(console);
     const QCoreApplication application(argc, argv);
     const Clock clock;
-    Console console(STDOUT_FILENO, STDERR_FILENO);
     return RunProgram(QCoreApplication::arguments().sliced(1), QCoreApplication::applicationDirPath(),
                       console, clock);
 }

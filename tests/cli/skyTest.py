@@ -7,6 +7,8 @@ is allowed and what a horizon crossed slowly adds; angles are good to 0.01 degre
 the azimuths at a printed rise or set, which belong to the true one."""
 
 import datetime
+import signal
+import subprocess
 import sys
 import unittest
 
@@ -37,6 +39,13 @@ def seconds(text, t):
 
 def angle(one, two):
     return abs((one - two + 180) % 360 - 180)
+
+
+def with_checksum(line):
+    """A line 2 of elements with the checksum that it should have; any other line as it is."""
+    if not line.startswith("2 "):
+        return line
+    return line[:68] + str(sum(int(c) if c.isdigit() else c == "-" for c in line[:68]) % 10)
 
 
 class SkyTest(CommandTest):
@@ -74,6 +83,7 @@ class Passes(SkyTest):
 
     def test_they_agree_with_skyfield(self):
         start = datetime.datetime(2026, 11, 21, 5, 30, tzinfo=UTC)
+        compared = 0
         for name, satellite in self.satellites.items():
             for place in PLACES:
                 with self.subTest(satellite=name, place=place):
@@ -81,7 +91,7 @@ class Passes(SkyTest):
                     found = self.passes("--satellite", name, "--from", "2026-11-21T05:30Z", "--days", "2",
                                         "--count", "1000", "--at", f"{place[0]},{place[1]}")
                     self.assertEqual(len(found), len(expected))
-                    self.assertGreater(len(found), 5)
+                    compared += len(found)
                     for ours, (rise, top, end) in zip(found, expected):
                         high = difference.at(top).altaz()[0].degrees
                         late = 0.52 if high > 1 else 0.6
@@ -92,6 +102,7 @@ class Passes(SkyTest):
                         self.assertLess(angle(ours["rise_azimuth"], difference.at(rise).altaz()[1].degrees), 0.02)
                         self.assertLess(angle(ours["set_azimuth"], difference.at(end).altaz()[1].degrees), 0.02)
                         self.assertEqual(ours["duration_s"], (time(ours["set"]) - time(ours["rise"])).total_seconds())
+        self.assertGreater(compared, 90)
 
     def test_every_format_has_the_same_passes(self):
         question = ("--from", "2026-11-21T00:00Z", "--days", "2")
@@ -164,7 +175,8 @@ class Passes(SkyTest):
     def test_elements_that_give_no_position_are_named_with_the_reason(self):
         keps = self.folder / "Keps/example.txt"
         before = keps.read_text()
-        keps.write_text(before.replace("14.57400000  4126", "17.90000000  4129"))
+        broken = before.replace(" 14.574", " 17.900").splitlines()
+        keps.write_text("".join(with_checksum(line) + "\n" for line in broken))
         self.call("passes", code=1)
         self.assertRegex(self.said, "QIRAN cannot be tracked - example.txt, line 2")
         self.assertEqual({one["satellite"] for one in self.passes("--satellite", "all")}, {"ISS"})
@@ -274,8 +286,6 @@ class Where(SkyTest):
         self.assertIn("--at", self.said)
 
     def test_it_goes_on_until_it_is_asked_to_end(self):
-        import signal
-        import subprocess
         for number in (signal.SIGTERM, signal.SIGINT):
             process = self.start("where", "--every", "1", "--format", "csv", stdout=subprocess.PIPE, stderr=subprocess.PIPE)
             lines = [process.stdout.readline() for _ in range(4)]
@@ -286,7 +296,6 @@ class Where(SkyTest):
             self.assertEqual(len({line.split(b",")[0] for line in lines[1:]}), 3)
 
     def test_it_ends_when_nobody_reads_any_further(self):
-        import subprocess
         process = self.start("where", "--every", "1", stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         process.stdout.readline()
         process.stdout.close()

@@ -20,8 +20,9 @@ QString PositionUnknown() {
 }
 
 QString NoFormulae(const QString& path) {
-    return QStringLiteral("put the satellite's calibration formulae into the file %1; formula.example.txt among the "
-                          "program's files is an example")
+    return QStringLiteral(
+               "put the satellite's calibration formulae into the file %1; formula.example.txt among the "
+               "program's files is an example")
         .arg(path);
 }
 

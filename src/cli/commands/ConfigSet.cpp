@@ -2,8 +2,8 @@
 #include "cli/commands/NamedSetting.h"
 #include "cli/output/Console.h"
 #include "foundation/settings/ProgramFolder.h"
+#include "foundation/system/FolderLock.h"
 #include "foundation/system/SecretInput.h"
-#include "foundation/system/SingleInstance.h"
 #include "telemetry/callsigns/CallsignList.h"
 
 #include <algorithm>
@@ -87,11 +87,11 @@ int ConfigSet(const Session& session) {
     const std::optional<QString> accepted = Accept(session, *named, *value);
     if (!accepted)
         return ExitCode::Failed;
-    SingleInstance lock(session.folder);
-    if (lock.IsAnotherRunning())
-        return Answers::Fail(session,
-                             QStringLiteral("a station is running in %1; end it, or change the setting there")
-                                 .arg(session.folder.Path()));
+    FolderLock lock = FolderLock::OfProgram(session.folder);
+    if (!lock.TryLock())
+        return Answers::Fail(
+            session, QStringLiteral("a station is running in %1: %2; end it, or change the setting there")
+                         .arg(session.folder.Path(), lock.Holder()));
     clsIni ini(session.folder.IniFile());
     QString failure;
     ini.SetWriteFailed([&failure](const QString& file, const QString& reason) {

@@ -60,8 +60,9 @@ public:
     /// False, and why is said, when a file cannot be read. Ends early when nobody reads any further.
     bool DecodeFile(const QString& name) {
         QFile file(name);
-        const bool isOpen = name == standardInput ? file.open(STDIN_FILENO, QIODevice::ReadOnly)
-                                                  : !QFileInfo(name).isDir() && file.open(QIODevice::ReadOnly);
+        const bool isOpen = name == standardInput
+                                ? file.open(STDIN_FILENO, QIODevice::ReadOnly)
+                                : !QFileInfo(name).isDir() && file.open(QIODevice::ReadOnly);
         if (!isOpen) {
             m_session.console.Say(QStringLiteral("%1 cannot be read: %2")
                                       .arg(name, QFileInfo(name).isDir() ? QStringLiteral("it is a folder")
@@ -69,7 +70,7 @@ public:
             return false;
         }
         FrameLines lines([this](const HeardFrame& frame) { m_decoder.Take(frame); });
-        while (!m_isEnded && TakeLine(file, lines)) {
+        while (TakeLine(file, lines)) {
         }
         m_unknown += lines.Unknown();
         return file.error() == QFileDevice::NoError;
@@ -77,12 +78,17 @@ public:
 
     qint64 Unknown() const { return m_unknown; }
 
+    /// Whether nobody reads any further.
+    bool IsEnded() const { return m_isEnded; }
+
 private:
     // What was printed is shown before the next line is waited for.
     bool TakeLine(QFile& file, FrameLines& lines) {
         pollfd input{.fd = file.handle(), .events = POLLIN, .revents = 0};
-        if (file.bytesAvailable() == 0 && poll(&input, 1, 0) == 0)
-            m_isEnded = !m_session.console.Flush();
+        if (file.bytesAvailable() == 0 && poll(&input, 1, 0) == 0 && !m_session.console.Flush()) {
+            m_isEnded = true; // nobody reads any further
+            return false;
+        }
         QByteArray line = file.readLine(longestLine);
         if (line.isEmpty())
             return false;
@@ -122,9 +128,10 @@ int Check(const Session& session) {
 int Decode(const Session& session) {
     QStringList files = session.call.Arguments();
     if (session.call.Has(Options::check))
-        return files.isEmpty() ? Check(session)
-                               : Answers::Wrong(session, QStringLiteral("--check takes no files; it looks at those in "
-                                                                        "the program folder"));
+        return files.isEmpty()
+                   ? Check(session)
+                   : Answers::Wrong(session, QStringLiteral("--check takes no files; it looks at those in "
+                                                            "the program folder"));
     LineDecoder decoder(session);
     if (!decoder.LoadFormulaeFile())
         return ExitCode::Failed;
@@ -133,7 +140,7 @@ int Decode(const Session& session) {
         files.append(standardInput);
     int code = ExitCode::Done;
     for (const QString& file : files)
-        if (!decoder.DecodeFile(file))
+        if (!decoder.IsEnded() && !decoder.DecodeFile(file))
             code = ExitCode::Failed;
     if (decoder.Unknown() > 0)
         session.console.Say(QStringLiteral("lines that were not understood: %1").arg(decoder.Unknown()));

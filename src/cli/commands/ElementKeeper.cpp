@@ -45,7 +45,8 @@ void ElementKeeper::Look() {
 void ElementKeeper::Finished(const QList<KepsFetchResult>& results) {
     for (const KepsFetchResult& result : results)
         m_session.console.Say(FetchWords(result));
-    if (std::ranges::any_of(results, [](const auto& r) { return r.outcome == KepsFetchResult::Outcome::Failed; }))
+    if (std::ranges::any_of(results,
+                            [](const auto& r) { return r.outcome == KepsFetchResult::Outcome::Failed; }))
         m_notBefore = m_session.clock.Milliseconds(); // at the next look
 }
 

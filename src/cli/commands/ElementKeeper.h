@@ -8,8 +8,9 @@
 class GroundStation;
 struct Session;
 
-/// Keeps a running station's orbital elements fresh: looks every hour how old the newest are, and fetches new ones when
-/// they are too old. A server that was asked is left alone for a day, one that could not be reached for an hour.
+/// Keeps a running station's orbital elements fresh: looks every hour how old the newest are, and fetches new
+/// ones when they are too old. A server that was asked is left alone for a day, one that could not be reached
+/// for an hour.
 class ElementKeeper : public QObject {
     Q_OBJECT
 public:

@@ -30,8 +30,9 @@ Record RecordOf(const HeardFrame& frame) {
             PathOf(frame.path),
             frame.pid ? FieldValue(qint64{*frame.pid}) : FieldValue(),
             hasInformation ? FieldValue(Text::FromBytes(frame.information)) : FieldValue(),
-            frame.isComplete ? FieldValue(QString::fromLatin1(frame.information.toByteArray().toHex().toUpper()))
-                             : FieldValue()};
+            frame.isComplete
+                ? FieldValue(QString::fromLatin1(frame.information.toByteArray().toHex().toUpper()))
+                : FieldValue()};
 }
 
 Record RecordOf(const Reading& reading) {
@@ -50,8 +51,9 @@ Record RecordOf(const Reading& reading) {
 
 QString LineOf(const HeardFrame& frame) {
     const QString path = frame.path.isEmpty() ? QString() : u',' + Text::FromBytes(frame.path);
-    return QStringLiteral("%1>%2%3: %4").arg(Text::FromBytes(frame.source), Text::FromBytes(frame.destination), path,
-                                             Text::FromBytes(frame.information));
+    return QStringLiteral("%1>%2%3: %4")
+        .arg(Text::FromBytes(frame.source), Text::FromBytes(frame.destination), path,
+             Text::FromBytes(frame.information));
 }
 
 QString LineOf(const Reading& reading) {

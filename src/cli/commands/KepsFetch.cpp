@@ -1,3 +1,5 @@
+#include "keps/KepsFetch.h"
+
 #include "cli/commands/Answers.h"
 #include "cli/commands/FetchWords.h"
 #include "cli/output/Console.h"
@@ -6,7 +8,6 @@
 #include "foundation/settings/Settings.h"
 #include "foundation/system/EndRequests.h"
 #include "keps/HttpTransfer.h"
-#include "keps/KepsFetch.h"
 
 #include <QCoreApplication>
 
@@ -34,9 +35,11 @@ bool Print(const Session& session, const QList<KepsFetchResult>& results) {
 
 int KepsFetch(const Session& session) {
     const clsIni ini(session.folder.IniFile());
-    const std::array addresses{Settings::Peek(ini, Settings::kepsFile1), Settings::Peek(ini, Settings::kepsFile2)};
+    const std::array addresses{Settings::Peek(ini, Settings::kepsFile1),
+                               Settings::Peek(ini, Settings::kepsFile2)};
     if (std::ranges::all_of(addresses, [](const QString& address) { return address.trimmed().isEmpty(); }))
-        return Answers::Fail(session, QStringLiteral("no address is set; set KEPS/FILE_1 with 'qirandecode-cli config set'"));
+        return Answers::Fail(
+            session, QStringLiteral("no address is set; set KEPS/FILE_1 with 'qirandecode-cli config set'"));
     EndRequests::Hold();
     const EndRequests requests;
     HttpTransfer inet;
@@ -44,9 +47,11 @@ int KepsFetch(const Session& session) {
     QObject::connect(&fetch, &::KepsFetch::Finished, qApp, [&](const QList<KepsFetchResult>& results) {
         QCoreApplication::exit(Print(session, results) ? ExitCode::Done : ExitCode::Failed);
     });
-    QObject::connect(&requests, &EndRequests::Requested, qApp, [] { QCoreApplication::exit(ExitCode::Failed); });
+    QObject::connect(&requests, &EndRequests::Requested, qApp,
+                     [] { QCoreApplication::exit(ExitCode::Failed); });
     if (!fetch.Start(addresses, session.call.Has(Options::force)))
-        return Answers::Fail(session, QStringLiteral("elements are being fetched already, by %1").arg(fetch.Holder()));
+        return Answers::Fail(session,
+                             QStringLiteral("elements are being fetched already, by %1").arg(fetch.Holder()));
     return QCoreApplication::exec();
 }
 

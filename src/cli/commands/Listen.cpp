@@ -25,26 +25,30 @@ public:
         : m_session(session)
         , m_isJson(Answers::FormatOf(session, Options::listenFormat) == RecordWriter::Format::Json) {
         connect(&station, &GroundStation::StatusLine, this, [this](const QString& line) {
-            Print(Records::status, {m_session.clock.Milliseconds(), line}, line);
-        });
-        station.heard.Add([this](const HeardFrame& frame) {
-            Print(Records::frame, RecordOf(frame), LineOf(frame));
+            Print(TextOf(Records::status, {m_session.clock.Milliseconds(), line}, line));
         });
         station.decoder.Decoded().Add([this](const TelemetryFrame& frame) {
             for (const Reading& reading : frame.Readings())
-                Print(Records::reading, RecordOf(reading), LineOf(reading));
+                m_readings += TextOf(Records::reading, RecordOf(reading), LineOf(reading));
+        });
+        // The station decodes a frame before this is handed it, but it is printed first.
+        station.heard.Add([this](const HeardFrame& frame) {
+            Print(TextOf(Records::frame, RecordOf(frame), LineOf(frame)) + std::exchange(m_readings, {}));
         });
     }
 
 private:
-    // The time stands first in every kind of record.
-    void Print(const RecordType& type, const Record& record, const QString& text) {
+    // A record, or in text its time and a line for people. The time stands first in every kind of record.
+    QByteArray TextOf(const RecordType& type, const Record& record, const QString& line) const {
         if (m_isJson)
-            m_session.console.Print(RecordText::Json(type, record) + '\n');
-        else
-            m_session.console.Print(RecordText::Cell(type.columns.front(), record.front()) + QStringLiteral("  ") +
-                                    RecordText::Shown(text) + u'\n');
-        if (!std::exchange(m_isFlushDue, true)) // once for all that came together
+            return RecordText::Json(type, record) + '\n';
+        const QString time = RecordText::Cell(type.columns.front(), record.front());
+        return (time + QStringLiteral("  ") + RecordText::Shown(line)).toUtf8() + '\n';
+    }
+
+    void Print(const QByteArray& text) {
+        m_session.console.Print(text);
+        if (!std::exchange(m_isFlushDue, true)) // once for all that comes together
             QTimer::singleShot(0, this, &Printer::Flush);
     }
 
@@ -56,6 +60,7 @@ private:
 
     const Session& m_session;
     const bool m_isJson;
+    QByteArray m_readings; ///< of the frame that is being handed round
     bool m_isFlushDue = false;
 };
 

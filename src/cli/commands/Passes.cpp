@@ -133,8 +133,8 @@ void PrintCalendar(const Session& session, const Sky& sky, const std::vector<Fou
                                       .arg(pass.setAzimuth, 0, 'f', 0),
                        .alarmMinutes = alarm});
     }
-    session.console.Print(
-        Calendar(events, QStringLiteral("qirandecode-cli ") + Texts::VersionNumber(), session.clock.Milliseconds()));
+    session.console.Print(Calendar(events, QStringLiteral("qirandecode-cli ") + Texts::VersionNumber(),
+                                   session.clock.Milliseconds()));
 }
 
 } // namespace

@@ -113,8 +113,7 @@ QByteArray Json(const RecordType& type, const Record& record) {
 QByteArray Csv(const RecordType& type, const Record& record) {
     QByteArrayList cells;
     for (qsizetype i = 0; i < record.size(); ++i)
-        cells.append(CsvCell(
-            Cell(type.columns[static_cast<std::size_t>(i)], record[i])));
+        cells.append(CsvCell(Cell(type.columns[static_cast<std::size_t>(i)], record[i])));
     return cells.join(',');
 }
 
@@ -159,7 +158,8 @@ void RecordWriter::Write(const Record& record) {
     else {
         QStringList cells;
         for (qsizetype i = 0; i < record.size(); ++i)
-            cells.append(RecordText::Shown(RecordText::Cell(m_type.columns[static_cast<std::size_t>(i)], record[i], m_zone)));
+            cells.append(RecordText::Shown(
+                RecordText::Cell(m_type.columns[static_cast<std::size_t>(i)], record[i], m_zone)));
         m_console.Print(TextLine(cells));
     }
 }

@@ -43,7 +43,8 @@ QByteArray Csv(const RecordType& type, const Record& record);
 QByteArray CsvHead(const RecordType& type);
 
 /// A field as text, empty without a value.
-QString Cell(const Column& column, const FieldValue& value, RecordWriter::Zone zone = RecordWriter::Zone::Utc);
+QString Cell(const Column& column, const FieldValue& value,
+             RecordWriter::Zone zone = RecordWriter::Zone::Utc);
 
 /// A text for terminals, which would obey its control characters: they become "<0x1b>".
 QString Shown(const QString& text);

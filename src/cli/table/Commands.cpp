@@ -23,16 +23,18 @@ std::span<const Command> All() {
     static const std::vector<Command> commands{
         {.name = u"listen",
          .summary = u"The station without a window, until it is asked to end.",
-         .description = u"Connects to the packet engine, and again after a loss; prints frames, the satellite's "
-                        u"telemetry in converted values and what becomes of the link; writes the traffic log where "
-                        u"TERMINAL/LOGGING is on. One station runs in a program folder at a time.",
+         .description =
+             u"Connects to the packet engine, and again after a loss; prints frames, the satellite's "
+             u"telemetry in converted values and what becomes of the link; writes the traffic log where "
+             u"TERMINAL/LOGGING is on. One station runs in a program folder at a time.",
          .arguments = {},
          .options = {&listenFormat, &quiet, &fetchKeps},
          .run = Listen},
         {.name = u"decode",
          .summary = u"Telemetry lines out of files or standard input, in converted values.",
-         .description = u"Understands lines of a callsign and its nine fields, TNC2 monitor lines, and this program's "
-                        u"traffic logs. Lines that are none of these are counted, and said at the end.",
+         .description =
+             u"Understands lines of a callsign and its nine fields, TNC2 monitor lines, and this program's "
+             u"traffic logs. Lines that are none of these are counted, and said at the end.",
          .arguments = {{.name = u"FILE", .isOptional = true, .isRepeated = true}},
          .options = {&check, &format, &local},
          .run = Decode},
@@ -54,9 +56,10 @@ std::span<const Command> All() {
          .run = Where},
         {.name = u"keps fetch",
          .summary = u"Fetches orbital elements from the addresses in the settings.",
-         .description = u"Puts the files of KEPS/FILE_1 and KEPS/FILE_2 into the Keps folder when they hold elements. "
-                        u"A server is not asked again within two hours of a success. A station that runs in the "
-                        u"program folder notices and reads them.",
+         .description =
+             u"Puts the files of KEPS/FILE_1 and KEPS/FILE_2 into the Keps folder when they hold elements. "
+             u"A server is not asked again within two hours of a success. A station that runs in the "
+             u"program folder notices and reads them.",
          .arguments = {},
          .options = {&force},
          .run = KepsFetch},

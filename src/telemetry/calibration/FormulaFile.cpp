@@ -10,6 +10,7 @@
 #include <iostream>
 #include <optional>
 #include <span>
+#include <tuple>
 #include <string>
 
 namespace {
@@ -98,7 +99,7 @@ QString FaultOf(std::string_view line, FormulaTable& table) {
     }
     for (const QByteArrayView field : std::span(*fields).subspan(firstCoefficient)) {
         bool isNumber = false;
-        field.trimmed().toDouble(&isNumber);
+        std::ignore = field.trimmed().toDouble(&isNumber);
         if (!isNumber)
             return QStringLiteral("'%1' is no number").arg(Text::FromBytes(field.trimmed()));
     }
