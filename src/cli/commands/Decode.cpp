@@ -6,7 +6,7 @@
 #include "foundation/settings/clsIni.h"
 #include "telemetry/calibration/FormulaFile.h"
 #include "telemetry/calibration/TelemetryDecoder.h"
-#include "telemetry/replay/FrameLines.h"
+#include "telemetry/replay/FrameText.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -21,7 +21,7 @@ int Decode(const Session& session);
 
 namespace {
 
-constexpr qint64 longestLine = 8192; // no frame is as long
+constexpr qint64 pieceSize = 65536;
 
 const QString standardInput = QStringLiteral("-");
 
@@ -60,47 +60,39 @@ public:
     /// False, and why is said, when a file cannot be read. Ends early when nobody reads any further.
     bool DecodeFile(const QString& name) {
         QFile file(name);
+        const bool isFolder = QFileInfo(name).isDir();
         const bool isOpen = name == standardInput
-                                ? file.open(STDIN_FILENO, QIODevice::ReadOnly)
-                                : !QFileInfo(name).isDir() && file.open(QIODevice::ReadOnly);
-        if (!isOpen) {
-            m_session.console.Say(QStringLiteral("%1 cannot be read: %2")
-                                      .arg(name, QFileInfo(name).isDir() ? QStringLiteral("it is a folder")
-                                                                         : file.errorString()));
-            return false;
+                                ? file.open(STDIN_FILENO, QIODevice::ReadOnly | QIODevice::Unbuffered)
+                                : !isFolder && file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+        if (isOpen) {
+            FrameText text([this](const FrameText::Told& told) { m_decoder.Take(told.frame); });
+            while (AddPiece(file, text)) {
+            }
+            text.End();
+            m_notUnderstood += text.NotUnderstood();
         }
-        FrameLines lines([this](const HeardFrame& frame) { m_decoder.Take(frame); });
-        while (TakeLine(file, lines)) {
-        }
-        m_unknown += lines.Unknown();
-        return file.error() == QFileDevice::NoError;
+        if (isOpen && file.error() == QFileDevice::NoError)
+            return true;
+        m_session.console.Say(
+            QStringLiteral("%1 cannot be read: %2")
+                .arg(name, isFolder ? QStringLiteral("it is a folder") : file.errorString()));
+        return false;
     }
 
-    qint64 Unknown() const { return m_unknown; }
+    qint64 NotUnderstood() const { return m_notUnderstood; }
 
     /// Whether nobody reads any further.
     bool IsEnded() const { return m_isEnded; }
 
 private:
-    // What was printed is shown before the next line is waited for.
-    bool TakeLine(QFile& file, FrameLines& lines) {
+    // What was printed is shown before more is waited for.
+    bool AddPiece(QFile& file, FrameText& text) {
         pollfd input{.fd = file.handle(), .events = POLLIN, .revents = 0};
-        if (file.bytesAvailable() == 0 && poll(&input, 1, 0) == 0 && !m_session.console.Flush()) {
-            m_isEnded = true; // nobody reads any further
-            return false;
-        }
-        QByteArray line = file.readLine(longestLine);
-        if (line.isEmpty())
-            return false;
-        const bool isWhole = line.endsWith('\n') || line.size() < longestLine - 1;
-        while (line.endsWith('\n') || line.endsWith('\r'))
-            line.chop(1);
-        if (isWhole && !m_isBroken)
-            lines.Take(line);
-        else if (!m_isBroken)
-            ++m_unknown; // once a line, however long it goes on
-        m_isBroken = !isWhole;
-        return true;
+        if (poll(&input, 1, 0) == 0)
+            m_isEnded = !m_session.console.Flush();
+        const QByteArray piece = m_isEnded ? QByteArray() : file.read(pieceSize);
+        text.Add(piece);
+        return !piece.isEmpty();
     }
 
     const Session& m_session;
@@ -110,8 +102,7 @@ private:
     FormulaTable m_formulae;
     TelemetryDecoder m_decoder;
     RecordWriter m_writer;
-    qint64 m_unknown = 0;
-    bool m_isBroken = false; ///< inside a line that is too long
+    qint64 m_notUnderstood = 0;
     bool m_isEnded = false;
 };
 
@@ -142,8 +133,9 @@ int Decode(const Session& session) {
     for (const QString& file : files)
         if (!decoder.IsEnded() && !decoder.DecodeFile(file))
             code = ExitCode::Failed;
-    if (decoder.Unknown() > 0)
-        session.console.Say(QStringLiteral("lines that were not understood: %1").arg(decoder.Unknown()));
+    if (decoder.NotUnderstood() > 0)
+        session.console.Say(
+            QStringLiteral("lines that were not understood: %1").arg(decoder.NotUnderstood()));
     return code;
 }
 
