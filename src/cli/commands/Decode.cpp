@@ -11,7 +11,9 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <cstdio>
+#include <array>
+#include <cerrno>
+#include <cstring>
 #include <poll.h>
 #include <unistd.h>
 
@@ -21,7 +23,7 @@ int Decode(const Session& session);
 
 namespace {
 
-constexpr qint64 pieceSize = 65536;
+constexpr std::size_t pieceSize = 65536;
 
 const QString standardInput = QStringLiteral("-");
 
@@ -61,22 +63,17 @@ public:
     bool DecodeFile(const QString& name) {
         QFile file(name);
         const bool isFolder = QFileInfo(name).isDir();
-        const bool isOpen = name == standardInput
-                                ? file.open(STDIN_FILENO, QIODevice::ReadOnly | QIODevice::Unbuffered)
-                                : !isFolder && file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+        const bool isOpen = name == standardInput ? file.open(STDIN_FILENO, QIODevice::ReadOnly)
+                                                  : !isFolder && file.open(QIODevice::ReadOnly);
+        QString reason = isFolder ? QStringLiteral("it is a folder") : file.errorString();
         if (isOpen) {
             FrameText text([this](const FrameText::Told& told) { m_decoder.Take(told.frame); });
-            while (AddPiece(file, text)) {
-            }
-            text.End();
+            reason = DecodeAll(file.handle(), text);
             m_notUnderstood += text.NotUnderstood();
         }
-        if (isOpen && file.error() == QFileDevice::NoError)
-            return true;
-        m_session.console.Say(
-            QStringLiteral("%1 cannot be read: %2")
-                .arg(name, isFolder ? QStringLiteral("it is a folder") : file.errorString()));
-        return false;
+        if (!reason.isEmpty())
+            m_session.console.Say(QStringLiteral("%1 cannot be read: %2").arg(name, reason));
+        return reason.isEmpty();
     }
 
     qint64 NotUnderstood() const { return m_notUnderstood; }
@@ -85,14 +82,25 @@ public:
     bool IsEnded() const { return m_isEnded; }
 
 private:
-    // What was printed is shown before more is waited for.
-    bool AddPiece(QFile& file, FrameText& text) {
-        pollfd input{.fd = file.handle(), .events = POLLIN, .revents = 0};
-        if (poll(&input, 1, 0) == 0)
-            m_isEnded = !m_session.console.Flush();
-        const QByteArray piece = m_isEnded ? QByteArray() : file.read(pieceSize);
-        text.Add(piece);
-        return !piece.isEmpty();
+    // What is printed is shown before more is waited for; QFile would wait for a whole piece. Answers why the
+    // rest cannot be read, or an empty text.
+    QString DecodeAll(int descriptor, FrameText& text) {
+        std::array<char, pieceSize> piece{};
+        for (;;) {
+            pollfd input{.fd = descriptor, .events = POLLIN, .revents = 0};
+            if (poll(&input, 1, 0) == 0 && !m_session.console.Flush()) {
+                m_isEnded = true;
+                return {};
+            }
+            const ssize_t length = read(descriptor, piece.data(), piece.size());
+            if (length > 0)
+                text.Add(QByteArrayView(piece.data(), length));
+            else if (length == 0 || errno != EINTR) {
+                const QString reason = length == 0 ? QString() : QString::fromLocal8Bit(std::strerror(errno));
+                text.End();
+                return reason;
+            }
+        }
     }
 
     const Session& m_session;
