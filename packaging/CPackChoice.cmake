@@ -1,9 +1,11 @@
-# Read by CPack once a package: which component goes into it, and how it is named.
+# Read by CPack once a generator: which components go into its packages, and how they are named.
 if(CPACK_GENERATOR STREQUAL "DEB")
-    set(CPACK_COMPONENTS_ALL system)
+    set(CPACK_COMPONENTS_ALL system cli)
+    set(CPACK_COMPONENTS_GROUPING IGNORE)
     set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 else()
     set(CPACK_COMPONENTS_ALL portable)
+    set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
     set(CPACK_PACKAGE_FILE_NAME QiranDecode-${CPACK_PACKAGE_VERSION}-${CPACK_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR})
     set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
     set(CPACK_PACKAGING_INSTALL_PREFIX /)

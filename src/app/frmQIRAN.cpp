@@ -141,6 +141,10 @@ void frmQIRAN::PrepareTracking() {
     });
     connect(m_framLocation, &framLocation::PassInfoRequested, this, &frmQIRAN::ShowPassPredictions);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
+    connect(&m_ground, &GroundStation::ElementsChanged, this, [this] {
+        m_framLocation->ShowCaption();
+        m_framLocation->Refresh();
+    });
     connect(&m_ground.link, &AgwLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
     ApplyStationPosition();
     m_framLocation->ShowCaption();

@@ -39,6 +39,10 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
 
     connect(&link, &AgwLink::Heard, this, [this](const HeardFrame& frame) { heard.Hand(frame); });
     connect(&link, &AgwLink::StatusText, this, &GroundStation::ShowStatus);
+    connect(&m_elementsWatch, &ElementsWatch::Changed, this, [this] {
+        LoadElements();
+        Q_EMIT ElementsChanged();
+    });
     connect(&station, &Station::Changed, this, &GroundStation::ApplyStationPosition);
     cIni.SetWriteFailed(
         [this](const QString& file, const QString& reason) { ShowStatus(Texts::CannotSave(file, reason)); });
@@ -71,6 +75,7 @@ GroundStation::Outcome GroundStation::Start() {
     callsigns.LoadCallsigns();
     ApplyStationPosition();
     LoadElements();
+    m_elementsWatch.Start(folder.KepsFolder(), folder.Path());
     m_roof.PrepareTracking();
     terminal.Open();
     m_roof.LoadTerminal();
@@ -91,6 +96,7 @@ void GroundStation::Stop() {
         return;
     m_isRunning = false;
     link.Stop();
+    m_elementsWatch.Stop();
     m_roof.ReleaseWindows();
     terminal.Close();
     if (m_roof.SaveWindowPlace())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/ElementsWatch.h"
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
 #include "foundation/system/FolderLock.h"
@@ -87,6 +88,9 @@ Q_SIGNALS:
     /// One status line, without its end.
     void StatusLine(const QString& line);
 
+    /// Files came into the folder of the elements, or went; they have been read.
+    void ElementsChanged();
+
 private:
     void LoadOptions();
     void RemoveOldKeys();
@@ -100,5 +104,6 @@ private:
     SecondTime m_frameTime;
     FrameIntake m_intake;
     GridValues m_gridValues;
+    ElementsWatch m_elementsWatch;
     bool m_isRunning = false;
 };

@@ -3,9 +3,18 @@
 #include "core/StationRig.h"
 #include "core/Texts.h"
 
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr const char* iss = "ISS (ZARYA)\r\n"
+                            "1 25544U 98067A   26324.50000000  .00010000  00000-0  18000-3 0  9995\r\n"
+                            "2 25544  51.6400 100.0000 0005000  60.0000 300.0000 15.50000000000015\r\n";
+
+} // namespace
 
 class GroundStationTest : public QObject {
     Q_OBJECT
@@ -15,6 +24,7 @@ private Q_SLOTS:
     void withoutFormulaeNothingOfTheStartFollows();
     void aStationRunsWithoutAnyRoof();
     void theObserverFollowsTheStation();
+    void elementsThatComeIntoTheFolderAreRead();
     void theLogIsWrittenWhileTheTerminalExists();
     void statusLinesAreToldOneByOne();
     void theSatelliteIsSavedWhereTheWindowsPlaceIs_data();
@@ -76,10 +86,7 @@ void GroundStationTest::aStationRunsWithoutAnyRoof() {
 
 void GroundStationTest::theObserverFollowsTheStation() {
     StationRig f;
-    f.folder.Write(u"Keps/iss.txt"_s,
-                   "ISS (ZARYA)\r\n"
-                   "1 25544U 98067A   26324.50000000  .00010000  00000-0  18000-3 0  9995\r\n"
-                   "2 25544  51.6400 100.0000 0005000  60.0000 300.0000 15.50000000000015\r\n");
+    f.folder.Write(u"Keps/iss.txt"_s, iss);
     QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
     const auto elevation = [&] {
         const auto place = f.station->cSats.PositionAt(u"25544"_s, f.station->cSats.datGmtTime());
@@ -90,6 +97,18 @@ void GroundStationTest::theObserverFollowsTheStation() {
     f.station->station.setStrLat(u"5130.00N"_s);
     f.station->station.setStrLong(u"00007.50W"_s);
     QVERIFY(std::abs(elevation() - before) > 0.1);
+}
+
+void GroundStationTest::elementsThatComeIntoTheFolderAreRead() {
+    StationRig f;
+    f.folder.Write(u"Keps/note.txt"_s, "no elements");
+    QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    QSignalSpy changed(f.station.get(), &GroundStation::ElementsChanged);
+    QVERIFY(!f.station->cSats.ElementsOf(u"25544"_s));
+    f.folder.Write(u"Keps/iss.txt"_s, iss);
+    QTRY_COMPARE(changed.count(), 1);
+    QVERIFY(f.station->cSats.ElementsOf(u"25544"_s));
+    QCOMPARE(f.station->satellites.At(1).strName, u"ISS (ZARYA)"_s);
 }
 
 void GroundStationTest::theLogIsWrittenWhileTheTerminalExists() {

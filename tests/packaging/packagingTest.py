@@ -56,7 +56,8 @@ class Packages(unittest.TestCase):
         cls.out = pathlib.Path(cls.made.name)
         call("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", cls.out)
         cls.archive = next(cls.out.glob("*.tar.gz"))
-        cls.debian = next(cls.out.glob("*.deb"))
+        cls.debian = next(cls.out.glob("qirandecode_*.deb"))
+        cls.commands = next(cls.out.glob("qirandecode-cli_*.deb"))
 
     @classmethod
     def tearDownClass(cls):
@@ -83,13 +84,13 @@ class Packages(unittest.TestCase):
         return report
 
     def install(self):
-        """The package put into a root of its own, with the package manager's own records."""
+        """The packages put into a root of their own, with the package manager's own records."""
         root = self.scratch / "root"
         (root / "var/lib/dpkg/info").mkdir(parents=True)
         (root / "var/lib/dpkg/updates").mkdir()
         (root / "var/lib/dpkg/status").touch()
         (root / "var/lib/dpkg/available").touch()
-        self.dpkg(root, "--install", self.debian)
+        self.dpkg(root, "--install", self.commands, self.debian)
         return root
 
     @staticmethod
@@ -108,14 +109,16 @@ class Packages(unittest.TestCase):
     def test_the_archive_unpacked_elsewhere_starts_and_keeps_its_files_in_its_folder(self):
         call("tar", "-xzf", self.archive, "-C", self.scratch)
         folder = next(self.scratch.glob("QiranDecode-*"))
-        self.assertEqual(files_of(folder), {"QiranDecode", "world.gif", "qirandecode.HLP", "formula.example.txt",
+        self.assertEqual(files_of(folder), {"QiranDecode", "qirandecode-cli", "world.gif", "qirandecode.HLP", "formula.example.txt",
                                             "LICENSE", "README.md"})
         shutil.copy(folder / "formula.example.txt", folder / "formula.txt")
         self.run_report(folder / "QiranDecode")
         self.assertTrue((folder / rig.SETTINGS_FILE).is_file())
         self.assertEqual(files_of(self.home), set())
+        shown = call(folder / "qirandecode-cli", "config", "get", "AGWPE/HOST_PORT", env=self.environment, cwd="/")
+        self.assertEqual(shown, rig.read_settings(folder / rig.SETTINGS_FILE)["AGWPE", "HOST_PORT"] + "\n")
 
-    # The Debian package
+    # The Debian packages
 
     def test_the_package_says_what_it_is_and_what_it_needs(self):
         fields = call("dpkg-deb", "--field", self.debian)
@@ -124,6 +127,31 @@ class Packages(unittest.TestCase):
         depends = next(line for line in fields.splitlines() if line.startswith("Depends: "))
         for library in ("libqt6widgets6", "libqt6network6", "libqt6printsupport6", "libc6"):
             self.assertIn(library, depends)
+
+    def test_the_command_line_is_a_package_that_needs_no_window_library(self):
+        fields = call("dpkg-deb", "--field", self.commands)
+        self.assertIn(f"Version: {VERSION}-1\n", fields)
+        self.assertIn("Package: qirandecode-cli\n", fields)
+        found = needed_packages(call("dpkg-deb", "--field", self.commands, "Depends").strip())
+        self.assertIn("libqt6network6", found)
+        self.assertIn("ca-certificates", found)
+        self.assertEqual({name for name in found if re.search("qt6gui|qt6widgets|qt6print|libx11|libgl1|xcb", name)}, set())
+        self.assertIn(f"qirandecode-cli (= {VERSION}-1)", call("dpkg-deb", "--field", self.debian, "Depends"))
+
+    def test_the_command_line_alone_reads_without_making_a_folder_and_makes_it_when_something_is_kept(self):
+        root = self.install()
+        self.dpkg(root, "--remove", "qirandecode")
+        program = root / "usr/bin/qirandecode-cli"
+        folder = self.home / ".local/share/QiranDecode"
+        self.assertIn(VERSION, call(program, "--version", env=self.environment))
+        for words in (["config", "list"], ["passes"], ["nonsense"]):
+            done = subprocess.run([program, *words], env=self.environment, capture_output=True, stdin=subprocess.DEVNULL)
+            self.assertEqual(done.returncode, 2)
+        self.assertFalse(folder.exists())
+        call(program, "config", "set", "SETUP/CALLSIGN", "N0CALL", env=self.environment)
+        self.assertEqual(call(program, "config", "get", "SETUP/CALLSIGN", env=self.environment), "N0CALL\n")
+        self.assertEqual(folder.stat().st_mode & 0o777, 0o700)
+        self.assertTrue((folder / "formula.example.txt").is_file())
 
     def test_the_package_brings_everything_that_the_program_loads_while_it_runs(self):
         found = needed_packages(call("dpkg-deb", "--field", self.debian, "Depends").strip())
@@ -136,7 +164,7 @@ class Packages(unittest.TestCase):
             self.assertIn(owner, found, file)
 
     def test_the_package_holds_plain_files_owned_by_root_that_nobody_else_may_write(self):
-        for line in call("dpkg-deb", "--contents", self.debian).splitlines():
+        for line in (call("dpkg-deb", "--contents", self.debian) + call("dpkg-deb", "--contents", self.commands)).splitlines():
             mode, owner = line.split()[:2]
             self.assertEqual(owner, "root/root", line)
             self.assertIn(mode[0], "-d", line)
@@ -157,7 +185,7 @@ class Packages(unittest.TestCase):
         self.assertTrue((folder / "world.gif").is_symlink())
         mine = {name: (folder / name).read_bytes() for name in ("formula.txt", rig.SETTINGS_FILE)}
 
-        self.dpkg(root, "--purge", "qirandecode")
+        self.dpkg(root, "--purge", "qirandecode", "qirandecode-cli")
         self.assertEqual({name for name in files_of(root) if not name.startswith("var/lib/dpkg/")}, set())
         self.assertFalse((root / "usr/lib/qirandecode").exists())
         for name, content in mine.items():
@@ -202,9 +230,11 @@ class Packages(unittest.TestCase):
         share = root / "usr/share"
         call("desktop-file-validate", share / "applications/qirandecode.desktop")
         call("appstreamcli", "validate", "--no-net", share / "metainfo/org.qirandecode.QiranDecode.metainfo.xml")
-        page = subprocess.run(["man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z",
-                               share / "man/man1/qirandecode.1"], capture_output=True, text=True, check=True)
-        self.assertEqual(page.stderr, "")
+        for name in ("qirandecode", "qirandecode-cli"):
+            page = subprocess.run(["man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z",
+                                   share / f"man/man1/{name}.1"], capture_output=True, text=True, check=True)
+            self.assertEqual(page.stderr, "")
+        call("bash", "-n", share / "bash-completion/completions/qirandecode-cli")
         for size in (16, 22, 24, 32, 48, 64, 128, 256):
             picture = (share / f"icons/hicolor/{size}x{size}/apps/qirandecode.png").read_bytes()
             self.assertEqual(int.from_bytes(picture[16:20], "big"), size)

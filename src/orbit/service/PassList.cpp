@@ -69,6 +69,14 @@ std::optional<Pass> Parse(std::string_view item) {
     return Pass{.startUtc = *start, .durationSeconds = duration, .maxElevation = *elevation};
 }
 
+Pass ToWholeSeconds(const SatPass& pass) {
+    // Through the two decimals of an item, which round as well.
+    const QByteArray elevation = QByteArray::number(pass.maxElevation, 'f', 2);
+    return {.startUtc = std::ceil(pass.riseUtc * secondsPerDay) / secondsPerDay,
+            .durationSeconds = std::trunc((pass.setUtc - pass.riseUtc) * secondsPerDay),
+            .maxElevation = Text::RoundToInt16(Text::LeadingNumber(elevation.toStdString())).value_or(0)};
+}
+
 std::optional<DateTime> NextStart(std::string_view list, DateTime nowUtc) {
     DateTime last = 0;
     for (const std::string_view item : Items(list)) {

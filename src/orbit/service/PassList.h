@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/text/DateTime.h"
+#include "orbit/service/SatPass.h"
 
 #include <QString>
 
@@ -27,6 +28,10 @@ std::optional<DateTime> StartOf(std::string_view item);
 
 /// The whole item; nothing when a field is missing or its number senseless.
 std::optional<Pass> Parse(std::string_view item);
+
+/// A pass as an item of the list tells it: its start is the first whole second in view, its duration is cut
+/// to whole seconds, its elevation rounded.
+Pass ToWholeSeconds(const SatPass& pass);
 
 /// When the first pass begins that has not begun at `nowUtc`; where all have, the start of the last one; 0
 /// when there is none. Nothing when an item that had to be read is damaged.

@@ -2,7 +2,7 @@
 
 #include "foundation/text/Text.h"
 #include "orbit/service/LatLongText.h"
-#include "orbit/service/PassList.h"
+#include "orbit/service/PassTable.h"
 
 #include <QFile>
 
@@ -16,8 +16,6 @@ constexpr double degreesPerRadian = 180.0 / std::numbers::pi;
 constexpr int passesPerDay = 10;
 constexpr int daysOfTable = 3;
 constexpr int daysOfNextPass = 2;
-
-const QString lineEnd = QStringLiteral("\r\n");
 
 } // namespace
 
@@ -139,40 +137,28 @@ std::optional<qint16> clsSats::AzimuthAt(const QString& strSat, DateTime datT) c
 }
 
 QString clsSats::strPassInfo(const QString& strObject) const {
-    const std::optional<QString> body = PassTableBody(strObject);
-    if (!body)
-        return {};
-    const QString note = m_blnLocalTime ? QStringLiteral("'Start Time' is local time.")
-                                        : QStringLiteral("'Start Time' is UTC.");
-    return note + lineEnd + lineEnd +
-           QStringLiteral("      Start Time       Duration  Start Az  End Az  Max Elev") + lineEnd +
-           QStringLiteral("      ----------       --------  --------  ------  --------") + lineEnd + *body;
-}
-
-std::optional<QString> clsSats::PassTableBody(const QString& strObject) const {
     const std::optional<std::string> passes =
         m_library->ListPasses(strObject.toStdString(), datGmtTime(), passesPerDay, daysOfTable, 0, 0);
     if (!passes)
-        return std::nullopt;
-    QString body;
-    std::optional<double> previousDay;
+        return {};
+    PassTable table(m_blnLocalTime ? PassTable::Zone::Local : PassTable::Zone::Utc, PassTable::Names::None);
     for (const std::string_view item : PassList::Items(*passes)) {
         const std::optional<Pass> pass = PassList::Parse(item);
-        if (!pass)
-            return std::nullopt;
-        const std::optional<qint16> startAzimuth = AzimuthAt(strObject, pass->startUtc);
-        const std::optional<qint16> endAzimuth =
-            AzimuthAt(strObject, pass->startUtc + pass->durationSeconds / secondsPerDay);
-        if (!startAzimuth || !endAzimuth)
-            return std::nullopt;
-        const DateTime start = ToDisplayTime(pass->startUtc);
-        const double day = std::floor(start);
-        if (previousDay && *previousDay != day)
-            body += lineEnd;
-        previousDay = day;
-        body += PassList::TableLine(start, *pass, *startAzimuth, *endAzimuth) + lineEnd;
+        if (!pass || !AddToTable(table, strObject, *pass))
+            return {};
     }
-    return body;
+    return table.Text();
+}
+
+bool clsSats::AddToTable(PassTable& table, const QString& strObject, const Pass& pass,
+                         const QString& name) const {
+    const std::optional<qint16> startAzimuth = AzimuthAt(strObject, pass.startUtc);
+    const std::optional<qint16> endAzimuth =
+        AzimuthAt(strObject, pass.startUtc + pass.durationSeconds / secondsPerDay);
+    if (!startAzimuth || !endAzimuth)
+        return false;
+    table.Add(ToDisplayTime(pass.startUtc), pass, *startAzimuth, *endAzimuth, name);
+    return true;
 }
 
 std::optional<ElementSource> clsSats::ElementsOf(const QString& strSat) const {

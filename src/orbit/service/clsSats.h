@@ -10,6 +10,9 @@
 #include <memory>
 #include <optional>
 
+class PassTable;
+struct Pass;
+
 /// The one object that the program asks about satellites, passes and the time. An object is named by what the
 /// orbit library finds it by: its catalogue number as text. What fails answers false or nothing.
 ///
@@ -69,6 +72,11 @@ public:
     /// The table of pass predictions, its lines ended by CR LF; empty when it cannot be made.
     QString strPassInfo(const QString& strObject) const;
 
+    /// Adds the line of a pass to a table of predictions in display time. False when the object has no
+    /// position at its start or end.
+    bool AddToTable(PassTable& table, const QString& strObject, const Pass& pass,
+                    const QString& name = {}) const;
+
     /// Which elements an object is tracked by.
     std::optional<ElementSource> ElementsOf(const QString& strSat) const;
 
@@ -85,7 +93,6 @@ public:
 
 private:
     std::optional<qint16> AzimuthAt(const QString& strSat, DateTime datT) const;
-    std::optional<QString> PassTableBody(const QString& strObject) const;
 
     const std::unique_ptr<OrbitLibrary> m_library;
     const Clock& m_clock;

@@ -7,13 +7,21 @@ Station::Station(clsIni& cIni, QObject* parent)
     , m_cIni(cIni) {}
 
 void Station::Load() {
-    m_latitude = Settings::Read(m_cIni, Settings::latitude);
+    Take([this](const Setting& setting) { return Settings::Read(m_cIni, setting); });
+}
+
+void Station::Peek() {
+    Take([this](const Setting& setting) { return Settings::Peek(m_cIni, setting); });
+}
+
+void Station::Take(const std::function<QString(const Setting&)>& valueOf) {
+    m_latitude = valueOf(Settings::latitude);
     m_latitudeDegrees = QIRUtil::LatToDegrees(m_latitude);
-    m_longitude = Settings::Read(m_cIni, Settings::longitude);
+    m_longitude = valueOf(Settings::longitude);
     m_longitudeDegrees = QIRUtil::LongToDegrees(m_longitude);
-    m_locator = Settings::Read(m_cIni, Settings::locator);
-    m_callsign = Settings::Read(m_cIni, Settings::callsign);
-    m_comment = Settings::Read(m_cIni, Settings::comment);
+    m_locator = valueOf(Settings::locator);
+    m_callsign = valueOf(Settings::callsign);
+    m_comment = valueOf(Settings::comment);
     Q_EMIT Changed();
 }
 

@@ -5,7 +5,10 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
+
 class clsIni;
+struct Setting;
 
 /// Who transmits and from where: what the user entered about the own station. A setter writes its setting at
 /// once, so that nothing is lost whatever happens next.
@@ -16,6 +19,9 @@ public:
 
     /// Reads the settings; those that the file lacks are written there as empty.
     void Load();
+
+    /// Reads the settings; writes nothing.
+    void Peek();
 
     const QString& strCallsign() const { return m_callsign; }
     const QString& strComment() const { return m_comment; }
@@ -49,6 +55,7 @@ Q_SIGNALS:
     void Changed();
 
 private:
+    void Take(const std::function<QString(const Setting&)>& valueOf);
     void Change(QString& member, const QString& value);
 
     clsIni& m_cIni;

@@ -3,11 +3,14 @@
 #include "foundation/files/BoundedFile.h"
 #include "foundation/messages/mb.h"
 #include "foundation/text/ByteOrderMark.h"
+#include "foundation/text/Text.h"
 #include "telemetry/frames/ByteViews.h"
 
 #include <algorithm>
 #include <iostream>
 #include <optional>
+#include <span>
+#include <tuple>
 #include <string>
 
 namespace {
@@ -53,13 +56,14 @@ void TellOffendingLine(const QString& path, int number, std::string_view line) {
               << std::endl;
 }
 
-// Nothing after the last line; else what the line at fault came to, and its number.
+// What a line at fault came to, and its number.
 struct Fault {
     FormulaTable::Store store;
     int line;
     std::string_view text;
 };
 
+// Up to the first fault.
 std::optional<Fault> StoreLines(std::string_view text, FormulaTable& table) {
     text = WithoutByteOrderMark(text);
     for (int number = 1; !text.empty(); ++number) {
@@ -71,7 +75,52 @@ std::optional<Fault> StoreLines(std::string_view text, FormulaTable& table) {
     return std::nullopt;
 }
 
+// A side and a comma: no note begins so.
+bool IsMeantAsFormula(std::string_view line) {
+    line = Trimmed(line);
+    return (line.starts_with('A') || line.starts_with('B')) && Trimmed(line.substr(1)).starts_with(',');
+}
+
+// What is wrong with a line; empty for one that is good or a note.
+QString FaultOf(std::string_view line, FormulaTable& table) {
+    constexpr std::size_t firstCoefficient = 4;
+    const auto fields = SplitFormulaLine(line);
+    if (!fields)
+        return IsMeantAsFormula(line) ? QStringLiteral("it has not eight fields") : QString();
+    switch (table.StoreFormulaLine(*fields)) {
+    case FormulaTable::Store::UnknownGridOrRow:
+        return QStringLiteral("no such grid or row");
+    case FormulaTable::Store::BadFrameType:
+        return QStringLiteral("the frame type is not 0 to 3");
+    case FormulaTable::Store::TooLarge:
+        return QStringLiteral("a number is too large");
+    case FormulaTable::Store::Done:
+        break;
+    }
+    for (const QByteArrayView field : std::span(*fields).subspan(firstCoefficient)) {
+        bool isNumber = false;
+        std::ignore = field.trimmed().toDouble(&isNumber);
+        if (!isNumber)
+            return QStringLiteral("'%1' is no number").arg(Text::FromBytes(field.trimmed()));
+    }
+    return {};
+}
+
 } // namespace
+
+QStringList CheckFormulae(const QString& path) {
+    QString reason;
+    const std::optional<QByteArray> bytes = ReadBoundedFile(path, largestFile, reason);
+    if (!bytes)
+        return {reason};
+    QStringList faults;
+    FormulaTable table;
+    std::string_view text = WithoutByteOrderMark(ToView(*bytes));
+    for (int number = 1; !text.empty(); ++number)
+        if (const QString fault = FaultOf(TakeLine(text), table); !fault.isEmpty())
+            faults.append(QStringLiteral("line %1: %2").arg(number).arg(fault));
+    return faults;
+}
 
 FormulaLoad LoadFormulae(const QString& path, FormulaTable& table, const mb& messages, QObject* owner) {
     table = FormulaTable();

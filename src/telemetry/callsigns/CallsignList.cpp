@@ -47,14 +47,14 @@ void CallsignList::InitCallsigns() {
 }
 
 void CallsignList::LoadCallsigns() {
-    QList<clsCallsign> callsigns = Stored(m_ini);
-    if (callsigns.isEmpty()) {
+    if (Stored(m_ini).isEmpty())
         InitCallsigns();
-        callsigns = Stored(m_ini);
-    }
-    if (callsigns.isEmpty()) // the file cannot be written
-        callsigns = Defaults();
-    Replace(std::move(callsigns));
+    PeekCallsigns();
+}
+
+void CallsignList::PeekCallsigns() {
+    const QList<clsCallsign> callsigns = Stored(m_ini);
+    Replace(callsigns.isEmpty() ? Defaults() : callsigns);
 }
 
 void CallsignList::setCCallsigns(const QList<clsCallsign>& callsigns) {

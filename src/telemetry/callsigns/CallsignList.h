@@ -23,6 +23,9 @@ public:
     /// Reads the stored callsigns; where there are none, the defaults are written first.
     void LoadCallsigns();
 
+    /// Reads the stored callsigns, or takes the defaults where there are none; writes nothing.
+    void PeekCallsigns();
+
     /// A copy.
     QList<clsCallsign> cCallsigns() const { return m_callsigns; }
 

@@ -1,0 +1,150 @@
+#include "cli/commands/Answers.h"
+#include "cli/commands/ConsolePresenter.h"
+#include "cli/commands/FrameRecords.h"
+#include "cli/output/Records.h"
+#include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/clsIni.h"
+#include "telemetry/calibration/FormulaFile.h"
+#include "telemetry/calibration/TelemetryDecoder.h"
+#include "telemetry/replay/FrameText.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <poll.h>
+#include <unistd.h>
+
+namespace Commands {
+
+int Decode(const Session& session);
+
+namespace {
+
+constexpr std::size_t pieceSize = 65536;
+
+const QString standardInput = QStringLiteral("-");
+
+/// Decodes lines and prints their readings.
+class LineDecoder {
+public:
+    explicit LineDecoder(const Session& session)
+        : m_session(session)
+        , m_ini(session.folder.IniFile())
+        , m_callsigns(m_ini)
+        , m_decoder(m_channelMap, m_formulae, m_callsigns)
+        , m_writer(session.console, Records::reading, Answers::FormatOf(session), Answers::ZoneOf(session)) {
+        m_channelMap.BuildChannelMap();
+        m_callsigns.PeekCallsigns();
+        m_decoder.Decoded().Add(
+            [this](const TelemetryFrame& frame) {
+                for (const Reading& reading : frame.Readings())
+                    m_writer.Write(RecordOf(reading));
+            },
+            FanOut<TelemetryFrame>::Takes::LiveAndReplayed);
+    }
+
+    /// False, and why is said, when the formulae cannot be loaded.
+    bool LoadFormulaeFile() {
+        const QString path = m_session.folder.File(QStringLiteral("formula.txt"));
+        if (!QFile::exists(path)) {
+            m_session.console.Say(Answers::NoFormulae(path));
+            return false;
+        }
+        ConsolePresenter presenter(m_session.console);
+        return LoadFormulae(path, m_formulae, mb(presenter), nullptr) == FormulaLoad::Loaded;
+    }
+
+    void Head() { m_writer.Head(); }
+
+    /// False, and why is said, when a file cannot be read. Ends early when nobody reads any further.
+    bool DecodeFile(const QString& name) {
+        QFile file(name);
+        const bool isFolder = QFileInfo(name).isDir();
+        const bool isOpen = name == standardInput ? file.open(STDIN_FILENO, QIODevice::ReadOnly)
+                                                  : !isFolder && file.open(QIODevice::ReadOnly);
+        QString reason = isFolder ? QStringLiteral("it is a folder") : file.errorString();
+        if (isOpen) {
+            FrameText text([this](const FrameText::Told& told) { m_decoder.Take(told.frame); });
+            reason = DecodeAll(file.handle(), text);
+            m_notUnderstood += text.NotUnderstood();
+        }
+        if (!reason.isEmpty())
+            m_session.console.Say(QStringLiteral("%1 cannot be read: %2").arg(name, reason));
+        return reason.isEmpty();
+    }
+
+    qint64 NotUnderstood() const { return m_notUnderstood; }
+
+    /// Whether nobody reads any further.
+    bool IsEnded() const { return m_isEnded; }
+
+private:
+    // What is printed is shown before more is waited for; QFile would wait for a whole piece. Answers why the
+    // rest cannot be read, or an empty text.
+    QString DecodeAll(int descriptor, FrameText& text) {
+        std::array<char, pieceSize> piece{};
+        for (;;) {
+            pollfd input{.fd = descriptor, .events = POLLIN, .revents = 0};
+            if (poll(&input, 1, 0) == 0 && !m_session.console.Flush()) {
+                m_isEnded = true;
+                return {};
+            }
+            const ssize_t length = read(descriptor, piece.data(), piece.size());
+            if (length > 0)
+                text.Add(QByteArrayView(piece.data(), length));
+            else if (length == 0 || errno != EINTR) {
+                const QString reason = length == 0 ? QString() : QString::fromLocal8Bit(std::strerror(errno));
+                text.End();
+                return reason;
+            }
+        }
+    }
+
+    const Session& m_session;
+    clsIni m_ini;
+    CallsignList m_callsigns;
+    ChannelMap m_channelMap;
+    FormulaTable m_formulae;
+    TelemetryDecoder m_decoder;
+    RecordWriter m_writer;
+    qint64 m_notUnderstood = 0;
+    bool m_isEnded = false;
+};
+
+int Check(const Session& session) {
+    const QString name = QStringLiteral("formula.txt");
+    const QStringList faults = CheckFormulae(session.folder.File(name));
+    for (const QString& fault : faults)
+        session.console.Print(QStringLiteral("%1: %2\n").arg(name, fault));
+    return faults.isEmpty() ? ExitCode::Done : ExitCode::Failed;
+}
+
+} // namespace
+
+int Decode(const Session& session) {
+    QStringList files = session.call.Arguments();
+    if (session.call.Has(Options::check))
+        return files.isEmpty()
+                   ? Check(session)
+                   : Answers::Wrong(session, QStringLiteral("--check takes no files; it looks at those in "
+                                                            "the program folder"));
+    LineDecoder decoder(session);
+    if (!decoder.LoadFormulaeFile())
+        return ExitCode::Failed;
+    decoder.Head();
+    if (files.isEmpty())
+        files.append(standardInput);
+    int code = ExitCode::Done;
+    for (const QString& file : files)
+        if (!decoder.IsEnded() && !decoder.DecodeFile(file))
+            code = ExitCode::Failed;
+    if (decoder.NotUnderstood() > 0)
+        session.console.Say(
+            QStringLiteral("lines that were not understood: %1").arg(decoder.NotUnderstood()));
+    return code;
+}
+
+} // namespace Commands

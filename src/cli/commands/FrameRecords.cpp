@@ -1,0 +1,65 @@
+#include "cli/commands/FrameRecords.h"
+
+#include "foundation/text/Text.h"
+#include "telemetry/calibration/GridLayout.h"
+#include "telemetry/frames/Reading.h"
+
+namespace {
+
+FieldValue TimeOf(qint64 utc) {
+    return utc == 0 ? FieldValue() : FieldValue(utc);
+}
+
+FieldValue TextOf(QByteArrayView bytes) {
+    return bytes.isEmpty() ? FieldValue() : FieldValue(Text::FromBytes(bytes));
+}
+
+FieldValue PathOf(QByteArrayView path) {
+    return path.isEmpty() ? FieldValue() : FieldValue(Text::FromBytes(path).split(u','));
+}
+
+} // namespace
+
+Record RecordOf(const HeardFrame& frame) {
+    const bool hasInformation = frame.kind != HeardFrame::Kind::S || !frame.information.isEmpty();
+    return {TimeOf(frame.utc),
+            qint64{frame.port},
+            QString(QChar::fromLatin1(static_cast<char>(frame.kind))),
+            TextOf(frame.source),
+            TextOf(frame.destination),
+            PathOf(frame.path),
+            frame.pid ? FieldValue(qint64{*frame.pid}) : FieldValue(),
+            hasInformation ? FieldValue(Text::FromBytes(frame.information)) : FieldValue(),
+            frame.isComplete
+                ? FieldValue(QString::fromLatin1(frame.information.toByteArray().toHex().toUpper()))
+                : FieldValue()};
+}
+
+Record RecordOf(const Reading& reading) {
+    return {TimeOf(reading.utc),
+            TextOf(reading.source),
+            reading.side == 0 ? QStringLiteral("A") : QStringLiteral("B"),
+            Text::FromBytes(reading.sequence),
+            qint64{reading.frameType},
+            qint64{reading.channel + 1},
+            QString::fromLatin1(GridLayout::Tag(reading.grid)),
+            QString::fromLatin1(GridLayout::RowName(reading.grid, reading.row)),
+            reading.raw,
+            FieldOf(reading.value),
+            FieldValue()};
+}
+
+QString LineOf(const HeardFrame& frame) {
+    const QString path = frame.path.isEmpty() ? QString() : u',' + Text::FromBytes(frame.path);
+    return QStringLiteral("%1>%2%3: %4")
+        .arg(Text::FromBytes(frame.source), Text::FromBytes(frame.destination), path,
+             Text::FromBytes(frame.information));
+}
+
+QString LineOf(const Reading& reading) {
+    return QStringLiteral("%1 %2 %3 %4 = %5")
+        .arg(Text::FromBytes(reading.source), reading.side == 0 ? QStringLiteral("A") : QStringLiteral("B"),
+             QString::fromLatin1(GridLayout::Tag(reading.grid)),
+             QString::fromLatin1(GridLayout::RowName(reading.grid, reading.row)),
+             reading.value ? Text::GeneralNumber(*reading.value) : QStringLiteral("-"));
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "cli/output/Record.h"
+
+struct HeardFrame;
+struct Reading;
+
+/// Values of the road of a frame as records. A time of 0 is one that nobody told.
+Record RecordOf(const HeardFrame& frame);
+Record RecordOf(const Reading& reading);
+
+/// The same for people, in one line and without the time.
+QString LineOf(const HeardFrame& frame);
+QString LineOf(const Reading& reading);

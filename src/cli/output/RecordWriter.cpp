@@ -1,0 +1,165 @@
+#include "cli/output/RecordWriter.h"
+
+#include "cli/output/Console.h"
+#include "foundation/text/UtcTime.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using Kind = Column::Kind;
+using Zone = RecordWriter::Zone;
+
+UtcTime::Digits DigitsOf(const Column& column) {
+    return column.kind == Kind::Seconds ? UtcTime::Digits::Seconds : UtcTime::Digits::Milliseconds;
+}
+
+bool IsNumber(const Column& column) {
+    return column.kind == Kind::Whole || column.kind == Kind::Decimal;
+}
+
+bool IsTime(const Column& column) {
+    return column.kind == Kind::Seconds || column.kind == Kind::Moment;
+}
+
+// "." in every locale, and no sign before a number that is rounded to 0.
+QString NumberText(const Column& column, double value) {
+    constexpr int significantDigits = 15; // as many as a double surely has
+    if (column.decimals < 0)
+        return QString::number(value, 'g', significantDigits);
+    const QString text = QString::number(value, 'f', column.decimals);
+    const bool isZero = text.startsWith(u'-') && text.toDouble() == 0.0;
+    return isZero ? text.sliced(1) : text;
+}
+
+// Nothing where the field has no value; what is no number is none.
+std::optional<QString> CellText(const Column& column, const FieldValue& value, Zone zone) {
+    if (const auto* text = std::get_if<QString>(&value))
+        return *text;
+    if (const auto* number = std::get_if<double>(&value))
+        return std::isfinite(*number) ? std::optional(NumberText(column, *number)) : std::nullopt;
+    if (const auto* list = std::get_if<QStringList>(&value))
+        return list->join(u',');
+    const auto* whole = std::get_if<qint64>(&value);
+    if (whole == nullptr)
+        return std::nullopt;
+    if (!IsTime(column))
+        return QString::number(*whole);
+    return zone == Zone::Local ? UtcTime::ToLocalText(*whole, DigitsOf(column))
+                               : UtcTime::ToText(*whole, DigitsOf(column));
+}
+
+QByteArray CsvCell(const QString& cell) {
+    QByteArray bytes = cell.toUtf8();
+    const bool isPlain = std::none_of(bytes.begin(), bytes.end(),
+                                      [](char c) { return c == ',' || c == '"' || c == '\r' || c == '\n'; });
+    return isPlain ? bytes : '"' + bytes.replace("\"", "\"\"") + '"';
+}
+
+} // namespace
+
+namespace RecordText {
+
+QString Cell(const Column& column, const FieldValue& value, Zone zone) {
+    return CellText(column, value, zone).value_or(QString());
+}
+
+QString Shown(const QString& text) {
+    QString shown;
+    for (const QChar c : text) {
+        const char16_t code = c.unicode();
+        if (code < 0x20 || (code >= 0x7F && code < 0xA0))
+            shown += QStringLiteral("<0x%1>").arg(uint{code}, 2, 16, QChar(u'0'));
+        else
+            shown += c;
+    }
+    return shown;
+}
+
+QByteArray JsonString(const QString& text) {
+    QByteArray json = "\"";
+    for (const char c : text.toUtf8()) {
+        if (c == '"' || c == '\\')
+            json += '\\';
+        if (static_cast<unsigned char>(c) < 0x20)
+            json += "\\u00" + QByteArray(1, c).toHex();
+        else
+            json += c;
+    }
+    return json + '"';
+}
+
+QByteArray Json(const RecordType& type, const Record& record) {
+    QByteArray json = R"({"type":)" + JsonString(QString::fromLatin1(type.name));
+    for (qsizetype i = 0; i < record.size(); ++i) {
+        const Column& column = type.columns[static_cast<std::size_t>(i)];
+        const std::optional<QString> cell = CellText(column, record[i], Zone::Utc);
+        if (!cell)
+            continue;
+        json += ',' + JsonString(QString::fromLatin1(column.name)) + ':';
+        if (const auto* list = std::get_if<QStringList>(&record[i])) {
+            QByteArrayList items;
+            for (const QString& item : *list)
+                items.append(JsonString(item));
+            json += '[' + items.join(',') + ']';
+        } else {
+            json += IsNumber(column) ? cell->toLatin1() : JsonString(*cell);
+        }
+    }
+    return json + '}';
+}
+
+QByteArray Csv(const RecordType& type, const Record& record) {
+    QByteArrayList cells;
+    for (qsizetype i = 0; i < record.size(); ++i)
+        cells.append(CsvCell(Cell(type.columns[static_cast<std::size_t>(i)], record[i])));
+    return cells.join(',');
+}
+
+QByteArray CsvHead(const RecordType& type) {
+    QByteArrayList names;
+    for (const Column& column : type.columns)
+        names.append(column.name);
+    return names.join(',');
+}
+
+} // namespace RecordText
+
+QString RecordWriter::TextLine(const QStringList& cells) const {
+    QString line;
+    for (qsizetype i = 0; i < cells.size(); ++i) {
+        const Column& column = m_type.columns[static_cast<std::size_t>(i)];
+        line +=
+            IsNumber(column) ? cells[i].rightJustified(column.width) : cells[i].leftJustified(column.width);
+        line += QStringLiteral("  ");
+    }
+    while (line.endsWith(u' '))
+        line.chop(1);
+    return line + u'\n';
+}
+
+void RecordWriter::Head() {
+    if (m_format == Format::Csv)
+        m_console.Print(RecordText::CsvHead(m_type) + "\r\n");
+    if (m_format != Format::Text)
+        return;
+    QStringList names;
+    for (const Column& column : m_type.columns)
+        names.append(QString::fromLatin1(column.name));
+    m_console.Print(TextLine(names));
+}
+
+void RecordWriter::Write(const Record& record) {
+    if (m_format == Format::Json)
+        m_console.Print(RecordText::Json(m_type, record) + '\n');
+    else if (m_format == Format::Csv)
+        m_console.Print(RecordText::Csv(m_type, record) + "\r\n");
+    else {
+        QStringList cells;
+        for (qsizetype i = 0; i < record.size(); ++i)
+            cells.append(RecordText::Shown(
+                RecordText::Cell(m_type.columns[static_cast<std::size_t>(i)], record[i], m_zone)));
+        m_console.Print(TextLine(cells));
+    }
+}
