@@ -7,11 +7,18 @@
 #include "foundation/settings/Settings.h"
 #include "orbit/service/KVRSatLib.h"
 #include "telemetry/calibration/FormulaFile.h"
+#include "telemetry/limits/ChannelsFile.h"
 #include "telemetry/monitor/DisplayKind.h"
 
 #include <QFile>
 
 #include <iostream>
+
+namespace {
+
+const QString eventsFile = QStringLiteral("events.txt");
+
+} // namespace
 
 GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& clock, mb& messages, Roof& roof)
     : folder(programFolder)
@@ -24,17 +31,28 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , decoder(channelMap, formulae, callsigns)
     , terminal(cIni, clock, folder, station, link, messages,
                ProgramVersion{Version::major, Version::minor, Version::revision})
-    , m_clock(clock)
+    , history(folder.File(QStringLiteral("tlm.txt")),
+              [this](const QString& reason) {
+                  ShowStatus(Texts::CannotWrite(QStringLiteral("tlm.txt"), reason));
+              })
+    , limits([this](const LimitEvent& event) {
+        m_events.Append(event);
+        Q_EMIT LimitCrossed(event);
+    })
     , m_messages(messages)
     , m_roof(roof)
     , m_lock(FolderLock::OfProgram(folder))
     , m_frameTime([this](qint64 utc) { return cSats.datTimeAt(utc); })
     , m_intake(callsigns, monitor, [this](qint64 utc) { return m_frameTime.At(utc); })
-    , m_gridValues(grids, [this](qint64 utc) { return m_frameTime.At(utc); }) {
+    , m_gridValues(grids, [this](qint64 utc) { return m_frameTime.At(utc); })
+    , m_events(folder.File(eventsFile),
+               [this](const QString& reason) { ShowStatus(Texts::CannotWrite(eventsFile, reason)); }) {
     using Takes = FanOut<HeardFrame>::Takes;
     heard.Add([this](const HeardFrame& frame) { m_intake.Take(frame); });
     heard.Add([this](const HeardFrame& frame) { decoder.Take(frame); }, Takes::LiveAndReplayed);
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { m_gridValues.Take(frame); });
+    decoder.Decoded().Add([this](const TelemetryFrame& frame) { history.Take(frame); });
+    decoder.Decoded().Add([this](const TelemetryFrame& frame) { limits.Take(frame); });
     m_intake.SetTerminal([this](QByteArrayView text, qint16 kind) { terminal.Take(text, kind); });
 
     connect(&link, &AgwLink::Heard, this, [this](const HeardFrame& frame) { heard.Hand(frame); });
@@ -79,6 +97,7 @@ GroundStation::Outcome GroundStation::Start() {
     m_roof.PrepareTracking();
     terminal.Open();
     m_roof.LoadTerminal();
+    LoadLimits();
     link.Connect();
     m_roof.Show();
     return Outcome::Started;
@@ -135,6 +154,19 @@ void GroundStation::RemoveOldKeys() {
     for (const Setting& old : {Settings::oldObjectName, Settings::oldCallA, Settings::oldCallB})
         cIni.DeleteKey(QString::fromUtf16(old.section), QString::fromUtf16(old.key));
     cIni.DeleteSection(QString::fromUtf16(Settings::oldSidesSection));
+}
+
+void GroundStation::LoadLimits() {
+    QString keep = Settings::Peek(cIni, Settings::historyKeep);
+    history.SetKept(clsIni::IsItTrue(keep));
+    const QString name = QStringLiteral("channels.txt");
+    const ChannelsFile file = ChannelsFile::Read(folder.File(name));
+    for (const ChannelsFile::Fault& fault : file.Faults())
+        ShowStatus(Texts::WrongLine(name, fault.line, fault.reason));
+    if (file.Limits().empty())
+        return;
+    limits.SetLimits(file.Limits());
+    limits.TakeUp(EventFile::StatesAfter(EventFile::Read(folder.File(eventsFile))));
 }
 
 void GroundStation::ApplyStationPosition() {

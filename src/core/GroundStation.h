@@ -13,6 +13,8 @@
 #include "telemetry/calibration/TelemetryDecoder.h"
 #include "telemetry/callsigns/CallsignList.h"
 #include "telemetry/grids/GridValues.h"
+#include "telemetry/history/HistoryWriter.h"
+#include "telemetry/limits/EventFile.h"
 #include "telemetry/monitor/FrameIntake.h"
 #include "telemetry/monitor/MonitorText.h"
 #include "telemetry/monitor/SecondTime.h"
@@ -27,7 +29,7 @@ struct Setting;
 /// The station: everything that runs whether or not there is a window, wired, started and ended in its order.
 ///
 ///     link --> heard --> monitor, terminal and traffic log
-///                   \--> decoder --> grids
+///                   \--> decoder --> grids, history, limits --> events
 ///
 /// A new taker of frames or readings is added in the constructor, and nowhere else.
 class GroundStation : public QObject {
@@ -80,11 +82,16 @@ public:
     FanOut<HeardFrame> heard;
     TelemetryDecoder decoder;
     TerminalSession terminal;
+    HistoryWriter history;
+    LimitJudge limits; ///< of the user's channels.txt; without the file there are none
 
     /// Whether the monitor shows only the satellite's frames.
     bool OnlyShowQiran() const { return m_intake.OnlyShowQiran(); }
 
 Q_SIGNALS:
+    /// A channel's value has crossed a limit; the event has been kept.
+    void LimitCrossed(const LimitEvent& event);
+
     /// One status line, without its end.
     void StatusLine(const QString& line);
 
@@ -94,16 +101,17 @@ Q_SIGNALS:
 private:
     void LoadOptions();
     void RemoveOldKeys();
+    void LoadLimits();
     void ApplyStationPosition();
     void SaveOption(const Setting& setting, bool value);
 
-    const Clock& m_clock;
     mb& m_messages;
     Roof& m_roof;
     FolderLock m_lock;
     SecondTime m_frameTime;
     FrameIntake m_intake;
     GridValues m_gridValues;
+    EventFile m_events;
     ElementsWatch m_elementsWatch;
     bool m_isRunning = false;
 };

@@ -43,6 +43,15 @@ QString CannotSave(const QString& file, const QString& reason) {
     return QStringLiteral("*** The settings cannot be saved in %1 - %2\r\n").arg(file, reason);
 }
 
+QString CannotWrite(const QString& file, const QString& reason) {
+    return QStringLiteral("*** What is heard cannot be kept in %1 - %2\r\n").arg(file, reason);
+}
+
+QString WrongLine(const QString& file, std::size_t line, const QString& reason) {
+    const QString place = line == 0 ? file : QStringLiteral("%1, line %2").arg(file).arg(line);
+    return QStringLiteral("*** %1: %2\r\n").arg(place, reason);
+}
+
 QString WhereFormulaeBelong(const QString& path) {
     return QStringLiteral(
                "QiranDecode: put the satellite's calibration formulae into the file %1\n"

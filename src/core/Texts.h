@@ -27,6 +27,12 @@ QString PositionUnknown();
 /// The monitor line that settings are lost, and why.
 QString CannotSave(const QString& file, const QString& reason);
 
+/// The monitor line that something heard is not kept in a file, and why.
+QString CannotWrite(const QString& file, const QString& reason);
+
+/// The monitor line that a line of a file (0: the file as a whole) does not count, and why.
+QString WrongLine(const QString& file, std::size_t line, const QString& reason);
+
 /// For standard error: where a formula file is to be put, and where an example is.
 QString WhereFormulaeBelong(const QString& path);
 

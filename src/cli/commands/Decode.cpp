@@ -6,6 +6,7 @@
 #include "foundation/settings/clsIni.h"
 #include "telemetry/calibration/FormulaFile.h"
 #include "telemetry/calibration/TelemetryDecoder.h"
+#include "telemetry/limits/ChannelsFile.h"
 #include "telemetry/replay/FrameText.h"
 
 #include <QFile>
@@ -34,6 +35,7 @@ public:
         : m_session(session)
         , m_ini(session.folder.IniFile())
         , m_callsigns(m_ini)
+        , m_limits(ChannelsFile::Read(session.folder.File(QStringLiteral("channels.txt"))).Limits())
         , m_decoder(m_channelMap, m_formulae, m_callsigns)
         , m_writer(session.console, Records::reading, Answers::FormatOf(session), Answers::ZoneOf(session)) {
         m_channelMap.BuildChannelMap();
@@ -41,7 +43,7 @@ public:
         m_decoder.Decoded().Add(
             [this](const TelemetryFrame& frame) {
                 for (const Reading& reading : frame.Readings())
-                    m_writer.Write(RecordOf(reading));
+                    m_writer.Write(RecordOf(reading, m_limits));
             },
             FanOut<TelemetryFrame>::Takes::LiveAndReplayed);
     }
@@ -108,6 +110,7 @@ private:
     CallsignList m_callsigns;
     ChannelMap m_channelMap;
     FormulaTable m_formulae;
+    const LimitTable m_limits;
     TelemetryDecoder m_decoder;
     RecordWriter m_writer;
     qint64 m_notUnderstood = 0;
@@ -115,10 +118,19 @@ private:
 };
 
 int Check(const Session& session) {
-    const QString name = QStringLiteral("formula.txt");
-    const QStringList faults = CheckFormulae(session.folder.File(name));
+    const QString formulae = QStringLiteral("formula.txt");
+    const QString channels = QStringLiteral("channels.txt");
+    QStringList faults;
+    for (const QString& fault : CheckFormulae(session.folder.File(formulae)))
+        faults.append(QStringLiteral("%1: %2").arg(formulae, fault));
+    const ChannelsFile limits = ChannelsFile::Read(session.folder.File(channels));
+    for (const ChannelsFile::Fault& fault : limits.Faults())
+        faults.append(
+            fault.line == 0
+                ? QStringLiteral("%1: %2").arg(channels, fault.reason)
+                : QStringLiteral("%1: line %2: %3").arg(channels).arg(fault.line).arg(fault.reason));
     for (const QString& fault : faults)
-        session.console.Print(QStringLiteral("%1: %2\n").arg(name, fault));
+        session.console.Print(fault + u'\n');
     return faults.isEmpty() ? ExitCode::Done : ExitCode::Failed;
 }
 

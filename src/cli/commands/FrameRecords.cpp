@@ -3,6 +3,7 @@
 #include "foundation/text/Text.h"
 #include "telemetry/calibration/GridLayout.h"
 #include "telemetry/frames/Reading.h"
+#include "telemetry/limits/LimitJudge.h"
 
 namespace {
 
@@ -16,6 +17,10 @@ FieldValue TextOf(QByteArrayView bytes) {
 
 FieldValue PathOf(QByteArrayView path) {
     return path.isEmpty() ? FieldValue() : FieldValue(Text::FromBytes(path).split(u','));
+}
+
+QString SideOf(int side) {
+    return side == 0 ? QStringLiteral("A") : QStringLiteral("B");
 }
 
 } // namespace
@@ -35,10 +40,12 @@ Record RecordOf(const HeardFrame& frame) {
                 : FieldValue()};
 }
 
-Record RecordOf(const Reading& reading) {
+Record RecordOf(const Reading& reading, const LimitTable& limits) {
+    const auto known = limits.find({reading.side, reading.grid, reading.row});
+    const QString unit = known == limits.end() ? QString() : known->second.unit;
     return {TimeOf(reading.utc),
             TextOf(reading.source),
-            reading.side == 0 ? QStringLiteral("A") : QStringLiteral("B"),
+            SideOf(reading.side),
             Text::FromBytes(reading.sequence),
             qint64{reading.frameType},
             qint64{reading.channel + 1},
@@ -46,7 +53,17 @@ Record RecordOf(const Reading& reading) {
             QString::fromLatin1(GridLayout::RowName(reading.grid, reading.row)),
             reading.raw,
             FieldOf(reading.value),
-            FieldValue()};
+            unit.isEmpty() ? FieldValue() : FieldValue(unit)};
+}
+
+Record RecordOf(const LimitEvent& event) {
+    return {event.utc,
+            SideOf(event.cell.side),
+            QString::fromLatin1(GridLayout::Tag(event.cell.grid)),
+            QString::fromLatin1(GridLayout::RowName(event.cell.grid, event.cell.row)),
+            event.value,
+            QString::fromLatin1(LevelName(event.from)),
+            QString::fromLatin1(LevelName(event.to))};
 }
 
 QString LineOf(const HeardFrame& frame) {
@@ -58,8 +75,16 @@ QString LineOf(const HeardFrame& frame) {
 
 QString LineOf(const Reading& reading) {
     return QStringLiteral("%1 %2 %3 %4 = %5")
-        .arg(Text::FromBytes(reading.source), reading.side == 0 ? QStringLiteral("A") : QStringLiteral("B"),
+        .arg(Text::FromBytes(reading.source), SideOf(reading.side),
              QString::fromLatin1(GridLayout::Tag(reading.grid)),
              QString::fromLatin1(GridLayout::RowName(reading.grid, reading.row)),
              reading.value ? Text::GeneralNumber(*reading.value) : QStringLiteral("-"));
+}
+
+QString LineOf(const LimitEvent& event) {
+    return QStringLiteral("%1 %2 %3 = %4: %5, was %6")
+        .arg(SideOf(event.cell.side), QString::fromLatin1(GridLayout::Tag(event.cell.grid)),
+             QString::fromLatin1(GridLayout::RowName(event.cell.grid, event.cell.row)),
+             Text::GeneralNumber(event.value), QString::fromLatin1(LevelName(event.to)),
+             QString::fromLatin1(LevelName(event.from)));
 }

@@ -1,14 +1,21 @@
 #pragma once
 
 #include "cli/output/Record.h"
+#include "telemetry/limits/ChannelLimits.h"
 
 struct HeardFrame;
+struct LimitEvent;
 struct Reading;
 
 /// Values of the road of a frame as records. A time of 0 is one that nobody told.
 Record RecordOf(const HeardFrame& frame);
-Record RecordOf(const Reading& reading);
+
+/// `limits`: what the user's channels.txt says of channels; their units go with the readings.
+Record RecordOf(const Reading& reading, const LimitTable& limits);
+
+Record RecordOf(const LimitEvent& event);
 
 /// The same for people, in one line and without the time.
 QString LineOf(const HeardFrame& frame);
 QString LineOf(const Reading& reading);
+QString LineOf(const LimitEvent& event);

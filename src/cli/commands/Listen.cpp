@@ -27,9 +27,15 @@ public:
         connect(&station, &GroundStation::StatusLine, this, [this](const QString& line) {
             Print(TextOf(Records::status, {m_session.clock.Milliseconds(), line}, line));
         });
-        station.decoder.Decoded().Add([this](const TelemetryFrame& frame) {
+        station.decoder.Decoded().Add([this, &station](const TelemetryFrame& frame) {
             for (const Reading& reading : frame.Readings())
-                m_readings += TextOf(Records::reading, RecordOf(reading), LineOf(reading));
+                m_readings +=
+                    TextOf(Records::reading, RecordOf(reading, station.limits.Limits()), LineOf(reading));
+            m_readings += std::exchange(m_events, {});
+        });
+        // An event is judged in the midst of its frame, and printed behind the readings.
+        connect(&station, &GroundStation::LimitCrossed, this, [this](const LimitEvent& event) {
+            m_events += TextOf(Records::event, RecordOf(event), LineOf(event));
         });
         // The station decodes a frame before this is handed it, but it is printed first.
         station.heard.Add([this](const HeardFrame& frame) {
@@ -61,6 +67,7 @@ private:
     const Session& m_session;
     const bool m_isJson;
     QByteArray m_readings; ///< of the frame that is being handed round
+    QByteArray m_events;   ///< likewise
     bool m_isFlushDue = false;
 };
 

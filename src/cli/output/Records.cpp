@@ -50,6 +50,20 @@ const RecordType reading{
     },
 };
 
+const RecordType event{
+    "event",
+    u"A channel's value has crossed a limit.",
+    {
+        {"utc", Kind::Moment, 0, 24, u"of the reading"},
+        {"side", Kind::Text, 0, 4, u"of the satellite, A or B"},
+        {"grid", Kind::Text, 0, 7, u"POWER, CURRENT or TEMP"},
+        {"row", Kind::Text, 0, 6, u"of the grid"},
+        {"value", Kind::Decimal, -1, 8, u"that crossed the limit"},
+        {"from", Kind::Text, 0, 12, u"low alarm, low warning, normal, high warning or high alarm"},
+        {"to", Kind::Text, 0, 12, u"likewise, from then on"},
+    },
+};
+
 const RecordType pass{
     "pass",
     u"A pass over the station.",
@@ -111,7 +125,7 @@ const RecordType setting{
 // NOLINTEND(cert-err58-cpp)
 
 std::span<const RecordType* const> All() {
-    static constexpr std::array all{&status, &frame, &reading, &pass, &position, &elements, &setting};
+    static constexpr std::array all{&status, &frame, &reading, &event, &pass, &position, &elements, &setting};
     return all;
 }
 

@@ -10,6 +10,7 @@ namespace Records {
 extern const RecordType status;
 extern const RecordType frame;
 extern const RecordType reading;
+extern const RecordType event;
 extern const RecordType pass;
 extern const RecordType position;
 extern const RecordType elements;

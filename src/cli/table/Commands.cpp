@@ -10,7 +10,9 @@ namespace Commands {
 int ConfigGet(const Session& session);
 int ConfigList(const Session& session);
 int ConfigSet(const Session& session);
+int Events(const Session& session);
 int Generate(const Session& session);
+int History(const Session& session);
 int Decode(const Session& session);
 int KepsFetch(const Session& session);
 int KepsList(const Session& session);
@@ -71,6 +73,22 @@ std::span<const Command> All() {
          .arguments = {},
          .options = {&format, &local},
          .run = KepsList},
+        {.name = u"history",
+         .summary = u"The readings that were kept, in converted values.",
+         .description =
+             u"Prints the satellite's telemetry out of tlm.txt in the order of its times, converted by the "
+             u"formulae as they are now.",
+         .arguments = {},
+         .options = {&since, &until, &side, &channel, &format, &local},
+         .run = History},
+        {.name = u"events",
+         .summary = u"When values crossed their limits.",
+         .description =
+             u"Prints the newest events out of events.txt, in the order in which they came. Limits "
+             u"stand in channels.txt.",
+         .arguments = {},
+         .options = {&since, &until, &side, &channel, &format, &local},
+         .run = Events},
         {.name = u"config list",
          .summary = u"All settings.",
          .description =

@@ -61,6 +61,18 @@ inline constexpr Option from{.name = u"from",
                              .value = u"UTC",
                              .takes = Takes::Utc,
                              .help = u"From this moment instead of now on, for example 2026-11-21T15:00Z."};
+inline constexpr Option since{.name = u"from",
+                              .value = u"UTC",
+                              .takes = Takes::Utc,
+                              .help = u"Only from this moment on, for example 2026-11-21T15:00Z."};
+inline constexpr Option until{
+    .name = u"to", .value = u"UTC", .takes = Takes::Utc, .help = u"Only until this moment."};
+inline constexpr Option side{
+    .name = u"side", .value = u"A|B", .takes = Takes::Choice, .help = u"Only this side of the satellite."};
+inline constexpr Option channel{.name = u"channel",
+                                .value = u"GRID/ROW",
+                                .takes = Takes::Text,
+                                .help = u"Only this channel, for example 'POWER/Batt A'."};
 inline constexpr Option minElevation{.name = u"min-elevation",
                                      .value = u"DEG",
                                      .takes = Takes::Decimal,

@@ -40,6 +40,8 @@ public:
     /// Normal for a channel without limits.
     Level LevelAt(const LimitCell& cell) const;
 
+    const LimitTable& Limits() const { return m_limits; }
+
     /// Null where nothing is known of a channel.
     const ChannelLimits* LimitsOf(const LimitCell& cell) const;
 
