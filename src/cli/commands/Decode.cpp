@@ -6,6 +6,7 @@
 #include "foundation/settings/clsIni.h"
 #include "telemetry/calibration/FormulaFile.h"
 #include "telemetry/calibration/TelemetryDecoder.h"
+#include "telemetry/limits/ChannelsFile.h"
 #include "telemetry/replay/FrameText.h"
 
 #include <QFile>
@@ -25,6 +26,8 @@ namespace {
 
 constexpr std::size_t pieceSize = 65536;
 
+const QString formulaFile = QStringLiteral("formula.txt");
+const QString channelsFile = QStringLiteral("channels.txt");
 const QString standardInput = QStringLiteral("-");
 
 /// Decodes lines and prints their readings.
@@ -34,6 +37,7 @@ public:
         : m_session(session)
         , m_ini(session.folder.IniFile())
         , m_callsigns(m_ini)
+        , m_channels(ChannelsFile::Read(session.folder.File(channelsFile)).Limits())
         , m_decoder(m_channelMap, m_formulae, m_callsigns)
         , m_writer(session.console, Records::reading, Answers::FormatOf(session), Answers::ZoneOf(session)) {
         m_channelMap.BuildChannelMap();
@@ -41,14 +45,14 @@ public:
         m_decoder.Decoded().Add(
             [this](const TelemetryFrame& frame) {
                 for (const Reading& reading : frame.Readings())
-                    m_writer.Write(RecordOf(reading));
+                    m_writer.Write(RecordOf(reading, m_channels));
             },
             FanOut<TelemetryFrame>::Takes::LiveAndReplayed);
     }
 
     /// False, and why is said, when the formulae cannot be loaded.
     bool LoadFormulaeFile() {
-        const QString path = m_session.folder.File(QStringLiteral("formula.txt"));
+        const QString path = m_session.folder.File(formulaFile);
         if (!QFile::exists(path)) {
             m_session.console.Say(Answers::NoFormulae(path));
             return false;
@@ -106,6 +110,7 @@ private:
     const Session& m_session;
     clsIni m_ini;
     CallsignList m_callsigns;
+    const LimitTable m_channels;
     ChannelMap m_channelMap;
     FormulaTable m_formulae;
     TelemetryDecoder m_decoder;
@@ -115,10 +120,17 @@ private:
 };
 
 int Check(const Session& session) {
-    const QString name = QStringLiteral("formula.txt");
-    const QStringList faults = CheckFormulae(session.folder.File(name));
+    QStringList faults;
+    const QStringList formulaFaults = CheckFormulae(session.folder.File(formulaFile));
+    for (const QString& fault : formulaFaults)
+        faults.append(QStringLiteral("%1: %2").arg(formulaFile, fault));
+    for (const ChannelsFile::Fault& fault : ChannelsFile::Read(session.folder.File(channelsFile)).Faults())
+        faults.append(
+            fault.line == 0
+                ? QStringLiteral("%1: %2").arg(channelsFile, fault.reason)
+                : QStringLiteral("%1: line %2: %3").arg(channelsFile).arg(fault.line).arg(fault.reason));
     for (const QString& fault : faults)
-        session.console.Print(QStringLiteral("%1: %2\n").arg(name, fault));
+        session.console.Print(fault + u'\n');
     return faults.isEmpty() ? ExitCode::Done : ExitCode::Failed;
 }
 

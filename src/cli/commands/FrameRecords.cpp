@@ -18,6 +18,11 @@ FieldValue PathOf(QByteArrayView path) {
     return path.isEmpty() ? FieldValue() : FieldValue(Text::FromBytes(path).split(u','));
 }
 
+QString UnitOf(const Reading& reading, const LimitTable& channels) {
+    const auto found = channels.find({.side = reading.side, .grid = reading.grid, .row = reading.row});
+    return found == channels.end() ? QString() : found->second.unit;
+}
+
 } // namespace
 
 Record RecordOf(const HeardFrame& frame) {
@@ -35,7 +40,8 @@ Record RecordOf(const HeardFrame& frame) {
                 : FieldValue()};
 }
 
-Record RecordOf(const Reading& reading) {
+Record RecordOf(const Reading& reading, const LimitTable& channels) {
+    const QString unit = UnitOf(reading, channels);
     return {TimeOf(reading.utc),
             TextOf(reading.source),
             reading.side == 0 ? QStringLiteral("A") : QStringLiteral("B"),
@@ -46,7 +52,7 @@ Record RecordOf(const Reading& reading) {
             QString::fromLatin1(GridLayout::RowName(reading.grid, reading.row)),
             reading.raw,
             FieldOf(reading.value),
-            FieldValue()};
+            unit.isEmpty() ? FieldValue() : FieldValue(unit)};
 }
 
 QString LineOf(const HeardFrame& frame) {
@@ -56,10 +62,13 @@ QString LineOf(const HeardFrame& frame) {
              Text::FromBytes(frame.information));
 }
 
-QString LineOf(const Reading& reading) {
-    return QStringLiteral("%1 %2 %3 %4 = %5")
-        .arg(Text::FromBytes(reading.source), reading.side == 0 ? QStringLiteral("A") : QStringLiteral("B"),
-             QString::fromLatin1(GridLayout::Tag(reading.grid)),
-             QString::fromLatin1(GridLayout::RowName(reading.grid, reading.row)),
-             reading.value ? Text::GeneralNumber(*reading.value) : QStringLiteral("-"));
+QString LineOf(const Reading& reading, const LimitTable& channels) {
+    const QString line = QStringLiteral("%1 %2 %3 %4 = %5")
+                             .arg(Text::FromBytes(reading.source),
+                                  reading.side == 0 ? QStringLiteral("A") : QStringLiteral("B"),
+                                  QString::fromLatin1(GridLayout::Tag(reading.grid)),
+                                  QString::fromLatin1(GridLayout::RowName(reading.grid, reading.row)),
+                                  reading.value ? Text::GeneralNumber(*reading.value) : QStringLiteral("-"));
+    const QString unit = UnitOf(reading, channels);
+    return unit.isEmpty() ? line : line + u' ' + unit;
 }

@@ -1,14 +1,16 @@
 #pragma once
 
 #include "cli/output/Record.h"
+#include "telemetry/limits/ChannelLimits.h"
 
 struct HeardFrame;
 struct Reading;
 
-/// Values of the road of a frame as records. A time of 0 is one that nobody told.
+/// Values of the road of a frame as records. A time of 0 is one that nobody told. `channels`: their units, as
+/// far as these are known.
 Record RecordOf(const HeardFrame& frame);
-Record RecordOf(const Reading& reading);
+Record RecordOf(const Reading& reading, const LimitTable& channels);
 
 /// The same for people, in one line and without the time.
 QString LineOf(const HeardFrame& frame);
-QString LineOf(const Reading& reading);
+QString LineOf(const Reading& reading, const LimitTable& channels);

@@ -7,6 +7,7 @@
 #include "core/Roof.h"
 #include "foundation/system/EndRequests.h"
 #include "foundation/text/Clock.h"
+#include "telemetry/limits/ChannelsFile.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -23,13 +24,15 @@ class Printer : public QObject {
 public:
     Printer(const Session& session, GroundStation& station)
         : m_session(session)
+        , m_channels(ChannelsFile::Read(session.folder.File(QStringLiteral("channels.txt"))).Limits())
         , m_isJson(Answers::FormatOf(session, Options::listenFormat) == RecordWriter::Format::Json) {
         connect(&station, &GroundStation::StatusLine, this, [this](const QString& line) {
             Print(TextOf(Records::status, {m_session.clock.Milliseconds(), line}, line));
         });
         station.decoder.Decoded().Add([this](const TelemetryFrame& frame) {
             for (const Reading& reading : frame.Readings())
-                m_readings += TextOf(Records::reading, RecordOf(reading), LineOf(reading));
+                m_readings +=
+                    TextOf(Records::reading, RecordOf(reading, m_channels), LineOf(reading, m_channels));
         });
         // The station decodes a frame before this is handed it, but it is printed first.
         station.heard.Add([this](const HeardFrame& frame) {
@@ -59,6 +62,7 @@ private:
     }
 
     const Session& m_session;
+    const LimitTable m_channels;
     const bool m_isJson;
     QByteArray m_readings; ///< of the frame that is being handed round
     bool m_isFlushDue = false;
