@@ -1,7 +1,8 @@
 #include "core/ElementsWatch.h"
 
 ElementsWatch::ElementsWatch(int settleMilliseconds, QObject* parent)
-    : QObject(parent) {
+    : QObject(parent)
+    , m_timSettle(this) {
     m_timSettle.setObjectName(QStringLiteral("timSettle"));
     m_timSettle.setSingleShot(true);
     m_timSettle.setInterval(settleMilliseconds);

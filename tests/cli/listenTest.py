@@ -258,6 +258,10 @@ class Decode(CommandTest):
         self.call("decode", code=1)
         self.assertIn(str(self.folder / "formula.txt"), self.said)
 
+    def test_units_stand_where_channels_are_described(self):
+        (self.folder / "channels.txt").write_text("*,POWER,Batt A,V,,,,,\nB,power,p out,mW,,,,,\n")
+        self.assertEqual([one.get("unit") for one in self.decode(f"QIRAN-3,{self.LINE}\n")], ["V", None, "mW", None])
+
     def test_check_names_every_wrong_line_of_the_formulae(self):
         self.assertEqual(self.call("decode", "--check"), "")
         (self.folder / "formula.txt").write_text("# a note\nAll of this is a note, too\nA,0,CURRENT,X+,0,0,1,0\n"
@@ -266,6 +270,9 @@ class Decode(CommandTest):
         self.assertEqual(self.call("decode", "--check", code=1).splitlines(),
                          ["formula.txt: line 4: no such grid or row", "formula.txt: line 5: the frame type is not 0 to 3",
                           "formula.txt: line 6: it has not eight fields", "formula.txt: line 7: 'one' is no number"])
+        (self.folder / "formula.txt").write_text("")
+        (self.folder / "channels.txt").write_text("*,POWER,Batt A,V,,,,,\nB,POWER,Batt Q,V,,,,,\n")
+        self.assertRegex(self.call("decode", "--check", code=1), "^channels.txt: line 2: .*\n$")
         self.call("decode", "--check", self.scratch, code=2)
 
 

@@ -67,6 +67,7 @@ void ElementsWatchTest::noticesNothingAfterTheStop() {
     f.Write("Keps/one.txt");
     f.Start();
     f.Write("Keps/two.txt");
+    QTRY_VERIFY(f.watch.findChild<QTimer*>(QStringLiteral("timSettle"))->isActive());
     f.watch.Stop();
     QVERIFY(!f.changed.wait(300));
 }

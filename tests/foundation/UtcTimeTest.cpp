@@ -7,8 +7,8 @@ using UtcTime::Digits;
 class UtcTimeTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void isWrittenWithSecondsOrMilliseconds_data();
-    void isWrittenWithSecondsOrMilliseconds();
+    void theNearestSecondIsTaken_data();
+    void theNearestSecondIsTaken();
     void isReadInEveryUsualForm_data();
     void isReadInEveryUsualForm();
     void refusesWhatIsNoTime_data();
@@ -27,22 +27,18 @@ QString S(const char* text) {
 
 } // namespace
 
-void UtcTimeTest::isWrittenWithSecondsOrMilliseconds_data() {
+void UtcTimeTest::theNearestSecondIsTaken_data() {
     QTest::addColumn<qint64>("utc");
-    QTest::addColumn<QString>("seconds");
-    QTest::addColumn<QString>("milliseconds");
-    QTest::newRow("now") << moment << S("2026-11-21T15:28:43Z") << S("2026-11-21T15:28:43.120Z");
-    QTest::newRow("half a second") << moment + 380 << S("2026-11-21T15:28:44Z")
-                                   << S("2026-11-21T15:28:43.500Z");
-    QTest::newRow("the last of a year")
-        << qint64{1798761599999} << S("2027-01-01T00:00:00Z") << S("2026-12-31T23:59:59.999Z");
-    QTest::newRow("before 1970") << qint64{-1} << S("1970-01-01T00:00:00Z") << S("1969-12-31T23:59:59.999Z");
+    QTest::addColumn<qint64>("second");
+    QTest::newRow("below") << moment << moment - 120;
+    QTest::newRow("half a second") << moment + 380 << moment + 880;
+    QTest::newRow("before 1970") << qint64{-501} << qint64{-1000};
+    QTest::newRow("just before 1970") << qint64{-500} << qint64{0};
 }
 
-void UtcTimeTest::isWrittenWithSecondsOrMilliseconds() {
+void UtcTimeTest::theNearestSecondIsTaken() {
     QFETCH(const qint64, utc);
-    QTEST(UtcTime::ToText(utc, Digits::Seconds), "seconds");
-    QTEST(UtcTime::ToText(utc, Digits::Milliseconds), "milliseconds");
+    QTEST(UtcTime::ToNearestSecond(utc), "second");
 }
 
 void UtcTimeTest::isReadInEveryUsualForm_data() {
@@ -86,9 +82,11 @@ void UtcTimeTest::isADateTimeToTheMillisecond() {
 void UtcTimeTest::localTextFollowsTheZone() {
     const QByteArray before = qgetenv("TZ");
     qputenv("TZ", "Asia/Kolkata");
-    const QString local = UtcTime::ToLocalText(moment, Digits::Seconds);
+    const QString seconds = UtcTime::ToLocalText(moment + 400, Digits::Seconds);
+    const QString milliseconds = UtcTime::ToLocalText(moment, Digits::Milliseconds);
     qputenv("TZ", before);
-    QCOMPARE(local, S("2026-11-21 20:58:43"));
+    QCOMPARE(seconds, S("2026-11-21 20:58:44"));
+    QCOMPARE(milliseconds, S("2026-11-21 20:58:43.120"));
 }
 
 QTEST_GUILESS_MAIN(UtcTimeTest)

@@ -26,6 +26,8 @@ namespace {
 
 constexpr std::size_t pieceSize = 65536;
 
+const QString formulaFile = QStringLiteral("formula.txt");
+const QString channelsFile = QStringLiteral("channels.txt");
 const QString standardInput = QStringLiteral("-");
 
 /// Decodes lines and prints their readings.
@@ -35,7 +37,7 @@ public:
         : m_session(session)
         , m_ini(session.folder.IniFile())
         , m_callsigns(m_ini)
-        , m_limits(ChannelsFile::Read(session.folder.File(QStringLiteral("channels.txt"))).Limits())
+        , m_channels(ChannelsFile::Read(session.folder.File(channelsFile)).Limits())
         , m_decoder(m_channelMap, m_formulae, m_callsigns)
         , m_writer(session.console, Records::reading, Answers::FormatOf(session), Answers::ZoneOf(session)) {
         m_channelMap.BuildChannelMap();
@@ -43,14 +45,14 @@ public:
         m_decoder.Decoded().Add(
             [this](const TelemetryFrame& frame) {
                 for (const Reading& reading : frame.Readings())
-                    m_writer.Write(RecordOf(reading, m_limits));
+                    m_writer.Write(RecordOf(reading, m_channels));
             },
             FanOut<TelemetryFrame>::Takes::LiveAndReplayed);
     }
 
     /// False, and why is said, when the formulae cannot be loaded.
     bool LoadFormulaeFile() {
-        const QString path = m_session.folder.File(QStringLiteral("formula.txt"));
+        const QString path = m_session.folder.File(formulaFile);
         if (!QFile::exists(path)) {
             m_session.console.Say(Answers::NoFormulae(path));
             return false;
@@ -108,9 +110,9 @@ private:
     const Session& m_session;
     clsIni m_ini;
     CallsignList m_callsigns;
+    const LimitTable m_channels;
     ChannelMap m_channelMap;
     FormulaTable m_formulae;
-    const LimitTable m_limits;
     TelemetryDecoder m_decoder;
     RecordWriter m_writer;
     qint64 m_notUnderstood = 0;
@@ -118,17 +120,16 @@ private:
 };
 
 int Check(const Session& session) {
-    const QString formulae = QStringLiteral("formula.txt");
-    const QString channels = QStringLiteral("channels.txt");
     QStringList faults;
-    for (const QString& fault : CheckFormulae(session.folder.File(formulae)))
-        faults.append(QStringLiteral("%1: %2").arg(formulae, fault));
-    const ChannelsFile limits = ChannelsFile::Read(session.folder.File(channels));
-    for (const ChannelsFile::Fault& fault : limits.Faults())
+    const QStringList formulaFaults = CheckFormulae(session.folder.File(formulaFile));
+    for (const QString& fault : formulaFaults)
+        faults.append(QStringLiteral("%1: %2").arg(formulaFile, fault));
+    const ChannelsFile channels = ChannelsFile::Read(session.folder.File(channelsFile));
+    for (const ChannelsFile::Fault& fault : channels.Faults())
         faults.append(
             fault.line == 0
-                ? QStringLiteral("%1: %2").arg(channels, fault.reason)
-                : QStringLiteral("%1: line %2: %3").arg(channels).arg(fault.line).arg(fault.reason));
+                ? QStringLiteral("%1: %2").arg(channelsFile, fault.reason)
+                : QStringLiteral("%1: line %2: %3").arg(channelsFile).arg(fault.line).arg(fault.reason));
     for (const QString& fault : faults)
         session.console.Print(fault + u'\n');
     return faults.isEmpty() ? ExitCode::Done : ExitCode::Failed;

@@ -19,6 +19,11 @@ FieldValue PathOf(QByteArrayView path) {
     return path.isEmpty() ? FieldValue() : FieldValue(Text::FromBytes(path).split(u','));
 }
 
+QString UnitOf(const Reading& reading, const LimitTable& channels) {
+    const auto found = channels.find({.side = reading.side, .grid = reading.grid, .row = reading.row});
+    return found == channels.end() ? QString() : found->second.unit;
+}
+
 QString SideOf(int side) {
     return side == 0 ? QStringLiteral("A") : QStringLiteral("B");
 }
@@ -40,9 +45,8 @@ Record RecordOf(const HeardFrame& frame) {
                 : FieldValue()};
 }
 
-Record RecordOf(const Reading& reading, const LimitTable& limits) {
-    const auto known = limits.find({reading.side, reading.grid, reading.row});
-    const QString unit = known == limits.end() ? QString() : known->second.unit;
+Record RecordOf(const Reading& reading, const LimitTable& channels) {
+    const QString unit = UnitOf(reading, channels);
     return {TimeOf(reading.utc),
             TextOf(reading.source),
             SideOf(reading.side),
@@ -73,12 +77,14 @@ QString LineOf(const HeardFrame& frame) {
              Text::FromBytes(frame.information));
 }
 
-QString LineOf(const Reading& reading) {
-    return QStringLiteral("%1 %2 %3 %4 = %5")
-        .arg(Text::FromBytes(reading.source), SideOf(reading.side),
-             QString::fromLatin1(GridLayout::Tag(reading.grid)),
-             QString::fromLatin1(GridLayout::RowName(reading.grid, reading.row)),
-             reading.value ? Text::GeneralNumber(*reading.value) : QStringLiteral("-"));
+QString LineOf(const Reading& reading, const LimitTable& channels) {
+    const QString line = QStringLiteral("%1 %2 %3 %4 = %5")
+                             .arg(Text::FromBytes(reading.source), SideOf(reading.side),
+                                  QString::fromLatin1(GridLayout::Tag(reading.grid)),
+                                  QString::fromLatin1(GridLayout::RowName(reading.grid, reading.row)),
+                                  reading.value ? Text::GeneralNumber(*reading.value) : QStringLiteral("-"));
+    const QString unit = UnitOf(reading, channels);
+    return unit.isEmpty() ? line : line + u' ' + unit;
 }
 
 QString LineOf(const LimitEvent& event) {

@@ -27,10 +27,10 @@ public:
         connect(&station, &GroundStation::StatusLine, this, [this](const QString& line) {
             Print(TextOf(Records::status, {m_session.clock.Milliseconds(), line}, line));
         });
-        station.decoder.Decoded().Add([this, &station](const TelemetryFrame& frame) {
+        station.decoder.Decoded().Add([this, &limits = station.limits](const TelemetryFrame& frame) {
             for (const Reading& reading : frame.Readings())
-                m_readings +=
-                    TextOf(Records::reading, RecordOf(reading, station.limits.Limits()), LineOf(reading));
+                m_readings += TextOf(Records::reading, RecordOf(reading, limits.Limits()),
+                                     LineOf(reading, limits.Limits()));
             m_readings += std::exchange(m_events, {});
         });
         // An event is judged in the midst of its frame, and printed behind the readings.

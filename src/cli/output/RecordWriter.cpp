@@ -1,9 +1,10 @@
 #include "cli/output/RecordWriter.h"
 
 #include "cli/output/Console.h"
+#include "foundation/files/Csv.h"
+#include "foundation/text/IsoTime.h"
 #include "foundation/text/UtcTime.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -11,8 +12,12 @@ namespace {
 using Kind = Column::Kind;
 using Zone = RecordWriter::Zone;
 
-UtcTime::Digits DigitsOf(const Column& column) {
-    return column.kind == Kind::Seconds ? UtcTime::Digits::Seconds : UtcTime::Digits::Milliseconds;
+QString TimeText(const Column& column, qint64 utc, Zone zone) {
+    const bool isWhole = column.kind == Kind::Seconds;
+    if (zone == Zone::Local)
+        return UtcTime::ToLocalText(utc, isWhole ? UtcTime::Digits::Seconds : UtcTime::Digits::Milliseconds);
+    return QString::fromLatin1(isWhole ? IsoTime::Seconds(UtcTime::ToNearestSecond(utc))
+                                       : IsoTime::Milliseconds(utc));
 }
 
 bool IsNumber(const Column& column) {
@@ -44,17 +49,7 @@ std::optional<QString> CellText(const Column& column, const FieldValue& value, Z
     const auto* whole = std::get_if<qint64>(&value);
     if (whole == nullptr)
         return std::nullopt;
-    if (!IsTime(column))
-        return QString::number(*whole);
-    return zone == Zone::Local ? UtcTime::ToLocalText(*whole, DigitsOf(column))
-                               : UtcTime::ToText(*whole, DigitsOf(column));
-}
-
-QByteArray CsvCell(const QString& cell) {
-    QByteArray bytes = cell.toUtf8();
-    const bool isPlain = std::none_of(bytes.begin(), bytes.end(),
-                                      [](char c) { return c == ',' || c == '"' || c == '\r' || c == '\n'; });
-    return isPlain ? bytes : '"' + bytes.replace("\"", "\"\"") + '"';
+    return IsTime(column) ? TimeText(column, *whole, zone) : QString::number(*whole);
 }
 
 } // namespace
@@ -111,10 +106,13 @@ QByteArray Json(const RecordType& type, const Record& record) {
 }
 
 QByteArray Csv(const RecordType& type, const Record& record) {
-    QByteArrayList cells;
-    for (qsizetype i = 0; i < record.size(); ++i)
-        cells.append(CsvCell(Cell(type.columns[static_cast<std::size_t>(i)], record[i])));
-    return cells.join(',');
+    QByteArray line;
+    for (qsizetype i = 0; i < record.size(); ++i) {
+        if (i > 0)
+            line += ',';
+        ::Csv::AppendField(line, Cell(type.columns[static_cast<std::size_t>(i)], record[i]).toUtf8());
+    }
+    return line;
 }
 
 QByteArray CsvHead(const RecordType& type) {

@@ -104,9 +104,9 @@ inline constexpr Option fetchKeps{
     .help = u"Fetch orbital elements when the newest in the Keps folder are older than this.",
     .least = 1,
     .greatest = 366};
-inline constexpr Option check{
-    .name = u"check",
-    .help = u"Decode nothing, but name every line of the program folder's formula.txt that is wrong."};
+inline constexpr Option check{.name = u"check",
+                              .help = u"Decode nothing, but name every line of the program folder's "
+                                      u"formula.txt and channels.txt that is wrong."};
 inline constexpr Option force{.name = u"force",
                               .help = u"Also within two hours of the last download that was a success."};
 

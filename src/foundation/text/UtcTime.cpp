@@ -9,15 +9,6 @@ namespace {
 
 constexpr double millisecondsPerDay = secondsPerDay * 1000.0;
 
-QString Form(Digits digits) {
-    return digits == Digits::Seconds ? QStringLiteral("yyyy-MM-dd%1hh:mm:ss")
-                                     : QStringLiteral("yyyy-MM-dd%1hh:mm:ss.zzz");
-}
-
-qint64 Rounded(qint64 utc, Digits digits) {
-    return digits == Digits::Milliseconds ? utc : ToNearestSecond(utc);
-}
-
 } // namespace
 
 qint64 FromDateTime(DateTime utc) {
@@ -34,13 +25,11 @@ qint64 ToNearestSecond(qint64 utc) {
     return half - (rest < 0 ? rest + 1000 : rest);
 }
 
-QString ToText(qint64 utc, Digits digits) {
-    return QDateTime::fromMSecsSinceEpoch(Rounded(utc, digits), Qt::UTC)
-        .toString(Form(digits).arg(QStringLiteral("'T'")) + u'Z');
-}
-
 QString ToLocalText(qint64 utc, Digits digits) {
-    return QDateTime::fromMSecsSinceEpoch(Rounded(utc, digits)).toString(Form(digits).arg(QChar(u' ')));
+    const bool isWhole = digits == Digits::Seconds;
+    return QDateTime::fromMSecsSinceEpoch(isWhole ? ToNearestSecond(utc) : utc)
+        .toString(isWhole ? QStringLiteral("yyyy-MM-dd hh:mm:ss")
+                          : QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"));
 }
 
 std::optional<qint64> Parse(const QString& text) {
