@@ -45,6 +45,18 @@ private Q_SLOTS:
         pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
         QCOMPARE(sigismember(&blocked, SIGTERM), 0);
     }
+
+    // The program is at its end already; by the system's ways it would be killed instead.
+    void ARequestThatNobodyHasTakenIsGoneAtItsEnd() {
+        EndRequests::Hold();
+        {
+            const EndRequests requests;
+            QCOMPARE(kill(getpid(), SIGTERM), 0);
+        }
+        sigset_t pending;
+        sigpending(&pending);
+        QCOMPARE(sigismember(&pending, SIGTERM), 0);
+    }
 };
 
 QTEST_GUILESS_MAIN(EndRequestsTest)

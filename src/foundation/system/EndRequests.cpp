@@ -39,6 +39,10 @@ EndRequests::~EndRequests() {
     if (m_descriptor < 0)
         return;
     m_notifier->setEnabled(false);
+    signalfd_siginfo
+        request{}; // one that came meanwhile is fulfilled: it must not end the process out of order
+    while (read(m_descriptor, &request, sizeof request) == sizeof request) {
+    }
     close(m_descriptor);
     const sigset_t wanted = Wanted();
     pthread_sigmask(SIG_UNBLOCK, &wanted, nullptr);
