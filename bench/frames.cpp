@@ -45,8 +45,8 @@
 namespace {
 
 constexpr std::size_t headerLength = 36;
-constexpr double mostWithoutWidgets = 5.0; // times the bare loop's cost a frame
-constexpr double mostWithWidgets = 100.0;
+constexpr double mostWithoutWidgets = 10.0; // times the bare loop's cost a frame
+constexpr double mostWithWidgets = 60.0;
 constexpr double paceWithoutWidgets = 1'000'000.0; // frames a second
 constexpr double paceWithWidgets = 50'000.0;
 

@@ -15,7 +15,7 @@ test_packages=(
     clang clang-format clang-tidy clang-tools cppcheck shellcheck libclang-rt-14-dev binutils
     direwolf openbox xdotool imagemagick poppler-utils iproute2
     python3-sgp4 python3-ephem python3-skyfield python3-icalendar
-    appstream desktop-file-utils dpkg-dev fakeroot file man-db openssl
+    appstream desktop-file-utils dpkg-dev fakeroot file lintian man-db openssl
 )
 
 # missing_packages PACKAGE... : prints those that are not installed.
@@ -61,9 +61,11 @@ need_packages() {
     "${apt[@]}" "${options[@]}" -qq install --yes --no-install-recommends $missing </dev/null
 }
 
-# Compiled objects are kept between builds where ccache is installed; it is not asked for.
+# Compiled objects are kept between builds where ccache is installed; it is not asked for. It looks at precompiled headers
+# only when told that they may be taken for what they are.
 use_ccache() {
     if command -v ccache >/dev/null && [[ -z ${CMAKE_CXX_COMPILER_LAUNCHER:-} ]]; then
         export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+        export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:-pch_defines,time_macros}
     fi
 }

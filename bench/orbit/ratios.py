@@ -8,10 +8,12 @@ north) are set beside python3-ephem's next_pass loop and python3-skyfield's find
 """
 import json
 import math
+import os
 import subprocess
 import sys
 import time
 
+DEBIANS_PYTHON = "/usr/bin/python3"
 DAYS = 3
 STATIONS = [k * 80 / 9 for k in range(10)]
 EPOCH = "26320.00000000"
@@ -76,6 +78,9 @@ def skyfield_seconds(lines):
 
 
 def main():
+    # The peers are Debian's packages, which only Debian's own python3 sees.
+    if not os.path.samefile(sys.executable, DEBIANS_PYTHON):
+        os.execv(DEBIANS_PYTHON, [DEBIANS_PYTHON, *sys.argv])
     out = subprocess.run([sys.argv[1], "--benchmark_format=json"], check=True, capture_output=True, text=True).stdout
     runs = {b["name"]: b for b in json.loads(out)["benchmarks"]}
     scale = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3}

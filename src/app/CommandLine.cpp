@@ -41,7 +41,9 @@ CommandLine CommandLine::Read(const QStringList& arguments) {
         return fail(parser.errorText());
     if (parser.isSet(help)) {
         line.action = Action::Print;
-        line.text = parser.helpText();
+        // The parser would name the executable's path, or nothing before there is an application.
+        const QString text = parser.helpText();
+        line.text = QStringLiteral("Usage: QiranDecode [options]") + text.sliced(text.indexOf(u'\n'));
         return line;
     }
     if (parser.isSet(version)) {

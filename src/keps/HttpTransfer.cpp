@@ -59,6 +59,7 @@ QNetworkRequest RequestFor(const QUrl& url) {
 HttpTransfer::HttpTransfer(QObject* parent)
     : InternetTransfer(parent) {
     setObjectName(QStringLiteral("Inet1"));
+    m_network.setParent(this);
     m_standstill.setParent(this);
     m_standstill.setSingleShot(true);
     m_standstill.setInterval(std::chrono::seconds(30));

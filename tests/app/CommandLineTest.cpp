@@ -69,6 +69,7 @@ void CommandLineTest::printsVersionAndHelp() {
     QCOMPARE(version.text, QStringLiteral("QiranDecode 2.4.2\n"));
     const CommandLine help = Read({QStringLiteral("--help")});
     QCOMPARE(help.action, CommandLine::Action::Print);
+    QVERIFY2(help.text.startsWith(QStringLiteral("Usage: QiranDecode [options]\n")), qPrintable(help.text));
     QVERIFY(help.text.contains(QStringLiteral("--folder")));
 }
 

@@ -34,7 +34,7 @@ private Q_SLOTS:
         EndRequests::Hold();
         EndRequests requests;
         QSignalSpy requested(&requests, &EndRequests::Requested);
-        QTest::qWait(0);
+        QCoreApplication::processEvents();
         QCOMPARE(requested.count(), 0);
     }
 

@@ -71,6 +71,9 @@ public:
         QTRY_VERIFY(first->hasFocus());
     }
 
+    /// Whether the time in which a click on another window may still close it has passed.
+    bool ClickIsOver() const { return !findChild<QTimer*>(QStringLiteral("timOtherWindow"))->isActive(); }
+
     QLineEdit* first = new QLineEdit;
     QLineEdit* second = new QLineEdit;
     QLineEdit* free = new QLineEdit;
@@ -204,7 +207,7 @@ void FieldGuardTest::clickOnAButtonShowsOneMessageAndDoesNotPressIt() {
 void FieldGuardTest::accessKeyOfAButtonShowsOneMessageAndDoesNotPressIt() {
     BAD_FIRST();
     QTest::keyClick(d.first, Qt::Key_A, Qt::AltModifier);
-    QTest::qWait(150); // a button pressed by its access key acts a moment later
+    QTRY_VERIFY(!d.action->isDown()); // a button pressed by its access key acts when it comes up
     REFUSED_ONCE();
     QCOMPARE(d.actions, 0);
 }
@@ -224,7 +227,7 @@ void FieldGuardTest::okByMouseShowsOneMessageAndDoesNotGoThrough() {
 void FieldGuardTest::okByAccessKeyShowsOneMessageAndDoesNotGoThrough() {
     BAD_FIRST();
     QTest::keyClick(d.first, Qt::Key_O, Qt::AltModifier);
-    QTest::qWait(150);
+    QTRY_VERIFY(!d.ok->isDown());
     REFUSED_ONCE();
 }
 
@@ -362,7 +365,7 @@ void FieldGuardTest::clickIntoAnotherWindowShowsOneMessage() {
     other.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&other));
     QTest::mouseClick(button, Qt::LeftButton);
-    QTest::qWait(400);
+    QTRY_VERIFY(d.ClickIsOver());
     REFUSED_ONCE();
     QCOMPARE(clicks, 0);
 }
@@ -375,7 +378,7 @@ void FieldGuardTest::closingTheOtherWindowIsNotHindered() {
     QVERIFY(QTest::qWaitForWindowActive(&other));
     other.windowHandle()->close();
     d.reject();
-    QTest::qWait(400);
+    QTRY_VERIFY(d.ClickIsOver());
     QVERIFY(!other.isVisible());
     QVERIFY(d.messages.isEmpty());
 }
@@ -384,15 +387,17 @@ void FieldGuardTest::anotherProgramIsNoLeaving() {
     BAD_FIRST();
     QFocusEvent away(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
     QCoreApplication::sendEvent(d.first, &away);
-    QTest::qWait(400);
+    QTRY_VERIFY(d.ClickIsOver());
     QVERIFY(d.messages.isEmpty());
 }
 
 void FieldGuardTest::dialogOfTheProgramIsNoLeaving() {
     BAD_FIRST();
     QDialog question(&d);
-    QTimer::singleShot(400, &question, &QDialog::accept);
-    question.exec();
+    question.open();
+    QVERIFY(QTest::qWaitForWindowActive(&question));
+    QTRY_VERIFY(d.ClickIsOver());
+    question.accept();
     Settle();
     QVERIFY(d.messages.isEmpty());
 }
@@ -403,7 +408,7 @@ void FieldGuardTest::helpIsNoLeaving() {
     help.Load(QStringLiteral("/nowhere"));
     help.Open({});
     QVERIFY(QTest::qWaitForWindowActive(&help));
-    QTest::qWait(400);
+    QTRY_VERIFY(d.ClickIsOver());
     QVERIFY(d.messages.isEmpty());
     QVERIFY(help.isActiveWindow());
 }

@@ -1,4 +1,5 @@
 #include "foundation/settings/clsIni.h"
+#include "support/Seed.h"
 #include "support/TemporaryProgramFolder.h"
 
 #include <QRandomGenerator>
@@ -99,17 +100,10 @@ class SettingsFileTrialTest : public QObject {
 private Q_SLOTS:
     void anySequenceOfOperationsAgreesWithANaiveModel();
     void anyFileKeepsWhatAChangeDoesNotConcern();
-
-private:
-    static quint32 Seed() {
-        bool isGiven = false;
-        const int given = qEnvironmentVariableIntValue("QIRAN_SEED", &isGiven);
-        return isGiven ? static_cast<quint32>(given) : QRandomGenerator::global()->generate() >> 1;
-    }
 };
 
 void SettingsFileTrialTest::anySequenceOfOperationsAgreesWithANaiveModel() {
-    const quint32 seed = Seed();
+    const quint32 seed = ChanceSeed();
     qInfo("QIRAN_SEED=%u", seed);
     QRandomGenerator random(seed);
     const QStringList sections{u"SETUP"_s, u"setup"_s, u"AGWPE"_s, u"C D"_s, u"é"_s};
@@ -168,7 +162,7 @@ void SettingsFileTrialTest::anySequenceOfOperationsAgreesWithANaiveModel() {
 }
 
 void SettingsFileTrialTest::anyFileKeepsWhatAChangeDoesNotConcern() {
-    const quint32 seed = Seed();
+    const quint32 seed = ChanceSeed();
     qInfo("QIRAN_SEED=%u", seed);
     QRandomGenerator random(seed);
     const QByteArray alphabet("[]=;\"\r\n aB\xEF\xBB\xBF\0", 15);

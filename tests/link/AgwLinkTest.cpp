@@ -7,6 +7,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 
@@ -43,6 +44,8 @@ private Q_SLOTS:
     void whatCannotBeSentIsAStatusLine();
 
 private:
+    bool RetryIsDue() const { return m_link->findChild<QTimer*>(QStringLiteral("timRetry"))->isActive(); }
+
     QStringList m_lines;
     QList<bool> m_enabled;
     QByteArrayList m_received;
@@ -166,9 +169,9 @@ void AgwLinkTest::reconnectingWhileConnectedSaysNothingOfARetry() {
     m_lines.clear();
     m_link->AgwReconnect();
     QCOMPARE(m_lines, QStringList{disconnectedLine}); // before it returned
-    QVERIFY(!m_link->findChild<QTimer*>(QStringLiteral("timRetry"))->isActive());
+    QVERIFY(!RetryIsDue());
     QTRY_COMPARE(m_lines, QStringList({disconnectedLine, connectedLine, versionLine, portLine}));
-    QTest::qWait(150);
+    QVERIFY(!RetryIsDue());
     QCOMPARE(m_lines.size(), 4);
     QCOMPARE(m_engine->ConnectionCount(), 1);
 }
@@ -194,7 +197,7 @@ void AgwLinkTest::reconnectingTakesTheNewSettings() {
 }
 
 void AgwLinkTest::reconnectingWhileWaitingGivesTheRetryUp() {
-    m_link->SetRetryInterval(300);
+    m_link->SetRetryInterval(30000);
     m_engine->StopListening();
     m_link->Connect();
     QTRY_COMPARE(m_lines.size(), 1);
@@ -202,8 +205,8 @@ void AgwLinkTest::reconnectingWhileWaitingGivesTheRetryUp() {
     m_lines.clear();
     m_link->AgwReconnect();
     QTRY_COMPARE(m_lines, QStringList({connectedLine, versionLine, portLine}));
-    QTest::qWait(400);
-    QCOMPARE(m_lines.size(), 3); // the old retry did not come on top
+    QVERIFY(!RetryIsDue()); // the old one does not come on top
+    QCOMPARE(m_lines.size(), 3);
 }
 
 void AgwLinkTest::reconnectingWhileConnectingIsOneConnection() {
@@ -229,7 +232,8 @@ void AgwLinkTest::stoppedItSaysNothingAndRetriesNothing() {
     QTRY_COMPARE(m_lines.size(), 3);
     m_link->Stop();
     QTRY_COMPARE(m_engine->ConnectionCount(), 0);
-    QTest::qWait(150);
+    QVERIFY(!RetryIsDue());
+    QCoreApplication::processEvents();
     QCOMPARE(m_lines.size(), 3);
     QCOMPARE(m_engine->ConnectionCount(), 0);
     QVERIFY(!m_link->blnConectedToAgw());

@@ -8,6 +8,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
+#include <QTimer>
 
 #include <fcntl.h>
 #include <memory>
@@ -299,7 +300,8 @@ void KissLinkTest::stoppedItSaysNothingAndRetriesNothing() {
     m_link->Stop();
     QVERIFY(!m_link->blnConectedToAgw());
     QTRY_COMPARE(m_tnc->connections.size(), 0);
-    QTest::qWait(150);
+    for (const QTimer* timer : m_link->findChildren<QTimer*>())
+        QVERIFY2(!timer->isActive(), qPrintable(timer->objectName()));
     QCOMPARE(m_lines, QStringList());
     QVERIFY(m_enabled.isEmpty());
     QCOMPARE(m_tnc->connections.size(), 0);

@@ -223,6 +223,14 @@ class Packages(unittest.TestCase):
         self.assertTrue((chosen / "QiranDecode" / rig.SETTINGS_FILE).is_file())
         self.assertEqual(files_of(self.home), set())
 
+    def test_debians_own_inspector_finds_no_fault_but_the_address_that_nobody_can_write_to(self):
+        done = subprocess.run(["lintian", *sorted(self.out.glob("*.deb"))], capture_output=True, text=True,
+                              stdin=subprocess.DEVNULL, timeout=120)
+        faults = [line for line in done.stdout.splitlines() if line.startswith(("E:", "W:"))]
+        self.assertEqual([line for line in faults if "qirandecode@localhost" not in line], [], done.stderr)
+        for package in self.out.glob("*.deb"):
+            self.assertNotIn("&", call("dpkg-deb", "--field", package, "Description"))
+
     # What the desktop is told
 
     def test_the_desktop_file_the_metainfo_and_the_manual_page_are_valid(self):
@@ -232,7 +240,7 @@ class Packages(unittest.TestCase):
         call("appstreamcli", "validate", "--no-net", share / "metainfo/org.qirandecode.QiranDecode.metainfo.xml")
         for name in ("qirandecode", "qirandecode-cli"):
             page = subprocess.run(["man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z",
-                                   share / f"man/man1/{name}.1"], capture_output=True, text=True, check=True)
+                                   share / f"man/man1/{name}.1.gz"], capture_output=True, text=True, check=True)
             self.assertEqual(page.stderr, "")
         call("bash", "-n", share / "bash-completion/completions/qirandecode-cli")
         for size in (16, 22, 24, 32, 48, 64, 128, 256):

@@ -1,11 +1,17 @@
 """A packet engine's side of the wire, as far as these tests need it. Python's standard library only."""
 
 import contextlib
+import pathlib
 import socket
 import struct
 import threading
 
 HEADER = struct.Struct("<B3xBxBx10s10sII")
+
+
+def log_text(folder):
+    """Everything in the traffic logs of a program folder."""
+    return b"".join(path.read_bytes() for path in sorted(pathlib.Path(folder).glob("LOGS/*.TXT")))
 
 
 def frame(kind, data=b"", call_from=b"", call_to=b"", port=0):

@@ -13,13 +13,12 @@ import shutil
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 import rig  # noqa: E402
 from elements import ElementServer, stored  # noqa: E402
-from engine import Engine  # noqa: E402
+from engine import Engine, log_text  # noqa: E402
 
 CHILD, PROGRAM = sys.argv[1:3]
 LOST = "*** The settings cannot be saved in "
@@ -65,7 +64,7 @@ class FullDiskTest(unittest.TestCase):
             rig.wait_for(engine.monitoring, "it connects", alive=program)
             engine.heard(b"G0ABC", b"first frame")
             if before:
-                time.sleep(0.5)
+                rig.wait_for(lambda: b"first frame" in log_text(folder), "it is logged", alive=program)
                 before()
             engine.heard(b"G0ABC", b"second frame")
             said = program.communicate(timeout=120)[0].decode()

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Kills the program, and a process that only saves, at random moments, and looks at what is left behind.
 
-Usage: killTest.py SAVING_CHILD PROGRAM. QIRAN_LONG=1 in the environment runs 300 moments instead of 60.
+Usage: killTest.py SAVING_CHILD PROGRAM. QIRAN_LOOPS in the environment is how many moments of each kind are tried
+instead of 10, and QIRAN_SEED what chance starts from.
 """
 
 import os
@@ -17,20 +18,16 @@ import unittest
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 import rig  # noqa: E402
 from elements import ElementServer, stored  # noqa: E402
-from engine import Engine  # noqa: E402
+from engine import Engine, log_text  # noqa: E402
 
 CHILD, PROGRAM = sys.argv[1:3]
-MOMENTS = 300 if os.environ.get("QIRAN_LONG") else 60
-SEED = int(os.environ.get("QIRAN_SEED", random.randrange(2**31)))
+MOMENTS = int(os.environ.get("QIRAN_LOOPS", 10))
+SEED = int(os.environ.get("QIRAN_SEED", 1))
 KEYS = 40
 FETCHED = {stored(number) for number in range(26)}
 # What a kill may leave in the program folder while it downloads; the help names them all.
 DOWNLOAD_FILES = r"(QiranDecode\.INI(\.\w{6})?|Keps\.lock|Keps|Keps/amateur\.txt|tempkeps\.\$\$\$|Keps/TEMPKEPS\.\$\$\$)"
 ELEMENTS = {(letter.encode() * 68 + b"\r\n") * 3000 for letter in "ABCDEFGHIJKLMNOPQRSTUVWXYZ"}
-
-
-def log_text(folder):
-    return b"".join(path.read_bytes() for path in sorted(folder.glob("LOGS/*.TXT")))
 
 
 class KillTest(unittest.TestCase):
@@ -105,8 +102,7 @@ class KillTest(unittest.TestCase):
             ("TERMINAL", "LOGGING"): "True", ("SETUP", "ONLY_SHOW_QIRAN"): "FALSE"})
         self.start_and_stop(port)
         keys = set(rig.read_settings(self.folder / rig.SETTINGS_FILE))
-        moments = MOMENTS // 6
-        for moment in range(moments):
+        for moment in range(MOMENTS):
             where = f"moment {moment}, seed {SEED}"
             shutil.rmtree(self.folder / "LOGS", ignore_errors=True)
             with Engine(port) as engine:
@@ -133,7 +129,7 @@ class KillTest(unittest.TestCase):
             due = sum(1 for at in sent if killed - at > 1.0)
             self.assertGreaterEqual(len(numbers), due, where)
         self.start_and_stop(port)
-        print(f"{moments} kills of the program, seed {SEED}")
+        print(f"{MOMENTS} kills of the program, seed {SEED}")
 
 
 if __name__ == "__main__":

@@ -19,7 +19,7 @@ import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 import rig  # noqa: E402
-from engine import Engine  # noqa: E402
+from engine import Engine, log_text  # noqa: E402
 
 PROGRAM = sys.argv[2]
 LONG = bool(os.environ.get("QIRAN_LONG"))
@@ -102,8 +102,7 @@ class ProgramFaultsTest(unittest.TestCase):
         with Engine(self.port) as engine, self.start(preexec_fn=lambda: os.umask(0)) as program:
             rig.wait_for(look, "it connects", alive=program)
             engine.heard(b"G0ABC", b"a frame")
-            time.sleep(0.3)
-            look()
+            rig.wait_for(lambda: look() and b"a frame" in log_text(self.program_folder), "it is logged", alive=program)
             self.finish(program)
         self.assertIn("QiranDecode.lock", found)
         self.assertTrue(any(name.endswith(".TXT") for name in found), found)
@@ -250,7 +249,6 @@ class ProgramFaultsTest(unittest.TestCase):
         with Engine(self.port) as engine, self.start(seconds=60) as program:
             rig.wait_for(engine.monitoring, "it connects", alive=program)
             engine.__exit__()
-            time.sleep(0.5)
             with Engine(self.port) as again:
                 back = time.monotonic()
                 rig.wait_for(again.monitoring, "it connects again", 31, alive=program)

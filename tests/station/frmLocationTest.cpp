@@ -232,7 +232,8 @@ void frmLocationTest::okDoesNotGoThroughWithAFailingField() {
     QVERIFY(m_window->isVisible());
     QCOMPARE(Focus(), u"txtLat"_s);
     Press(Qt::Key_O, Qt::AltModifier);
-    QTest::qWait(200); // a button pressed by its access key acts when it comes up again
+    // A button pressed by its access key acts when it comes up again.
+    QTRY_VERIFY(!m_window->findChild<QPushButton*>(u"cmdOk"_s)->isDown());
     QCOMPARE(m_presenter.messages.size(), 2);
     QVERIFY(m_window->isVisible());
     QCOMPARE(m_ini->LoadAllKeysInSection(u"SETUP"_s)[0].size(), 1);

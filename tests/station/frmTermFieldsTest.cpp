@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 using namespace Keys;
@@ -250,7 +251,7 @@ void frmTermFieldsTest::aFailingFieldKeepsTheFocusWhenTheWindowComesBack() {
     m_window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     QTRY_COMPARE(Focus(), u"txtTo"_s);
-    QTest::qWait(300);
+    QTRY_VERIFY(!m_window->findChild<QTimer*>(u"timOtherWindow"_s)->isActive());
     QCOMPARE(m_presenter.messages.size(), 1);
 }
 

@@ -4,7 +4,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QElapsedTimer>
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QScrollBar>
@@ -96,8 +95,6 @@ void frmTermPaneTest::aFloodTouchesThePaneOnceATurn() {
     m_window->ShowData("before\r\n", 2);
     QTRY_COMPARE(Shown(), u"before\n"_s);
     const QSignalSpy touched(Pane()->document(), &QTextDocument::contentsChanged);
-    QElapsedTimer timer;
-    timer.start();
     for (int i = 0; i < 50'000; ++i)
         m_window->ShowData("12:00:01R XQ9ZZ-1>APRS,WIDE2-2 Port=1 <UI Len=42>:\r\nT#001,10,20\r\n\r\n",
                            static_cast<qint16>(i % 2 == 0 ? 2 : 4));
@@ -105,7 +102,6 @@ void frmTermPaneTest::aFloodTouchesThePaneOnceATurn() {
     QCOMPARE(touched.count(), 0);
     QTRY_VERIFY(Shown().endsWith(u"after\n"_s));
     QCOMPARE(touched.count(), 1);
-    QVERIFY(timer.elapsed() < 10'000);
     QVERIFY(Shown().size() <= 10200);
     for (int i = 0; i < 30; ++i) { // in parts, so that the pane is cut and not filled anew
         for (int j = 0; j < 20; ++j)

@@ -4,7 +4,6 @@
 #include "support/TemporaryProgramFolder.h"
 #include "telemetry/callsigns/CallsignItems.h"
 
-#include <QElapsedTimer>
 #include <QTest>
 
 class CallsignListTest : public QObject {
@@ -19,7 +18,7 @@ private Q_SLOTS:
     void assigningLeavesOtherSectionsAlone();
     void readingGivesACopy();
     void findsExactlyAndTheFirst();
-    void fiveThousandCallsignsAreSavedLoadedAndFoundQuickly();
+    void fiveThousandCallsignsAreSavedLoadedAndFound();
     void itemTexts_data();
     void itemTexts();
     void itemsReadBack();
@@ -150,7 +149,7 @@ void CallsignListTest::findsExactlyAndTheFirst() {
         QVERIFY2(list.Find(other) == nullptr, other);
 }
 
-void CallsignListTest::fiveThousandCallsignsAreSavedLoadedAndFoundQuickly() {
+void CallsignListTest::fiveThousandCallsignsAreSavedLoadedAndFound() {
     const TemporaryProgramFolder folder;
     clsIni ini(folder.IniFile());
     CallsignList list(ini);
@@ -158,20 +157,13 @@ void CallsignListTest::fiveThousandCallsignsAreSavedLoadedAndFoundQuickly() {
     for (int i = 0; i < 5000; ++i)
         callsigns.append(
             {QStringLiteral("X%1-%2").arg(i / 16, 4, 10, QChar(u'0')).arg(i % 16), Q(i % 2 ? "A" : "B")});
-    QElapsedTimer time;
-    time.start();
     list.setCCallsigns(callsigns);
-    QVERIFY2(time.elapsed() < 1000, "saving is slow");
     QCOMPARE(folder.Read(Q("QiranDecode.INI")).count('\n'), 5001);
-    time.restart();
     CallsignList loaded(ini);
     loaded.LoadCallsigns();
-    QVERIFY2(time.elapsed() < 1000, "loading is slow");
     QCOMPARE(Texts(loaded.cCallsigns()), Texts(callsigns)); // all: what is not loaded, the next save removes
-    time.restart();
     for (int i = 0; i < 200000; ++i)
         QVERIFY(list.Find("X0312-7") != nullptr && list.Find("Y0312-7") == nullptr);
-    QVERIFY2(time.elapsed() < 1000, "finding is slow"); // a walk along the list takes a hundred times that
 }
 
 void CallsignListTest::itemTexts_data() {

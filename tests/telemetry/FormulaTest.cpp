@@ -6,6 +6,8 @@
 
 #include <QTest>
 
+#include <bit>
+#include <cmath>
 #include <iostream>
 #include <sstream>
 
@@ -14,6 +16,7 @@ class FormulaTest : public QObject {
 private Q_SLOTS:
     void calcValueIsTheCubic_data();
     void calcValueIsTheCubic();
+    void calcValueIsThatOfThePowersToTheLastBit();
     void calcValueFailsBeyondDoubles_data();
     void calcValueFailsBeyondDoubles();
 
@@ -93,6 +96,29 @@ void FormulaTest::calcValueIsTheCubic() {
     const std::optional<double> result = formula.CalcValue(x);
     QVERIFY(result.has_value());
     QTEST(*result, "value");
+}
+
+void FormulaTest::calcValueIsThatOfThePowersToTheLastBit() {
+    clsFormula formula;
+    formula.dblA = -1.7e-5;
+    formula.dblB = 3.1e-3;
+    formula.dblC = -0.37;
+    formula.dblD = -0.0;
+    const auto expected = [&formula](double x) {
+        return ((std::pow(x, 3.0) * formula.dblA + std::pow(x, 2.0) * formula.dblB) + formula.dblC * x) +
+               formula.dblD;
+    };
+    for (int quarter = -40; quarter <= 4 * 300; ++quarter) {
+        const double x = quarter / 4.0;
+        QCOMPARE(std::bit_cast<quint64>(*formula.CalcValue(x)), std::bit_cast<quint64>(expected(x)));
+    }
+    formula = {};
+    formula.dblA = 1.0;
+    formula.dblB = -1.0; // a zero keeps its sign
+    formula.dblD = -0.0;
+    QCOMPARE(std::bit_cast<quint64>(*formula.CalcValue(-0.0)), std::bit_cast<quint64>(expected(-0.0)));
+    QVERIFY(std::bit_cast<quint64>(*formula.CalcValue(-0.0)) !=
+            std::bit_cast<quint64>(*formula.CalcValue(0.0)));
 }
 
 void FormulaTest::calcValueFailsBeyondDoubles_data() {

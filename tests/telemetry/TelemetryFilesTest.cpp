@@ -9,7 +9,6 @@ class TelemetryFilesTest : public QObject {
 private Q_SLOTS:
     void anEmptyFolderStaysEmpty();
     void historyIsDeletedAndEveryInputHandedOver();
-    void importingHasNoEffect();
 };
 
 void TelemetryFilesTest::anEmptyFolderStaysEmpty() {
@@ -38,15 +37,6 @@ void TelemetryFilesTest::historyIsDeletedAndEveryInputHandedOver() {
         QDir(folder.Program().Path()).entryList(QDir::Files, QDir::Name),
         QStringList({QStringLiteral("2001.txt"), QStringLiteral("20010203.txt"), QStringLiteral("2001x.dat"),
                      QStringLiteral("20020203.txt"), QStringLiteral("x2001.txt")}));
-}
-
-void TelemetryFilesTest::importingHasNoEffect() {
-    const TemporaryProgramFolder folder;
-    folder.Write(QStringLiteral("20010203.txt"), "content");
-    TelemetryFiles::PurgeTelemetryFiles(folder.Program().Path());
-    QCOMPARE(QDir(folder.Program().Path()).entryList(QDir::Files),
-             QStringList{QStringLiteral("20010203.txt")});
-    QCOMPARE(folder.Read(QStringLiteral("20010203.txt")), QByteArray("content"));
 }
 
 QTEST_GUILESS_MAIN(TelemetryFilesTest)

@@ -11,7 +11,6 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -55,7 +54,7 @@ private Q_SLOTS:
     void cancelAndEscapeChangeNothing();
     void theCloseBoxSaysWhatIsWrongAndStays();
     void defaultsAreWrittenAtOnceAndStayAfterCancel();
-    void fiveThousandCallsignsStayQuick();
+    void fiveThousandCallsignsAreShownAddedToAndRemoved();
 
 private:
     template <typename T>
@@ -421,24 +420,19 @@ void frmCallsTest::defaultsAreWrittenAtOnceAndStayAfterCancel() {
     QCOMPARE(m_folder->Read(QStringLiteral("QiranDecode.INI")).count('='), 33);
 }
 
-void frmCallsTest::fiveThousandCallsignsStayQuick() {
+void frmCallsTest::fiveThousandCallsignsAreShownAddedToAndRemoved() {
     QList<clsCallsign> callsigns;
     for (int i = 0; i < 5000; ++i)
         callsigns.append(
             {QStringLiteral("X%1-%2").arg(i / 16, 4, 10, QChar(u'0')).arg(i % 16), QStringLiteral("A")});
     m_callsigns->setCCallsigns(callsigns);
-    QElapsedTimer time;
-    time.start();
     m_dialog->ShowCallsigns();
     QCoreApplication::processEvents();
-    QVERIFY2(time.restart() < 1000, "opening is slow");
     Enter(u"AB1", u"optA");
     Press(u"cmdAdd");
     QCOMPARE(m_list->count(), 5001);
-    QVERIFY2(time.restart() < 1000, "adding is slow");
     for (int i = 0; i < 20; ++i)
         QTest::keyClick(m_list, Qt::Key_Delete);
-    QVERIFY2(time.restart() < 1000, "removing is slow");
     QCOMPARE(m_list->count(), 4981);
 }
 

@@ -46,7 +46,9 @@ bool IsLeaving(const QWidget& window) {
 
 FieldGuard::FieldGuard(QWidget* window)
     : QObject(window)
-    , m_window(window) {
+    , m_window(window)
+    , m_otherWindow(this) {
+    m_otherWindow.setObjectName(QStringLiteral("timOtherWindow"));
     m_otherWindow.setSingleShot(true);
     m_otherWindow.setInterval(clickTime);
     connect(&m_otherWindow, &QTimer::timeout, this, [this] {
