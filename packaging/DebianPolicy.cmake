@@ -8,13 +8,14 @@ function(pack FILE)
     execute_process(COMMAND gzip -9n ${FILE} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
-file(GLOB_RECURSE pages ${CPACK_TEMPORARY_DIRECTORY}/*/share/man/*.1)
+file(GLOB_RECURSE pages ${CPACK_TEMPORARY_DIRECTORY}/*.1)
 foreach(page IN LISTS pages)
     pack(${page})
 endforeach()
 
+set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS ${CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
 string(TIMESTAMP now "%a, %d %b %Y %H:%M:%S +0000" UTC)
-file(GLOB_RECURSE changes ${CPACK_TEMPORARY_DIRECTORY}/*/share/doc/CHANGELOG.md)
+file(GLOB_RECURSE changes ${CPACK_TEMPORARY_DIRECTORY}/CHANGELOG.md)
 foreach(file IN LISTS changes)
     cmake_path(GET file PARENT_PATH folder)
     cmake_path(GET folder FILENAME package)
@@ -28,4 +29,8 @@ foreach(file IN LISTS changes)
     file(CHMOD ${folder}/changelog.Debian PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
     pack(${folder}/changelog)
     pack(${folder}/changelog.Debian)
+    file(
+        INSTALL ${CMAKE_CURRENT_LIST_DIR}/lintian-overrides
+        DESTINATION ${folder}/../../lintian/overrides RENAME ${package}
+    )
 endforeach()
