@@ -180,8 +180,9 @@ void frmQIRAN::ShowPassPredictions() {
 
 void frmQIRAN::ShowTerminal() {
     if (!m_terminal)
-        m_ground.OpenTerminal();
-    m_terminal->BringForward();
+        m_ground.OpenTerminal(); // LoadTerminal has its turn in it
+    if (m_terminal)
+        m_terminal->BringForward();
 }
 
 void frmQIRAN::ShowMap() {

@@ -168,11 +168,11 @@ void EngineSimulator::Answer(Connection& connection, const AgwFrame& frame) {
 
 void EngineSimulator::AnswerUnproto(const AgwFrame& frame) {
     AirFrame sent{.port = frame.port + 1,
-                    .kind = AgwKind::Transmitted,
-                    .from = frame.callFrom.toByteArray(),
-                    .to = frame.callTo.toByteArray(),
-                    .via = {},
-                    .information = frame.data.toByteArray()};
+                  .kind = AgwKind::Transmitted,
+                  .from = frame.callFrom.toByteArray(),
+                  .to = frame.callTo.toByteArray(),
+                  .via = {},
+                  .information = frame.data.toByteArray()};
     if (frame.kind == AgwKind::SendUnprotoVia) {
         const qsizetype digipeaters = frame.data.isEmpty() ? 0 : static_cast<quint8>(frame.data.front());
         const qsizetype pathLength = 1 + digipeaters * AgwFrame::callFieldLength;

@@ -67,34 +67,38 @@ inline constexpr Setting logging{u"TERMINAL", u"LOGGING", u"False", SettingType:
 inline constexpr Setting kepsFile1{u"KEPS", u"FILE_1", u"celestrak.org/NORAD/elements/amateur.txt"};
 inline constexpr Setting kepsFile2{u"KEPS", u"FILE_2", u""};
 
-inline constexpr Setting historyKeep{u"HISTORY", u"KEEP", u"TRUE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
-inline constexpr Setting statusShow{u"STATUS", u"SHOW", u"TRUE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
+inline constexpr Setting historyKeep{u"HISTORY",          u"KEEP", u"TRUE", SettingType::Boolean, 0, 0,
+                                     FirstWrite::OnChange};
+inline constexpr Setting statusShow{u"STATUS",           u"SHOW", u"TRUE", SettingType::Boolean, 0, 0,
+                                    FirstWrite::OnChange};
 inline constexpr Setting noticeMinutes{u"NOTICE", u"MINUTES",          u"5", SettingType::Number, 0,
-                                1440,      FirstWrite::OnChange};
+                                       1440,      FirstWrite::OnChange};
 inline constexpr Setting noticeMinElevation{u"NOTICE", u"MIN_ELEVATION",    u"10", SettingType::Number, 0,
-                                     90,        FirstWrite::OnChange};
+                                            90,        FirstWrite::OnChange};
 inline constexpr Setting kissUse{u"KISS", u"USE", u"FALSE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
 inline constexpr Setting kissHostAddress{u"KISS", u"HOST_ADDRESS",     u"localhost", SettingType::Host, 0,
-                                  0,       FirstWrite::OnChange};
+                                         0,       FirstWrite::OnChange};
 inline constexpr Setting kissHostPort{u"KISS",     u"HOST_PORT",        u"8001", SettingType::Number, 1,
-                               highestPort, FirstWrite::OnChange};
-inline constexpr Setting forwardUse{u"FORWARD", u"USE", u"FALSE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
+                                      highestPort, FirstWrite::OnChange};
+inline constexpr Setting forwardUse{u"FORWARD",          u"USE", u"FALSE", SettingType::Boolean, 0, 0,
+                                    FirstWrite::OnChange};
 inline constexpr Setting forwardDryRun{u"FORWARD", u"DRY_RUN",          u"FALSE", SettingType::Boolean, 0,
-                                0,          FirstWrite::OnChange};
+                                       0,          FirstWrite::OnChange};
 inline constexpr Setting forwardUrl{
     u"FORWARD",          u"URL", u"https://db.satnogs.org/api/telemetry/", SettingType::WebAddress, 0, 0,
     FirstWrite::OnChange};
-inline constexpr Setting forwardToken{u"FORWARD", u"TOKEN", u"", SettingType::Secret, 0, 0, FirstWrite::OnChange};
+inline constexpr Setting forwardToken{u"FORWARD",          u"TOKEN", u"", SettingType::Secret, 0, 0,
+                                      FirstWrite::OnChange};
 inline constexpr Setting forwardKeepAtMost{u"FORWARD", u"KEEP_AT_MOST",     u"10000", SettingType::Number, 1,
-                                    1000000,    FirstWrite::OnChange};
+                                           1000000,    FirstWrite::OnChange};
 
 /// Those that a user may look at and change, in the order of their sections.
 inline constexpr std::array listed{
-    &qiranObjNum,  &issObjNum,       &objIndex,     &useLocalTime, &onlyShowQiran, &latitude,
-    &longitude,    &locator,         &callsign,     &comment,      &hostAddress,   &hostPort,
-    &loginId,      &password,        &terminalTo,   &terminalVia,  &terminalPort,  &logging,
-    &kepsFile1,    &kepsFile2,       &historyKeep,  &statusShow,   &noticeMinutes, &noticeMinElevation,
-    &kissUse,      &kissHostAddress, &kissHostPort, &forwardUse,   &forwardDryRun, &forwardUrl,
+    &qiranObjNum,  &issObjNum,         &objIndex,     &useLocalTime, &onlyShowQiran, &latitude,
+    &longitude,    &locator,           &callsign,     &comment,      &hostAddress,   &hostPort,
+    &loginId,      &password,          &terminalTo,   &terminalVia,  &terminalPort,  &logging,
+    &kepsFile1,    &kepsFile2,         &historyKeep,  &statusShow,   &noticeMinutes, &noticeMinElevation,
+    &kissUse,      &kissHostAddress,   &kissHostPort, &forwardUse,   &forwardDryRun, &forwardUrl,
     &forwardToken, &forwardKeepAtMost,
 };
 

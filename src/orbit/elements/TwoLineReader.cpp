@@ -70,7 +70,7 @@ void TwoLineReader::MissSecondLine() {
     m_line1.clear();
 }
 
-void TwoLineReader::RefuseHalf(std::string_view number, std::size_t line, ElementFault fault) {
+void TwoLineReader::RefuseHalf(std::string_view number, std::size_t line, const ElementFault& fault) {
     ElementRecord record;
     record.name = m_name;
     record.number1 = number;

@@ -23,7 +23,7 @@ private:
     void TakeSet(std::string_view line2);
     void TakeName(std::string_view line);
     void MissSecondLine();
-    void RefuseHalf(std::string_view number, std::size_t line, ElementFault fault);
+    void RefuseHalf(std::string_view number, std::size_t line, const ElementFault& fault);
 
     TakeRecord m_take;
     bool m_isWanted = true;

@@ -10,8 +10,8 @@
 #include <iostream>
 #include <optional>
 #include <span>
-#include <tuple>
 #include <string>
+#include <tuple>
 
 namespace {
 

@@ -19,6 +19,6 @@ enum class FormulaLoad {
 /// with "A" or "B" after their blanks and have eight fields count; all others are the file's own notes.
 FormulaLoad LoadFormulae(const QString& path, FormulaTable& table, const mb& messages, QObject* owner);
 
-/// What is wrong in the formula file, a text for each line of it that is: also what LoadFormulae takes for the
-/// file's own notes although a side begins it. A file that cannot be read is one fault.
+/// What is wrong in the formula file, a text for each line of it that is: also what LoadFormulae takes for
+/// the file's own notes although a side begins it. A file that cannot be read is one fault.
 QStringList CheckFormulae(const QString& path);
