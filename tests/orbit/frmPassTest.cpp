@@ -13,6 +13,8 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextCursor>
 #include <QWindow>
 
 namespace {
@@ -70,6 +72,7 @@ QStringList PrintedPages(Fixture& f) {
 class frmPassTest : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void doubleClickAndEnterChooseThePassOfTheLine();
     void showsTheTableOfTheSelectedSatellite();
     void failedTableOpensEmpty();
     void standsInTheMiddleOfTheScreen();
@@ -206,6 +209,45 @@ void frmPassTest::pictures() {
     frmPass window(f.sats, f.satellites);
     window.show();
     Screenshots::Take(window, QStringLiteral("frmPass"));
+}
+
+void frmPassTest::doubleClickAndEnterChooseThePassOfTheLine() {
+    Fixture f;
+    f.clock.SetOffsetHours(3);
+    f.sats.setBlnLocalTime(true);
+    frmPass window(f.sats, f.satellites);
+    QList<DateTime> chosen;
+    connect(&window, &frmPass::PassChosen, &window, [&](DateTime start) { chosen += start; });
+    window.show();
+    auto* txtInfo = window.findChild<QPlainTextEdit*>(QStringLiteral("txtInfo"));
+    txtInfo->setFocus();
+    int passes = 0;
+    int days = 0;
+    for (QTextBlock block = txtInfo->document()->begin(); block.isValid(); block = block.next()) {
+        if (block.blockNumber() < 4 || block.text().isEmpty()) {
+            days += block.text().isEmpty() ? 1 : 0;
+            continue;
+        }
+        QTextCursor cursor(block);
+        cursor.movePosition(QTextCursor::EndOfBlock);
+        txtInfo->setTextCursor(cursor);
+        QTest::keyClick(txtInfo, passes % 2 == 0 ? Qt::Key_Return : Qt::Key_Enter);
+        QTest::mouseDClick(txtInfo->viewport(), Qt::LeftButton, {}, txtInfo->cursorRect().center());
+        const DateTime start = DateOf(2026, 11, 21) + 0.6 + passes * 0.11;
+        QCOMPARE(chosen.size(), 2);
+        for (const DateTime one : chosen)
+            QVERIFY(std::abs(one - start) * secondsPerDay < 0.6);
+        chosen.clear();
+        ++passes;
+    }
+    QCOMPARE(passes, 20);
+    QVERIFY(days >= 3); // empty lines stand between
+    txtInfo->moveCursor(QTextCursor::Start);
+    QTest::mouseDClick(txtInfo->viewport(), Qt::LeftButton, {}, txtInfo->cursorRect().center());
+    QVERIFY(window.isVisible());
+    QTest::keyClick(txtInfo, Qt::Key_Return); // no pass: the default button, as ever
+    QVERIFY(!window.isVisible());
+    QVERIFY(chosen.isEmpty());
 }
 
 QTEST_MAIN(frmPassTest)

@@ -6,6 +6,7 @@
 #include "foundation/system/EndRequests.h"
 #include "foundation/text/Clock.h"
 #include "foundation/text/UtcTime.h"
+#include "orbit/sky/Doppler.h"
 
 #include <QCoreApplication>
 #include <QHash>
@@ -64,11 +65,10 @@ private:
 
     // Of what comes from the satellite, in Hz.
     FieldValue Doppler(double rangeRate) const {
-        constexpr double speedOfLight = 299792.458; // km/s
         constexpr double hertzPerMegahertz = 1e6;
         if (!m_frequencyMhz)
             return {};
-        return qint64{std::llround(-rangeRate / speedOfLight * *m_frequencyMhz * hertzPerMegahertz)};
+        return qint64{std::llround(orbitmath::DopplerShift(rangeRate, *m_frequencyMhz * hertzPerMegahertz))};
     }
 
     // When the next pass begins that begins within two days. Searched for again only when it is over.

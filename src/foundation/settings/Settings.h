@@ -108,6 +108,10 @@ constexpr Setting top{u"SETUP", u"TOP", u""};
 constexpr Setting mapLeft{u"SETUP", u"MAP_LEFT", u""}; // default: where the window system puts the map
 constexpr Setting mapTop{u"SETUP", u"MAP_TOP", u""};
 
+// How the sky is drawn: chosen in its window.
+inline constexpr Setting skyEastLeft{
+    u"SETUP", u"SKY_EAST_LEFT", u"FALSE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
+
 // In USER.INI, the file of an APRS program.
 constexpr Setting aprsSymbol{u"APRS", u"APRS_SYMBOL_CHARACTER", u"-"};
 constexpr Setting aprsSymbolTable{u"APRS", u"APRS_SYMBOL_TABLE_CHARACTER", u"/"};

@@ -10,17 +10,21 @@
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QTextBlock>
+#include <QTextCursor>
 #include <QVBoxLayout>
 
 namespace {
 
 constexpr int columns = 64;
 constexpr int lines = 24;
+constexpr int headingLines = 4; // of the table
 
 } // namespace
 
@@ -33,7 +37,9 @@ frmPass::frmPass(const clsSats& cSats, const TrackedSatellites& satellites, QWid
     setModal(true);
 
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    m_table = cSats.strPassInfo(satellites.Selected().strObjNum);
+    clsSats::PassInfo info = cSats.PassInfoOf(satellites.Selected().strObjNum);
+    m_table = std::move(info.table);
+    m_starts = std::move(info.starts);
     QGuiApplication::restoreOverrideCursor();
     m_caption = satellites.DisplayName() + QStringLiteral(" Pass Predictions");
     SetPlainTitle(*this, m_caption);
@@ -46,6 +52,8 @@ frmPass::frmPass(const clsSats& cSats, const TrackedSatellites& satellites, QWid
     txtInfo->setLineWrapMode(QPlainTextEdit::NoWrap);
     txtInfo->setFont(FixedFont());
     txtInfo->setPlainText(m_table);
+    txtInfo->installEventFilter(this);
+    txtInfo->viewport()->installEventFilter(this);
     const QFontMetrics metrics(txtInfo->font());
     const int frame = 2 * txtInfo->frameWidth() + static_cast<int>(2 * txtInfo->document()->documentMargin());
     txtInfo->setMinimumWidth(metrics.horizontalAdvance(QString(columns, u'0')) + frame +
@@ -80,6 +88,36 @@ void frmPass::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!event->spontaneous())
         CentreOnScreen(this);
+}
+
+// Enter on any other line is left to the window's default button.
+bool frmPass::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && watched == txtInfo) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if ((key == Qt::Key_Return || key == Qt::Key_Enter) && ChoosePass(txtInfo->textCursor()))
+            return true;
+    }
+    if (event->type() == QEvent::MouseButtonDblClick && watched == txtInfo->viewport()) {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        if (mouse->button() == Qt::LeftButton)
+            ChoosePass(txtInfo->cursorForPosition(mouse->position().toPoint()));
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+// The passes are the lines under the heading that are not empty.
+bool frmPass::ChoosePass(const QTextCursor& cursor) {
+    const int line = cursor.blockNumber();
+    if (line < headingLines || cursor.block().text().isEmpty())
+        return false;
+    std::size_t pass = 0;
+    for (QTextBlock block = txtInfo->document()->findBlockByNumber(headingLines);
+         block.isValid() && block.blockNumber() < line; block = block.next())
+        pass += block.text().isEmpty() ? 0 : 1;
+    if (pass >= m_starts.size())
+        return false;
+    Q_EMIT PassChosen(m_starts[pass]);
+    return true;
 }
 
 void frmPass::Copy() const {

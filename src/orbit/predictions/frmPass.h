@@ -6,9 +6,11 @@
 #include <QDialog>
 
 #include <functional>
+#include <vector>
 
 class QPlainTextEdit;
 class QPrinter;
+class QTextCursor;
 
 /// The pass predictions of the selected satellite, to be read, copied and printed. Modal: call exec.
 class frmPass : public QDialog {
@@ -23,15 +25,22 @@ public:
     /// The platform's print dialog.
     static bool AskForPrinter(QPrinter& printer, QWidget* window);
 
+Q_SIGNALS:
+    /// The user has double-clicked a pass, or pressed Enter on it: it begins at this UTC, to the second.
+    void PassChosen(DateTime startUtc);
+
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
     void Copy() const;
     void Print();
+    bool ChoosePass(const QTextCursor& cursor);
 
     QString m_caption;
     QString m_table;
+    std::vector<DateTime> m_starts; // of the table's passes
     ChoosePrinter m_choosePrinter;
     QPlainTextEdit* txtInfo;
 };

@@ -136,18 +136,20 @@ std::optional<qint16> clsSats::AzimuthAt(const QString& strSat, DateTime datT) c
     return position ? Text::RoundToInt16(position->dblAz) : std::nullopt;
 }
 
-QString clsSats::strPassInfo(const QString& strObject) const {
+clsSats::PassInfo clsSats::PassInfoOf(const QString& strObject) const {
     const std::optional<std::string> passes =
         m_library->ListPasses(strObject.toStdString(), datGmtTime(), passesPerDay, daysOfTable, 0, 0);
     if (!passes)
         return {};
+    std::vector<DateTime> starts;
     PassTable table(m_blnLocalTime ? PassTable::Zone::Local : PassTable::Zone::Utc, PassTable::Names::None);
     for (const std::string_view item : PassList::Items(*passes)) {
         const std::optional<Pass> pass = PassList::Parse(item);
         if (!pass || !AddToTable(table, strObject, *pass))
             return {};
+        starts.push_back(pass->startUtc);
     }
-    return table.Text();
+    return {table.Text(), std::move(starts)};
 }
 
 bool clsSats::AddToTable(PassTable& table, const QString& strObject, const Pass& pass,

@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 class PassTable;
 struct Pass;
@@ -69,8 +70,16 @@ public:
     /// the start of its last one, or date-time 0 when it is empty.
     std::optional<DateTime> GetNextPassTime(const QString& strSat) const;
 
-    /// The table of pass predictions, its lines ended by CR LF; empty when it cannot be made.
-    QString strPassInfo(const QString& strObject) const;
+    /// The table of pass predictions, its lines ended by CR LF, and the UTC at which each of its passes
+    /// begins, to the second; both empty when it cannot be made.
+    struct PassInfo {
+        QString table;
+        std::vector<DateTime> starts;
+    };
+    PassInfo PassInfoOf(const QString& strObject) const;
+
+    /// The table alone.
+    QString strPassInfo(const QString& strObject) const { return PassInfoOf(strObject).table; }
 
     /// Adds the line of a pass to a table of predictions in display time. False when the object has no
     /// position at its start or end.

@@ -52,16 +52,25 @@ Geodetic ToGeodetic(const Vector3& position) {
     return point;
 }
 
-Observer::Observer(double latitudeDegrees, double longitudeDegrees) {
+Vector3 FromGeodetic(const Geodetic& point) {
     using namespace wgs84;
-    const SinCos latitude = SinCos::Of(latitudeDegrees * radiansPerDegree);
-    const SinCos longitude = SinCos::Of(longitudeDegrees * radiansPerDegree);
+    const SinCos latitude = SinCos::Of(point.latitude);
+    const SinCos longitude = SinCos::Of(point.longitude);
+    // The prime vertical's radius of curvature.
+    const double n = equatorialRadius / std::sqrt(1 - eccentricity2 * latitude.sin * latitude.sin);
+    return {(n + point.altitude) * (latitude.cos * longitude.cos),
+            (n + point.altitude) * (latitude.cos * longitude.sin),
+            (n * (1 - eccentricity2) + point.altitude) * latitude.sin};
+}
+
+Observer::Observer(double latitudeDegrees, double longitudeDegrees) {
+    const Geodetic place{latitudeDegrees * radiansPerDegree, longitudeDegrees * radiansPerDegree, 0};
+    const SinCos latitude = SinCos::Of(place.latitude);
+    const SinCos longitude = SinCos::Of(place.longitude);
+    m_position = FromGeodetic(place);
     m_east = {-longitude.sin, longitude.cos, 0};
     m_north = {-latitude.sin * longitude.cos, -latitude.sin * longitude.sin, latitude.cos};
     m_up = {latitude.cos * longitude.cos, latitude.cos * longitude.sin, latitude.sin};
-    // The prime vertical's radius of curvature.
-    const double n = equatorialRadius / std::sqrt(1 - eccentricity2 * latitude.sin * latitude.sin);
-    m_position = {n * m_up.x, n * m_up.y, n * (1 - eccentricity2) * m_up.z};
 }
 
 double AzimuthOf(const Vector3& local) {

@@ -35,6 +35,9 @@ struct Geodetic {
 /// surface to the moon.
 Geodetic ToGeodetic(const Vector3& position);
 
+/// The way back: the place of a point, km.
+Vector3 FromGeodetic(const Geodetic& point);
+
 /// How an object stands in the sky.
 struct LookAngles {
     double azimuth = 0;   ///< radians, 0 to 2 pi, from north over east

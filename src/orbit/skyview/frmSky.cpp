@@ -1,0 +1,207 @@
+#include "orbit/skyview/frmSky.h"
+
+#include "foundation/fields/Named.h"
+#include "foundation/placement/WindowTitle.h"
+#include "foundation/settings/Settings.h"
+
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QShortcut>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int refreshInterval = 1000; // ms
+
+} // namespace
+
+frmSky::frmSky(const clsSats& cSats, const TrackedSatellites& satellites, SkyView::PlaceOfStation place,
+               SkyView::SimulatedTime simulatedTime, clsIni& cIni, const ProgramFolder& folder)
+    : m_cIni(cIni)
+    , m_view(cSats, satellites, std::move(place), std::move(simulatedTime), folder)
+    , picSky(Named(u"picSky", new SkyPicture(m_view, this)))
+    , labPass(Named(u"labPass", new QLabel(this)))
+    , labTime(Named(u"labTime", new QLabel(this)))
+    , labNote(Named(u"labNote", new QLabel(this)))
+    , tblValues(Named(u"tblValues", new QTableWidget(0, 2, this)))
+    , cmdEarlier(Named(u"cmdEarlier", new QPushButton(tr("< &Earlier"), this)))
+    , cmdPresent(Named(u"cmdPresent", new QPushButton(tr("&Present or next"), this)))
+    , cmdLater(Named(u"cmdLater", new QPushButton(tr("&Later >"), this)))
+    , chkEastLeft(Named(u"chkEastLeft", new QCheckBox(tr("East on the left (looking &up)"), this)))
+    , Timer1(Named(u"Timer1", new QTimer(this)))
+    , m_placement(std::make_unique<clsWindowPos>()) {
+    setObjectName(u"frmSky");
+    SetPlainTitle(*this, tr("The sky"));
+    auto* layout = new QHBoxLayout(this);
+    layout->addWidget(MakeLeft(), 3);
+    layout->addWidget(MakeRight(), 2);
+    MakeKeys();
+    ShowEast(Settings::IsOn(m_cIni, Settings::skyEastLeft));
+    connect(Timer1, &QTimer::timeout, this, &frmSky::Refresh);
+    Timer1->start(refreshInterval);
+    Refresh();
+    resize(sizeHint());
+    m_placement->Init(this, QStringLiteral("SKY"), &m_cIni);
+}
+
+frmSky::~frmSky() = default;
+
+QWidget* frmSky::MakeLeft() {
+    labPass->setWordWrap(true);
+    picSky->setAccessibleName(tr("The sky over the station"));
+    auto* steps = new QHBoxLayout;
+    steps->addWidget(cmdEarlier);
+    steps->addWidget(cmdPresent);
+    steps->addWidget(cmdLater);
+    steps->addStretch();
+    steps->addWidget(chkEastLeft);
+    auto* left = Named(u"fraSky", new QWidget(this));
+    auto* layout = new QVBoxLayout(left);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(labPass);
+    layout->addWidget(picSky, 1);
+    layout->addLayout(steps);
+    connect(cmdEarlier, &QPushButton::clicked, this, [this] { Step(m_view.StepEarlier()); });
+    connect(cmdLater, &QPushButton::clicked, this, [this] { Step(m_view.StepLater()); });
+    connect(cmdPresent, &QPushButton::clicked, this, [this] {
+        m_view.ShowPresent();
+        Refresh();
+    });
+    connect(chkEastLeft, &QCheckBox::clicked, this, [this](bool isLeft) {
+        Settings::Save(m_cIni, Settings::skyEastLeft, clsIni::TrueOrFalse(isLeft));
+        ShowEast(isLeft);
+    });
+    return left;
+}
+
+QWidget* frmSky::MakeRight() {
+    tblValues->setAccessibleName(tr("Values of the satellite"));
+    tblValues->horizontalHeader()->hide();
+    tblValues->verticalHeader()->hide();
+    tblValues->horizontalHeader()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    tblValues->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
+    tblValues->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    tblValues->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    tblValues->setSelectionBehavior(QAbstractItemView::SelectRows);
+    tblValues->setTabKeyNavigation(false);
+    tblValues->setShowGrid(false);
+    tblValues->setMinimumWidth(fontMetrics().averageCharWidth() * 56);
+    labTime->setWordWrap(true);
+    labNote->setWordWrap(true);
+    labNote->setTextFormat(Qt::PlainText);
+    labNote->setText(m_view.FileFaults().join(u'\n'));
+    labNote->setVisible(!labNote->text().isEmpty());
+    auto* right = Named(u"fraValues", new QWidget(this));
+    auto* layout = new QVBoxLayout(right);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(labTime);
+    layout->addWidget(tblValues, 1);
+    layout->addWidget(labNote);
+    return right;
+}
+
+// The arrows step wherever the focus is: nothing in this window needs them sideways.
+void frmSky::MakeKeys() {
+    connect(new QShortcut(Qt::Key_Left, this), &QShortcut::activated, cmdEarlier, &QPushButton::click);
+    connect(new QShortcut(Qt::Key_Right, this), &QShortcut::activated, cmdLater, &QPushButton::click);
+    connect(new QShortcut(Qt::Key_Home, this), &QShortcut::activated, cmdPresent, &QPushButton::click);
+}
+
+void frmSky::ShowEast(bool isLeft) {
+    chkEastLeft->setChecked(isLeft);
+    picSky->SetEast(isLeft ? SkyGeometry::East::Left : SkyGeometry::East::Right);
+}
+
+void frmSky::Step(bool found) {
+    if (found)
+        Refresh();
+}
+
+void frmSky::SatHasChanged() {
+    m_view.ShowPresent();
+    Refresh();
+}
+
+void frmSky::DataHaveChanged() {
+    m_view.Forget();
+    Refresh();
+}
+
+void frmSky::ShowPassAt(DateTime riseUtc) {
+    if (!m_view.ShowPassAt(riseUtc))
+        m_view.ShowPresent();
+    Refresh();
+}
+
+void frmSky::Refresh() {
+    m_view.Refresh();
+    labPass->setText(m_view.PassText());
+    labTime->setText(m_view.TimeText());
+    picSky->setAccessibleDescription(m_view.PassText());
+    cmdPresent->setEnabled(!m_view.IsFollowing());
+    ShowRows();
+    picSky->update();
+}
+
+// Cells are kept, so that a marked one stays marked and is not read out anew.
+void frmSky::ShowRows() {
+    const std::vector<SkyRow>& rows = m_view.Rows();
+    tblValues->setRowCount(static_cast<int>(rows.size()));
+    for (int row = 0; row < tblValues->rowCount(); ++row) {
+        const SkyRow& shown = rows[static_cast<std::size_t>(row)];
+        SetCell(row, 0, shown.name, false);
+        SetCell(row, 1, shown.value, shown.isLarge);
+    }
+}
+
+void frmSky::SetCell(int row, int column, const QString& text, bool isLarge) {
+    QTableWidgetItem* item = tblValues->item(row, column);
+    if (item == nullptr) {
+        item = new QTableWidgetItem;
+        tblValues->setItem(row, column, item);
+    }
+    QFont wanted = tblValues->font();
+    if (isLarge) {
+        wanted.setPointSizeF(wanted.pointSizeF() * 1.5);
+        wanted.setBold(true);
+    }
+    if (item->font() != wanted)
+        item->setFont(wanted);
+    if (item->text() != text)
+        item->setText(text);
+}
+
+void frmSky::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void frmSky::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    if (m_placement)
+        m_placement->RecordPosition();
+}
+
+void frmSky::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (!m_placement || isMinimized())
+        return;
+    if (isVisible())
+        m_placement->blnBeenInResize = true;
+    m_placement->RecordPosition();
+}
+
+void frmSky::closeEvent(QCloseEvent* event) {
+    Timer1->stop();
+    m_placement.reset();
+    event->accept();
+    Q_EMIT ImUnloading();
+}
