@@ -1,6 +1,7 @@
 #include "app/StatusBarView.h"
 
 #include <QLabel>
+#include <QToolButton>
 
 namespace {
 
@@ -30,6 +31,13 @@ StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     , labEvent(Add(QStringLiteral("labEvent"), tr("Last event"), 1)) {
     setObjectName(QStringLiteral("staStatus"));
     setSizeGripEnabled(false);
+    auto* cmdSky = new QToolButton(this);
+    cmdSky->setObjectName(QStringLiteral("cmdSky"));
+    cmdSky->setText(tr("&Sky"));
+    cmdSky->setToolTip(tr("The pass at a glance"));
+    cmdSky->setFocusPolicy(Qt::TabFocus);
+    connect(cmdSky, &QToolButton::clicked, this, &StatusBarView::SkyRequested);
+    addPermanentWidget(cmdSky);
     m_timer.setObjectName(QStringLiteral("timStatus"));
     m_timer.setInterval(refreshInterval);
     connect(&m_timer, &QTimer::timeout, this, &StatusBarView::Refresh);

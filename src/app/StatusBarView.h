@@ -6,7 +6,6 @@
 #include <QTimer>
 
 class QLabel;
-class QToolButton;
 
 /// The line at the foot of the main window. Its labels change when what they say does, at most once a second.
 class StatusBarView : public QStatusBar {
@@ -21,6 +20,10 @@ public:
 
     /// Shows the status as it is now.
     void Refresh();
+
+Q_SIGNALS:
+    /// The user asks for the sky.
+    void SkyRequested();
 
 private:
     QLabel* Add(const QString& name, const QString& accessibleName, int stretch);

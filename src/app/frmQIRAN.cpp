@@ -15,6 +15,7 @@
 #include "orbit/map/frmMap.h"
 #include "orbit/panel/framLocation.h"
 #include "orbit/predictions/frmPass.h"
+#include "orbit/skyview/frmSky.h"
 #include "station/identity/frmLocation.h"
 #include "station/terminal/frmTerm.h"
 #include "telemetry/callsigns/frmCalls.h"
@@ -95,6 +96,7 @@ void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
     entry(menu.mnuDownloadKeps, &frmQIRAN::DownloadKeps);
     connect(menu.mnuUseLocalTime, &QAction::triggered, this, [this] {
         m_ground.ToggleLocalTime();
+        TellSky();
         SetDueCaption();
         m_framLocation->Refresh();
     });
@@ -138,10 +140,16 @@ void frmQIRAN::PrepareTracking() {
     connect(m_framLocation, &framLocation::SatChanged, this, [this] {
         if (m_map)
             m_map->SatHasChanged();
+        if (m_sky)
+            m_sky->SatHasChanged();
     });
+    connect(m_framLocation, &framLocation::SkyRequested, this, &frmQIRAN::ShowSky);
+    connect(staStatus, &StatusBarView::SkyRequested, this, &frmQIRAN::ShowSky);
+    connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::TellSky);
     connect(m_framLocation, &framLocation::PassInfoRequested, this, &frmQIRAN::ShowPassPredictions);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
     connect(&m_ground, &GroundStation::ElementsChanged, this, [this] {
+        TellSky();
         m_framLocation->ShowCaption();
         m_framLocation->Refresh();
     });
@@ -161,7 +169,10 @@ void frmQIRAN::LoadTerminal() {
 void frmQIRAN::Show() {
     m_framLocation->Tick(true);
     m_timer1.start();
-    staStatus->Start();
+    QString showStatus = Settings::Peek(m_ground.cIni, Settings::statusShow);
+    staStatus->setVisible(clsIni::IsItTrue(showStatus));
+    if (!staStatus->isHidden())
+        staStatus->Start();
     show();
 }
 
@@ -175,7 +186,42 @@ void frmQIRAN::SetDueCaption() {
 }
 
 void frmQIRAN::ShowPassPredictions() {
-    frmPass(m_ground.cSats, m_ground.satellites, this).exec();
+    frmPass passes(m_ground.cSats, m_ground.satellites, this);
+    std::optional<DateTime> chosen;
+    connect(&passes, &frmPass::PassChosen, this, [&](DateTime startUtc) {
+        chosen = startUtc;
+        passes.accept();
+    });
+    passes.exec();
+    if (!chosen)
+        return;
+    ShowSky();
+    m_sky->ShowPassAt(*chosen);
+}
+
+void frmQIRAN::ShowSky() {
+    if (!m_sky) {
+        const auto place = [this]() -> std::optional<PassSteps::Place> {
+            const Station& station = m_ground.station;
+            return station.PositionKnown()
+                       ? std::optional(PassSteps::Place{station.dblLat(), station.dblLong()})
+                       : std::nullopt;
+        };
+        const auto simulated = [this] { return m_map ? m_map->SimulatedTime() : std::nullopt; };
+        m_sky =
+            new frmSky(m_ground.cSats, m_ground.satellites, place, simulated, m_ground.cIni, m_ground.folder);
+        m_sky->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_sky, &frmSky::ImUnloading, this, [this] { m_sky.clear(); });
+    }
+    m_sky->setWindowState(m_sky->windowState() & ~Qt::WindowMinimized);
+    m_sky->show();
+    m_sky->raise();
+    m_sky->activateWindow();
+}
+
+void frmQIRAN::TellSky() {
+    if (m_sky)
+        m_sky->DataHaveChanged();
 }
 
 void frmQIRAN::ShowTerminal() {
@@ -190,6 +236,10 @@ void frmQIRAN::ShowMap() {
         m_map = new frmMap(m_ground.cSats, m_ground.satellites, m_ground.cIni, m_messages, m_ground.folder);
         m_map->setAttribute(Qt::WA_DeleteOnClose);
         connect(m_map, &frmMap::ChangeSatRequested, m_framLocation, &framLocation::ChangeSat);
+        connect(m_map, &frmMap::TimeShown, this, [this] {
+            if (m_sky)
+                m_sky->Refresh();
+        });
         connect(m_map, &frmMap::ImUnloading, this, [this] { m_map.clear(); });
     }
     m_map->setWindowState(m_map->windowState() & ~Qt::WindowMinimized);
@@ -215,6 +265,7 @@ void frmQIRAN::DownloadKeps() {
     if (!frmDownload(m_ground.folder, m_ground.cIni, m_messages, inet, this).DownloadKeps())
         return;
     m_ground.LoadElements();
+    TellSky();
     m_framLocation->ShowCaption();
     m_framLocation->Refresh();
 }
@@ -240,6 +291,10 @@ void frmQIRAN::ReleaseWindows() {
     m_timer1.stop();
     staStatus->Stop();
     m_terminal.reset();
+    if (frmSky* sky = m_sky) {
+        sky->close();
+        delete sky;
+    }
     if (frmMap* map = m_map) {
         map->close();
         delete map;

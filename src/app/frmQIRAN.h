@@ -13,6 +13,7 @@
 
 class framLocation;
 class frmMap;
+class frmSky;
 class frmTerm;
 class mb;
 class MonitorPane;
@@ -58,6 +59,8 @@ private:
     void ShowPassPredictions();
     void ShowTerminal();
     void ShowMap();
+    void ShowSky();
+    void TellSky();
     void ShowStationInformation();
     void ShowAgwpeSetup();
     void ShowCallsigns();
@@ -70,6 +73,7 @@ private:
     std::unique_ptr<MainMenuView> m_menu;
     std::unique_ptr<frmTerm> m_terminal;
     QPointer<frmMap> m_map;
+    QPointer<frmSky> m_sky;
     QTimer m_timer1;
     bool m_isClosing = false;
     MonitorPane* txtMon;

@@ -197,11 +197,17 @@ void frmMap::SatHasChanged() {
     Reset();
 }
 
+std::optional<DateTime> frmMap::SimulatedTime() const {
+    return m_clock.IsSimulated() ? std::optional(m_shown) : std::nullopt;
+}
+
 void frmMap::Tick() {
     const DateTime start = m_clock.Shown(m_cSats.datGmtTime());
     DrawSat(GroundTrack::Of(m_cSats, m_satellites.Selected().strObjNum, start));
     picTime->SetText(
         FormatDateTime(m_cSats.ToDisplayTime(start), u"yyyy-mmm-dd hh:nn:ss", MonthNames::English));
+    m_shown = start;
+    Q_EMIT TimeShown();
     m_clock.Step();
 }
 

@@ -25,12 +25,18 @@ public:
     /// The other satellite has been selected.
     void SatHasChanged();
 
+    /// The time that the map shows, UTC, while it does not follow the real clock.
+    std::optional<DateTime> SimulatedTime() const;
+
     /// Shows a satellite, its footprint and its track.
     void DrawSat(const GroundTrack& track);
 
 Q_SIGNALS:
     /// The window closes; its owner deletes it (later: the signal comes from within its close event).
     void ImUnloading();
+
+    /// Another time is shown.
+    void TimeShown();
 
     /// The user asks for the other satellite.
     void ChangeSatRequested();
@@ -58,6 +64,7 @@ private:
     const TrackedSatellites& m_satellites;
     clsIni& m_cIni;
     SimulatedClock m_clock;
+    DateTime m_shown = 0.0; // by the last tick, UTC
     MapPicture* picMap;
     TimeBox* picTime;
     QMenu* mnuSpeed;

@@ -2,6 +2,7 @@
 
 #include "foundation/fields/FixedFont.h"
 
+#include <QAction>
 #include <QFontMetrics>
 #include <QGridLayout>
 #include <QLabel>
@@ -52,6 +53,11 @@ framLocation::framLocation(clsSats& cSats, TrackedSatellites& satellites, QWidge
 
     connect(cmdChangeSat, &QPushButton::clicked, this, &framLocation::ChangeSat);
     connect(cmdPassInfo, &QPushButton::clicked, this, &framLocation::PassInfoRequested);
+    auto* mnuSky = new QAction(tr("&Sky"), this);
+    mnuSky->setObjectName(QStringLiteral("mnuSky"));
+    connect(mnuSky, &QAction::triggered, this, &framLocation::SkyRequested);
+    addAction(mnuSky);
+    setContextMenuPolicy(Qt::ActionsContextMenu);
     ShowCaption();
     SetDueCaption();
 }

@@ -37,6 +37,9 @@ Q_SIGNALS:
     /// The other satellite is selected, and shown.
     void SatChanged();
 
+    /// The user asks for the sky.
+    void SkyRequested();
+
     /// The user asks for the pass predictions of the selected satellite.
     void PassInfoRequested();
 
