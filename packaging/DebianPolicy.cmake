@@ -13,7 +13,6 @@ foreach(page IN LISTS pages)
     pack(${page})
 endforeach()
 
-set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS ${CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
 string(TIMESTAMP now "%a, %d %b %Y %H:%M:%S +0000" UTC)
 file(GLOB_RECURSE changes ${CPACK_TEMPORARY_DIRECTORY}/CHANGELOG.md)
 foreach(file IN LISTS changes)
@@ -29,8 +28,11 @@ foreach(file IN LISTS changes)
     file(CHMOD ${folder}/changelog.Debian PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
     pack(${folder}/changelog)
     pack(${folder}/changelog.Debian)
-    file(
-        INSTALL ${CMAKE_CURRENT_LIST_DIR}/lintian-overrides
-        DESTINATION ${folder}/../../lintian/overrides RENAME ${package}
+    cmake_path(SET overrides NORMALIZE ${folder}/../../lintian/overrides)
+    file(MAKE_DIRECTORY ${overrides})
+    file(CHMOD ${overrides} ${overrides}/.. PERMISSIONS ${CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
+    configure_file(
+        ${CMAKE_CURRENT_LIST_DIR}/lintian-overrides ${overrides}/${package} COPYONLY
+        FILE_PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ
     )
 endforeach()
