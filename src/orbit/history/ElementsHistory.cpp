@@ -58,8 +58,8 @@ void ElementsHistory::Load() {
             ++m_foreign;
     }
     std::ranges::stable_sort(m_sets, {}, Key);
-    const auto repeated = std::ranges::unique(m_sets, {}, Key);
-    m_sets.erase(repeated.begin(), repeated.end());
+    const auto isRepeated = [](const Set& one, const Set& other) { return Key(one) == Key(other); };
+    m_sets.erase(std::unique(m_sets.begin(), m_sets.end(), isRepeated), m_sets.end());
 }
 
 void ElementsHistory::Keep(const Set& set) {
