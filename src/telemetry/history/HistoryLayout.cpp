@@ -1,5 +1,6 @@
 #include "telemetry/history/HistoryLayout.h"
 
+#include "foundation/files/Csv.h"
 #include "foundation/text/IsoTime.h"
 #include "foundation/text/Text.h"
 #include "telemetry/frames/FrameType.h"
@@ -36,6 +37,18 @@ QByteArray HistoryLayout::Header() {
 
 HistoryLayout HistoryLayout::Newest() {
     return *Of(names);
+}
+
+QByteArray HistoryLayout::LineOf(qint64 utc, std::string_view source, int side, const Fields& fields) {
+    const auto append = [](QByteArray& line, std::string_view field) {
+        Csv::AppendField(line.append(','), {field.data(), static_cast<qsizetype>(field.size())});
+    };
+    QByteArray line = IsoTime::Milliseconds(utc);
+    append(line, source);
+    line.append(side == 1 ? ",B" : ",A");
+    for (const std::string_view field : fields)
+        append(line, field);
+    return line.append('\n');
 }
 
 std::optional<HistoryLayout> HistoryLayout::Of(std::span<const std::string_view> header) {

@@ -42,6 +42,9 @@ public:
                                                                  "raw1",   "raw2",   "raw3",   "raw4",
                                                                  "field5", "field6", "field7", "field8"};
 
+    /// The nine fields of a telemetry line as it came.
+    using Fields = std::array<std::string_view, Columns - Sequence>;
+
     /// The header line that this program writes, with its LF.
     static QByteArray Header();
 
@@ -51,6 +54,9 @@ public:
     /// The layout that a header line gives; none for a line that is no header. Where it lacks a column that a
     /// frame needs, no line of that layout is read.
     static std::optional<HistoryLayout> Of(std::span<const std::string_view> header);
+
+    /// The line of a frame in that layout, with its LF. Texts are UTF-8.
+    static QByteArray LineOf(qint64 utc, std::string_view source, int side, const Fields& fields);
 
     /// What a line of this layout tells; none for a line that is none.
     std::optional<HistoryLine> Read(std::span<const std::string_view> fields) const;

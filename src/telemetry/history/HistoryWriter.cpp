@@ -1,10 +1,10 @@
 #include "telemetry/history/HistoryWriter.h"
 
-#include "foundation/files/Csv.h"
-#include "foundation/text/IsoTime.h"
 #include "foundation/text/Text.h"
+#include "telemetry/frames/ByteViews.h"
 #include "telemetry/history/HistoryLayout.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -24,11 +24,11 @@ HistoryWriter::HistoryWriter(const QString& path, AppendFile::Failed failed)
 void HistoryWriter::Take(const TelemetryFrame& frame) {
     if (!m_isKept || frame.origin != HeardFrame::Origin::Live)
         return;
-    QByteArray line = IsoTime::Milliseconds(frame.utc);
-    Csv::AppendField(line.append(','), Utf8(frame.source));
-    line.append(frame.side == 1 ? ",B" : ",A");
-    for (const QByteArrayView field : frame.fields)
-        Csv::AppendField(line.append(','), Utf8(field));
-    line.append('\n');
+    std::array<QByteArray, TelemetryFrame::fieldsInLine> texts;
+    std::ranges::transform(frame.fields, texts.begin(), Utf8);
+    HistoryLayout::Fields fields;
+    std::ranges::transform(texts, fields.begin(), [](const QByteArray& text) { return ToView(text); });
+    const QByteArray source = Utf8(frame.source);
+    const QByteArray line = HistoryLayout::LineOf(frame.utc, ToView(source), frame.side, fields);
     (void)m_file.Append(line);
 }
