@@ -82,6 +82,7 @@ void Forwarder::Take(const HeardFrame& frame) {
         return;
     m_lastRaw = frame.raw.toByteArray();
     m_lastUtc = frame.utc;
+    Q_EMIT Changed();
     if (!m_settings.use)
         return;
     const QString missing = Missing(m_settings.url).join(QStringLiteral(", "));
@@ -97,7 +98,6 @@ void Forwarder::Take(const HeardFrame& frame) {
     }
     m_queue.Add({*body});
     NoteRoom();
-    Q_EMIT Changed();
     Next();
 }
 

@@ -75,7 +75,8 @@ public:
 Q_SIGNALS:
     void StatusText(const QString& text); ///< lines for the monitor, each ended by CR LF
     void WantsRawFramesChanged(bool wants);
-    void Changed(); ///< of the queue
+    void
+    Changed(); ///< the queue, or the frame heard last; listeners look once a turn of the event loop at most
 
 private:
     void LookForRequest();

@@ -19,6 +19,7 @@ QNetworkRequest RequestFor(const QUrl& url, const QByteArray& token) {
                       QStringLiteral("application/x-www-form-urlencoded"));
     request.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("QiranDecode"));
     request.setRawHeader("Accept-Language", "en"); // or Qt would tell the user's
+    request.setRawHeader("Accept-Encoding", "identity");
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);

@@ -23,7 +23,9 @@ bool IsNumber(const QString& text) {
     return text.size() <= longestNumber && std::ranges::all_of(text, isDigit) && text.toUInt() > 0;
 }
 
-QByteArray Degrees(double degrees, char positive, char negative) {
+QByteArray Degrees(const SidsStation& station, double degrees, char positive, char negative) {
+    if (!station.isPositionKnown)
+        return {};
     const double hundredths = std::round(degrees * 100.0);
     return QByteArray::number(std::fabs(hundredths) / 100.0, 'f', 2) +
            (hundredths < 0.0 ? negative : positive);
@@ -61,8 +63,8 @@ QList<std::pair<QByteArray, QByteArray>> Fields(const SidsStation& station, qint
         QDateTime::fromMSecsSinceEpoch(utc, Qt::UTC).toString(Qt::ISODateWithMs).toLatin1(),
         raw.toByteArray().toHex().toUpper(),
         "longLat",
-        Degrees(station.longitude, 'E', 'W'),
-        Degrees(station.latitude, 'N', 'S'),
+        Degrees(station, station.longitude, 'E', 'W'),
+        Degrees(station, station.latitude, 'N', 'S'),
         station.version.toUtf8()};
     QList<std::pair<QByteArray, QByteArray>> fields;
     for (std::size_t i = 0; i < names.size(); ++i)

@@ -25,7 +25,7 @@ namespace {
 constexpr int longestUrl = 400; // the settings file gives back 499 characters
 constexpr int longestToken = 200;
 constexpr int shownCharacters = 64;
-constexpr int shownLines = 9;
+constexpr int shownLines = 10;
 constexpr int showAfter = 200; // milliseconds: a burst of frames is shown once
 constexpr int numberRole = Qt::UserRole;
 
@@ -172,7 +172,7 @@ void frmForward::ShowExample() {
 
 void frmForward::ShowQueue() {
     const ForwardCounts counts = m_forwarder.Counts();
-    labCounts->setText(tr("%1 waiting, %2 parked, %3 sent, %4 discarded, %5 dropped")
+    labCounts->setText(tr("%1 waiting, %2 refused, %3 sent, %4 discarded, %5 dropped")
                            .arg(counts.waiting)
                            .arg(counts.parked)
                            .arg(counts.sent)
