@@ -62,19 +62,23 @@ ForwardList ForwardQueue::Read(const ProgramFolder& folder, qint64* damaged) {
 qint64 ForwardQueue::Open(qsizetype keepAtMost) {
     (void)Close();
     m_list = {};
+    m_size = 0;
     m_lines = 0;
+    m_unwritten.clear();
+    m_mustWriteAnew = false;
+    m_trouble.clear();
     qint64 damaged = 0;
     QFile file(m_path);
-    if (QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly)) {
+    m_isUnreadable = QFileInfo(file).isFile() && !file.open(QIODevice::ReadOnly);
+    if (m_isUnreadable)
+        Fail(file.errorString());
+    if (file.isOpen())
+        // Behind a torn line the file is longer than that, and is written anew before anything comes to it.
         m_size = ReadLines(file, [&](const QByteArray& line) {
             ++m_lines;
             if (!m_list.Apply(line))
                 ++damaged;
         });
-        // A torn line must not become the beginning of the next one.
-        if (m_size < file.size() && !QFile::resize(m_path, m_size))
-            m_mustWriteAnew = true;
-    }
     m_mostLines = 2 * m_list.LineCount() + spareLines;
     SetKeepAtMost(keepAtMost);
     return damaged;
@@ -168,7 +172,7 @@ void ForwardQueue::Flush() {
         m_mustWriteAnew = true;
         m_unwritten.clear();
     }
-    if (m_unwritten.isEmpty() && !m_mustWriteAnew)
+    if ((m_unwritten.isEmpty() && !m_mustWriteAnew) || m_isUnreadable)
         return;
     if (!m_trouble.isEmpty() && m_timStore.isActive())
         return;
@@ -179,7 +183,6 @@ void ForwardQueue::Flush() {
     const qint64 written = m_file.write(m_unwritten);
     if (written != m_unwritten.size()) {
         Fail(m_file.errorString());
-        m_mustWriteAnew = !m_file.resize(m_size);
         return;
     }
     m_size += written;

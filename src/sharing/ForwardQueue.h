@@ -80,6 +80,7 @@ private:
     qsizetype m_mostLines = 0; // before it is written anew
     QByteArray m_unwritten;
     bool m_mustWriteAnew = false;
+    bool m_isUnreadable = false; // what it holds is not to be written over
     bool m_isUnsynced = false;
     QString m_trouble; // why the file lacks something; empty when it lacks nothing
     QTimer m_timStore;
