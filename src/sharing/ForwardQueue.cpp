@@ -1,8 +1,8 @@
 #include "sharing/ForwardQueue.h"
 
+#include "foundation/files/BoundedFile.h"
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/ReplaceFile.h"
-#include "foundation/system/SyncToDisk.h"
 #include "sharing/SidsRequest.h"
 
 #include <QFileInfo>
@@ -43,14 +43,17 @@ ForwardQueue::ForwardQueue(const ProgramFolder& folder, Failed failed)
     m_timStore.setSingleShot(true);
     QObject::connect(&m_timStore, &QTimer::timeout, &m_timStore, [this] {
         Flush();
-        Sync();
+        if (m_sync.IsRunning()) // a slow disk
+            m_timStore.start(syncAfter);
+        else
+            Sync();
     });
 }
 
 ForwardList ForwardQueue::Read(const ProgramFolder& folder, qint64* damaged) {
     ForwardList list;
     QFile file(folder.File(FileName()));
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
+    if (!file.exists() || !OpenRegularFile(file).isEmpty())
         return list;
     (void)ReadLines(file, [&](const QByteArray& line) {
         if (!list.Apply(line) && damaged != nullptr)
@@ -69,9 +72,10 @@ qint64 ForwardQueue::Open(qsizetype keepAtMost) {
     m_trouble.clear();
     qint64 damaged = 0;
     QFile file(m_path);
-    m_isUnreadable = QFileInfo(file).isFile() && !file.open(QIODevice::ReadOnly);
+    const QString reason = file.exists() ? OpenRegularFile(file) : QString();
+    m_isUnreadable = !reason.isEmpty();
     if (m_isUnreadable)
-        Fail(file.errorString());
+        Fail(reason);
     if (file.isOpen())
         // Behind a torn line the file is longer than that, and is written anew before anything comes to it.
         m_size = ReadLines(file, [&](const QByteArray& line) {
@@ -88,6 +92,7 @@ QString ForwardQueue::Store() {
     m_timStore.stop(); // it would hold off another try
     Flush();
     Sync();
+    EndSync();
     return m_trouble;
 }
 
@@ -201,12 +206,15 @@ bool ForwardQueue::OpenFile() {
         return false;
     if (m_file.isOpen() && info.exists())
         return true;
+    EndSync();
     m_file.close();
+    m_isNew = !info.exists();
     return m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered,
                        QFile::ReadOwner | QFile::WriteOwner);
 }
 
 void ForwardQueue::WriteAnew() {
+    EndSync();
     m_file.close();
     const QByteArray lines = m_list.Lines();
     const QString reason = ReplaceFile(m_path, lines);
@@ -225,11 +233,18 @@ void ForwardQueue::WriteAnew() {
 }
 
 void ForwardQueue::Sync() {
-    if (!m_isUnsynced || !m_file.isOpen())
+    EndSync();
+    if (m_file.isOpen() && std::exchange(m_isUnsynced, false))
+        m_sync.Start(m_file.handle(),
+                     std::exchange(m_isNew, false) ? QFileInfo(m_path).absolutePath() : QString());
+}
+
+void ForwardQueue::EndSync() {
+    const QString reason = m_sync.Wait();
+    if (reason.isEmpty())
         return;
-    m_isUnsynced = false;
-    if (const QString reason = SyncToDisk(m_file); !reason.isEmpty())
-        Fail(reason);
+    m_mustWriteAnew = true; // nobody knows what the disk has of it
+    Fail(reason);
 }
 
 void ForwardQueue::Fail(const QString& reason) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/system/FileSync.h"
 #include "sharing/ForwardList.h"
 
 #include <QFile>
@@ -68,6 +69,7 @@ private:
     bool OpenFile();
     void WriteAnew();
     void Sync();
+    void EndSync();
     void Fail(const QString& reason);
 
     const QString m_path;
@@ -82,6 +84,8 @@ private:
     bool m_mustWriteAnew = false;
     bool m_isUnreadable = false; // what it holds is not to be written over
     bool m_isUnsynced = false;
+    bool m_isNew = false; // the file's entry in its folder is not on the disk
+    FileSync m_sync;
     QString m_trouble; // why the file lacks something; empty when it lacks nothing
     QTimer m_timStore;
 };

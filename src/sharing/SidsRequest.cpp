@@ -1,9 +1,9 @@
 #include "sharing/SidsRequest.h"
 
+#include "foundation/text/IsoTime.h"
 #include "foundation/text/QIRUtil.h"
 
 #include <QCryptographicHash>
-#include <QDateTime>
 #include <QtEndian>
 
 #include <algorithm>
@@ -57,15 +57,14 @@ QStringList Missing(const SidsStation& station) {
 }
 
 QList<std::pair<QByteArray, QByteArray>> Fields(const SidsStation& station, qint64 utc, QByteArrayView raw) {
-    const std::array<QByteArray, names.size()> values{
-        station.number.toLatin1(),
-        station.callsign.toLatin1(),
-        QDateTime::fromMSecsSinceEpoch(utc, Qt::UTC).toString(Qt::ISODateWithMs).toLatin1(),
-        raw.toByteArray().toHex().toUpper(),
-        "longLat",
-        Degrees(station, station.longitude, 'E', 'W'),
-        Degrees(station, station.latitude, 'N', 'S'),
-        station.version.toUtf8()};
+    const std::array<QByteArray, names.size()> values{station.number.toLatin1(),
+                                                      station.callsign.toLatin1(),
+                                                      IsoTime::Milliseconds(utc),
+                                                      raw.toByteArray().toHex().toUpper(),
+                                                      "longLat",
+                                                      Degrees(station, station.longitude, 'E', 'W'),
+                                                      Degrees(station, station.latitude, 'N', 'S'),
+                                                      station.version.toUtf8()};
     QList<std::pair<QByteArray, QByteArray>> fields;
     for (std::size_t i = 0; i < names.size(); ++i)
         fields.append({names[i].toByteArray(), values[i]});

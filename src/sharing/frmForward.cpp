@@ -236,7 +236,7 @@ void frmForward::closeEvent(QCloseEvent* event) {
 }
 
 void frmForward::Ok() {
-    if (!m_guard->CheckAll())
+    if (!m_guard->MayAccept())
         return;
     ForwardSettings settings = m_forwarder.Settings();
     settings.use = chkUse->isChecked();
