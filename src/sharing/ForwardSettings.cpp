@@ -2,32 +2,7 @@
 
 #include "foundation/settings/Settings.h"
 
-namespace {
-
-constexpr Setting forwardUse{u"FORWARD", u"USE", u"FALSE"};
-constexpr Setting forwardDryRun{u"FORWARD", u"DRY_RUN", u"FALSE"};
-constexpr Setting forwardUrl{u"FORWARD", u"URL", u"https://db.satnogs.org/api/telemetry/"};
-constexpr Setting forwardToken{u"FORWARD", u"TOKEN", u""};
-constexpr Setting forwardKeepAtMost{u"FORWARD", u"KEEP_AT_MOST", u"10000"};
-
-QString Peek(const clsIni& ini, const Setting& setting) {
-    return ini.GetIniString(QString::fromUtf16(setting.section), QString::fromUtf16(setting.key),
-                            QString::fromUtf16(setting.defaultValue));
-}
-
-bool IsOn(const clsIni& ini, const Setting& setting) {
-    QString value = Peek(ini, setting);
-    return clsIni::IsItTrue(value);
-}
-
-int NumberOf(const clsIni& ini, const Setting& setting) {
-    bool isNumber = false;
-    const int value = Peek(ini, setting).toInt(&isNumber);
-    const bool isAllowed = isNumber && value >= 1 && value <= ForwardSettings::mostKept;
-    return isAllowed ? value : QString::fromUtf16(setting.defaultValue).toInt();
-}
-
-} // namespace
+using namespace Settings;
 
 ForwardSettings ForwardSettings::Load(const clsIni& ini) {
     return {IsOn(ini, forwardUse), IsOn(ini, forwardDryRun), Peek(ini, forwardUrl), Peek(ini, forwardToken),

@@ -8,13 +8,11 @@ class clsIni;
 
 /// The settings of forwarding, the section FORWARD. None is written before the user changes it.
 struct ForwardSettings {
-    static constexpr int mostKept = 1'000'000;
-
     bool use = false;    ///< heard frames are sent on
     bool dryRun = false; ///< they are shown in the place of being sent
     QString url;         ///< of the server
     QString token;       ///< empty, or what the server gave to the user
-    int keepAtMost = 0;  ///< frames in the queue, 1 to mostKept
+    int keepAtMost = 0;  ///< frames in the queue, 1 to 1,000,000
 
     static ForwardSettings Load(const clsIni& ini);
 
