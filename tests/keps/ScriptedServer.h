@@ -70,11 +70,22 @@ private:
         QByteArray request = socket.property("request").toByteArray() + socket.readAll();
         const bool isTls = request.startsWith('\x16');
         socket.setProperty("request", request);
-        if (!isTls && !request.endsWith("\r\n\r\n"))
+        if (!isTls && !IsWhole(request))
             return;
         socket.setProperty("request", QByteArray());
         m_requests.append(request);
         Send(socket, m_script(request));
+    }
+
+    // With the body that the header announces.
+    static bool IsWhole(const QByteArray& request) {
+        const qsizetype header = request.indexOf("\r\n\r\n");
+        const QByteArray name = "\r\nContent-Length: ";
+        const qsizetype length = request.indexOf(name) + name.size();
+        const qsizetype announced =
+            length < name.size() ? 0
+                                 : request.mid(length, request.indexOf('\r', length) - length).toLongLong();
+        return header >= 0 && request.size() >= header + 4 + announced;
     }
 
     void Send(QTcpSocket& socket, const Answer& answer) {

@@ -2,13 +2,9 @@
 #include "keps/HttpTransfer.h"
 #include "keps/ScriptedServer.h"
 #include "support/TemporaryProgramFolder.h"
+#include "support/TestIdentity.h"
 
 #include <QNetworkReply>
-#include <QProcess>
-#include <QSslCertificate>
-#include <QSslConfiguration>
-#include <QSslKey>
-#include <QSslServer>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -19,8 +15,7 @@ class SecureDownloadTest : public QObject {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_certificates;
-    QSslConfiguration m_before = QSslConfiguration::defaultConfiguration();
+    TestIdentities m_identities;
     std::unique_ptr<TemporaryProgramFolder> m_folder;
     std::unique_ptr<clsIni> m_ini;
     HttpTransfer m_inet;
@@ -28,29 +23,6 @@ private:
     QStringList m_lines;
     QStringList m_messages;
 
-    // A server's identity; openssl makes it.
-    QSslConfiguration Identity(const QString& name) const {
-        const QString key = m_certificates.filePath(name + u".key"_s);
-        const QString certificate = m_certificates.filePath(name + u".pem"_s);
-        QProcess openssl; // with its chatter caught
-        openssl.start(u"openssl"_s,
-                      {u"req"_s, u"-x509"_s, u"-newkey"_s, u"rsa:2048"_s, u"-nodes"_s, u"-days"_s, u"2"_s,
-                       u"-subj"_s, u"/CN="_s + name, u"-addext"_s, u"subjectAltName=IP:127.0.0.1"_s,
-                       u"-keyout"_s, key, u"-out"_s, certificate});
-        openssl.waitForFinished();
-        QSslConfiguration identity;
-        identity.setLocalCertificate(QSslCertificate::fromPath(certificate).value(0));
-        QFile keyFile(key);
-        if (keyFile.open(QIODevice::ReadOnly))
-            identity.setPrivateKey(QSslKey(&keyFile, QSsl::Rsa));
-        return identity;
-    }
-
-    static std::unique_ptr<QTcpServer> Secure(const QSslConfiguration& identity) {
-        auto server = std::make_unique<QSslServer>();
-        server->setSslConfiguration(identity);
-        return server;
-    }
     static QString SecureUrl(const ScriptedServer& server, const QString& path) {
         return u"https://"_s + server.Address() + path;
     }
@@ -67,7 +39,8 @@ private:
 private Q_SLOTS:
     void initTestCase() {
         QVERIFY(QSslSocket::supportsSsl());
-        QVERIFY2(!Identity(u"trusted"_s).localCertificate().isNull(), "openssl makes the certificates");
+        QVERIFY2(!m_identities.Make(u"trusted"_s).localCertificate().isNull(),
+                 "openssl makes the certificates");
     }
     void init() {
         m_sequence.reset();
@@ -84,13 +57,13 @@ private Q_SLOTS:
     }
     void cleanup() {
         m_inet.Cancel();
-        QSslConfiguration::setDefaultConfiguration(m_before);
+        m_identities.TrustNone();
     }
 
     void RedirectionFromHttpToHttpsIsFollowed() {
         const QSslConfiguration identity = TrustedIdentity();
         ScriptedServer secure([](const QByteArray&) { return Elements('s'); }, QHostAddress::LocalHost,
-                              Secure(identity));
+                              TestIdentities::Server(identity));
         ScriptedServer plain(RedirectionTo(SecureUrl(secure, u"/moved.txt"_s)));
         Download(plain);
         QCOMPARE(m_messages, QStringList{u"The Keps have been downloaded."_s});
@@ -101,10 +74,10 @@ private Q_SLOTS:
     void RedirectionFromHttpsToHttpsIsFollowed() {
         const QSslConfiguration identity = TrustedIdentity();
         ScriptedServer last([](const QByteArray&) { return Elements('l'); }, QHostAddress::LocalHost,
-                            Secure(identity));
+                            TestIdentities::Server(identity));
         Answer onwards = RedirectionTo(SecureUrl(last, u"/last.txt"_s));
         ScriptedServer secure([&](const QByteArray&) { return onwards; }, QHostAddress::LocalHost,
-                              Secure(identity));
+                              TestIdentities::Server(identity));
         ScriptedServer plain(RedirectionTo(SecureUrl(secure, u"/moved.txt"_s)));
         Download(plain);
         QCOMPARE(Kept(), QByteArray(100, 'l') + "\r\n");
@@ -115,7 +88,7 @@ private Q_SLOTS:
         ScriptedServer insecure(Elements('i'));
         Answer back = RedirectionTo(insecure.Url());
         ScriptedServer secure([&](const QByteArray&) { return back; }, QHostAddress::LocalHost,
-                              Secure(identity));
+                              TestIdentities::Server(identity));
         ScriptedServer plain(RedirectionTo(SecureUrl(secure, u"/moved.txt"_s)));
         Download(plain);
         QCOMPARE(secure.Requests().size(), 1);
@@ -130,7 +103,7 @@ private Q_SLOTS:
 
     void ServerForWhomNobodyVouchesIsAnErrorAndGetsNoRequest() {
         ScriptedServer secure([](const QByteArray&) { return Elements('s'); }, QHostAddress::LocalHost,
-                              Secure(Identity(u"stranger"_s)));
+                              TestIdentities::Server(m_identities.Make(u"stranger"_s)));
         ScriptedServer plain(RedirectionTo(SecureUrl(secure, u"/moved.txt"_s)));
         Download(plain);
         QVERIFY2(m_lines.last().startsWith(u"Error - %1 "_s.arg(int(QNetworkReply::SslHandshakeFailedError))),
@@ -145,7 +118,7 @@ private Q_SLOTS:
             ScriptedServer::Http("401 Unauthorized", "who are you",
                                  "WWW-Authenticate: Basic realm=\"a\"\r\nContent-Length: 11\r\n")};
         ScriptedServer secure([&](const QByteArray&) { return challenge; }, QHostAddress::LocalHost,
-                              Secure(identity));
+                              TestIdentities::Server(identity));
         const Answer onwards = RedirectionTo(SecureUrl(secure, u"/moved.txt"_s));
         ScriptedServer plain([&](const QByteArray& request) {
             return request.contains("Authorization: ") ? onwards : challenge;
@@ -162,10 +135,8 @@ private Q_SLOTS:
 private:
     // One that the program trusts, until the end of the test.
     QSslConfiguration TrustedIdentity() const {
-        QSslConfiguration identity = Identity(u"trusted"_s);
-        QSslConfiguration trusting = m_before;
-        trusting.addCaCertificate(identity.localCertificate());
-        QSslConfiguration::setDefaultConfiguration(trusting);
+        QSslConfiguration identity = m_identities.Make(u"trusted"_s);
+        m_identities.Trust(identity);
         return identity;
     }
 };
