@@ -91,6 +91,34 @@ class History(StationTest):
         self.end(process)
         self.assertEqual((read[-1]["from"], read[-1]["to"]), ("low warning", "normal"))
 
+    def test_a_log_is_counted_taken_in_and_taken_back(self):
+        log = self.scratch / "20261121.TXT"
+        log.write_bytes(b"12:00:01R QIRAN-3>APRS Port=1 <UI Len=33 PF=0>:\r\nT#7,150,147,80,170,0,0,00111111,0\r\n\r\n"
+                        b"12:00:05R N0CALL>CQ Port=1 <UI Len=5>:\r\nhello\r\n\r\n")
+        before = self.contents()
+        counted = self.call("import", "--dry-run", log)
+        self.assertIn("frames that come in: 1", counted)
+        self.assertIn("frames of others: 1", counted)
+        self.assertEqual(self.contents(), before)
+        self.call("import", "--zone", "Europe/Berlin", log)
+        found = records(self.call("history", "--format", "json"))
+        self.assertEqual([one["utc"] for one in found], ["2026-11-21T11:00:01.000Z"] * 4)
+        self.assertIn("known already: 1", self.call("import", "--zone", "Europe/Berlin", log))
+        self.call("import", "--undo")
+        self.assertEqual(self.call("history", "--format", "json"), "")
+        self.call("import", "--zone", "Nowhere/Else", log, code=2)
+        self.call("import", code=2)
+        self.call("import", self.scratch / "missing", code=1)
+
+    def test_no_import_while_a_station_runs(self):
+        process = self.listen("--format", "json")
+        self.connected(process)
+        log = self.scratch / "20261121.TXT"
+        log.write_bytes(b"")
+        self.call("import", log, code=1)
+        self.assertIn("is held by process", self.said)
+        self.end(process)
+
     def test_wrong_lines_of_channels_are_said(self):
         (self.folder / "channels.txt").write_text("B,POWER,Batt A,V,,7,,,1\nB,POWER,Nothing,,,,,,\n", encoding="utf-8")
         process = self.listen("--format", "json")

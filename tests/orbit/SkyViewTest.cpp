@@ -112,10 +112,12 @@ void SkyViewTest::valuesAreThoseOfTheMoment() {
     const SatPosition position = f.sats.PositionAt(QStringLiteral("90417"), f.sats.datGmtTime()).value();
     QCOMPARE(f.Value(QStringLiteral("Azimuth")), QString::number(position.dblAz, 'f', 1) + u'°');
     QCOMPARE(f.Value(QStringLiteral("Elevation")), QString::number(position.dblEl, 'f', 1) + u'°');
-    QCOMPARE(f.Value(QStringLiteral("Range")), QString::number(position.dblRange, 'f', 0) + QStringLiteral(" km"));
+    QCOMPARE(f.Value(QStringLiteral("Range")),
+             QString::number(position.dblRange, 'f', 0) + QStringLiteral(" km"));
     QCOMPARE(f.Value(QStringLiteral("Range rate")),
              QString::number(position.dblRangeRate, 'f', 3) + QStringLiteral(" km/s"));
-    QCOMPARE(f.Value(QStringLiteral("Altitude")), QString::number(position.dblAltitude, 'f', 0) + QStringLiteral(" km"));
+    QCOMPARE(f.Value(QStringLiteral("Altitude")),
+             QString::number(position.dblAltitude, 'f', 0) + QStringLiteral(" km"));
     // Both are met somewhere on an orbit at this time of the year.
     QSet<QString> lights;
     for (int minute = 0; minute < 100; ++minute) {

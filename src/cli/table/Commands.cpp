@@ -13,6 +13,7 @@ int ConfigSet(const Session& session);
 int Events(const Session& session);
 int Generate(const Session& session);
 int History(const Session& session);
+int Import(const Session& session);
 int Decode(const Session& session);
 int KepsFetch(const Session& session);
 int KepsList(const Session& session);
@@ -89,6 +90,16 @@ std::span<const Command> All() {
          .arguments = {},
          .options = {&since, &until, &side, &channel, &format, &local},
          .run = Events},
+        {.name = u"import",
+         .summary = u"Brings logs and recordings into the history.",
+         .description =
+             u"Understands this program's traffic logs, TNC2 monitor lines with a time, KISS recordings and "
+             u"other stations' tlm.txt. Counts what comes in, then takes it in as a whole or not at all; the "
+             u"history from before stays as tlm.before-import.txt. No station may be running in the program "
+             u"folder.",
+         .arguments = {{.name = u"FILE", .isOptional = true, .isRepeated = true}},
+         .options = {&zone, &dryRun, &undo},
+         .run = Import},
         {.name = u"config list",
          .summary = u"All settings.",
          .description =

@@ -107,6 +107,15 @@ inline constexpr Option fetchKeps{
 inline constexpr Option check{.name = u"check",
                               .help = u"Decode nothing, but name every line of the program folder's "
                                       u"formula.txt and channels.txt that is wrong."};
+inline constexpr Option zone{
+    .name = u"zone",
+    .value = u"utc|local|ZONE",
+    .takes = Takes::Text,
+    .help =
+        u"Of times without one, in logs for example: utc (unless told otherwise), local, or a name such as "
+        u"Europe/Berlin."};
+inline constexpr Option dryRun{.name = u"dry-run", .help = u"Only count what would come in."};
+inline constexpr Option undo{.name = u"undo", .help = u"Take the last import back."};
 inline constexpr Option force{.name = u"force",
                               .help = u"Also within two hours of the last download that was a success."};
 

@@ -109,8 +109,8 @@ constexpr Setting mapLeft{u"SETUP", u"MAP_LEFT", u""}; // default: where the win
 constexpr Setting mapTop{u"SETUP", u"MAP_TOP", u""};
 
 // How the sky is drawn: chosen in its window.
-inline constexpr Setting skyEastLeft{
-    u"SETUP", u"SKY_EAST_LEFT", u"FALSE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
+inline constexpr Setting skyEastLeft{u"SETUP", u"SKY_EAST_LEFT",    u"FALSE", SettingType::Boolean, 0,
+                                     0,        FirstWrite::OnChange};
 
 // In USER.INI, the file of an APRS program.
 constexpr Setting aprsSymbol{u"APRS", u"APRS_SYMBOL_CHARACTER", u"-"};
