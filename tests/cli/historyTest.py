@@ -95,11 +95,12 @@ class History(StationTest):
         log = self.scratch / "20261121.TXT"
         log.write_bytes(b"12:00:01R QIRAN-3>APRS Port=1 <UI Len=33 PF=0>:\r\nT#7,150,147,80,170,0,0,00111111,0\r\n\r\n"
                         b"12:00:05R N0CALL>CQ Port=1 <UI Len=5>:\r\nhello\r\n\r\n")
-        before = self.contents()
+        files = lambda: {name: content for name, (content, _) in self.contents().items()}
+        before = files()
         counted = self.call("import", "--dry-run", log)
         self.assertIn("frames that come in: 1", counted)
         self.assertIn("frames of others: 1", counted)
-        self.assertEqual(self.contents(), before)
+        self.assertEqual(files(), before)
         self.call("import", "--zone", "Europe/Berlin", log)
         found = records(self.call("history", "--format", "json"))
         self.assertEqual([one["utc"] for one in found], ["2026-11-21T11:00:01.000Z"] * 4)
