@@ -7,12 +7,11 @@
 #include <QStringList>
 
 #include <optional>
-#include <utility>
 
 /// What the user gave a command: checked values of its options, and its arguments.
 class Call {
 public:
-    void Set(const Option& option, OptionValue value) { m_values.insert(&option, std::move(value)); }
+    void Set(const Option& option, const OptionValue& value) { m_values.insert(&option, value); }
     void AddArgument(const QString& argument) { m_arguments.append(argument); }
 
     bool Has(const Option& option) const { return m_values.contains(&option); }

@@ -25,7 +25,7 @@ Decimal ToDecimal(double value) {
     Decimal number;
     if (exponent < 0) {
         number.whole = "0";
-        number.fraction = std::string(static_cast<std::size_t>(-exponent - 1), '0') + digits;
+        number.fraction.assign(static_cast<unsigned>(-exponent) - 1U, '0').append(digits);
     } else {
         const auto wholeDigits = static_cast<std::size_t>(exponent) + 1;
         if (digits.size() < wholeDigits)
