@@ -327,7 +327,7 @@ void KissLinkTest::whatIsHeardIsHandedOn() {
     Connect();
     m_tnc->Send(Kiss(Raw("T#001")));
     QTRY_COMPARE(m_heard.size(), 1);
-    const Kept& frame = m_heard[0];
+    const Kept frame = m_heard[0];
     QCOMPARE(frame.utc, m_clock.Milliseconds());
     QCOMPARE(frame.kind, 'U');
     QCOMPARE(frame.port, 1);

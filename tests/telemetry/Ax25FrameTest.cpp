@@ -83,8 +83,8 @@ TEST(Ax25Frame, badAddressesAreRefused) {
 }
 
 TEST(Ax25Frame, reservedBitsAreNotLookedAt) {
-    const auto frame =
-        Ax25Frame::FromBytes(Address("APRS  ", '\x00') + Address("XQ9ZZ ", '\x01') + "\x03\xf0x");
+    const std::string bytes = Address("APRS  ", '\x00') + Address("XQ9ZZ ", '\x01') + "\x03\xf0x";
+    const auto frame = Ax25Frame::FromBytes(bytes);
     ASSERT_TRUE(frame);
     EXPECT_EQ(frame->ToBytes(), twoAddresses + "\x03\xf0x");
 }

@@ -121,6 +121,9 @@ bool FieldGuard::eventFilter(QObject* watched, QEvent* event) {
 }
 
 const FieldGuard::Field* FieldGuard::FieldOf(const QObject* object) const {
+    // A field that is being destroyed loses the focus as a mere widget, and is none of ours any more.
+    if (qobject_cast<const QLineEdit*>(object) == nullptr)
+        return nullptr;
     const auto found = std::ranges::find_if(
         m_fields, [&](const Field& field) { return field.edit != nullptr && field.edit == object; });
     return found == m_fields.end() ? nullptr : &*found;

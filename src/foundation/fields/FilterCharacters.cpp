@@ -38,7 +38,10 @@ public:
     }
 
     bool eventFilter(QObject*, QEvent* event) override {
-        if (m_field->isReadOnly())
+        // Other events come also to a field that is being destroyed, and is no line edit any more.
+        const bool isInput = event->type() == QEvent::KeyPress || event->type() == QEvent::Drop ||
+                             event->type() == QEvent::InputMethod;
+        if (!isInput || m_field->isReadOnly())
             return false;
         switch (event->type()) {
         case QEvent::KeyPress:

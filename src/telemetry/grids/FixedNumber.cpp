@@ -24,7 +24,7 @@ Decimal ToDecimal(double value) {
     digits.erase(1, 1); // "."
     Decimal number;
     if (exponent < 0) {
-        number.whole = "0";
+        number.whole.assign(1, '0');
         number.fraction.assign(static_cast<unsigned>(-exponent) - 1U, '0').append(digits);
     } else {
         const auto wholeDigits = static_cast<std::size_t>(exponent) + 1;

@@ -113,7 +113,8 @@ bool TelemetryHistory::ReadOn(QFile& file, const Progress& progress, bool isOpen
         if (text.size() == buffer.size())
             passed += std::exchange(text, {}).size();
         held = text.size();
-        std::memmove(buffer.data(), text.data(), held);
+        if (held > 0)
+            std::memmove(buffer.data(), text.data(), held);
         if (progress && !progress(m_position, total))
             return false;
     }
