@@ -3,7 +3,6 @@
 #include <QDateTime>
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -24,8 +23,7 @@ std::vector<qint64> Candidates(const QTimeZone& zone, qint64 local) {
             found.push_back(utc);
     }
     std::ranges::sort(found);
-    const auto same = std::ranges::unique(found);
-    found.erase(same.begin(), same.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
     return found;
 }
 
@@ -40,9 +38,9 @@ qint64 Choose(const std::vector<qint64>& candidates, std::optional<qint64> last)
 ImportZone::ImportZone()
     : ImportZone(QTimeZone::utc(), QTimeZone::systemTimeZone()) {}
 
-ImportZone::ImportZone(QTimeZone zone, QTimeZone dates)
-    : m_zone(std::move(zone))
-    , m_dates(std::move(dates)) {}
+ImportZone::ImportZone(const QTimeZone& zone, const QTimeZone& dates)
+    : m_zone(zone)
+    , m_dates(dates) {}
 
 std::optional<ImportZone> ImportZone::Named(const QString& name) {
     const QTimeZone local = QTimeZone::systemTimeZone();

@@ -26,7 +26,7 @@ public:
     std::optional<qint64> UtcOn(const QDate& date, qint64 timeOfDay, std::optional<qint64> last) const;
 
 private:
-    ImportZone(QTimeZone zone, QTimeZone dates);
+    ImportZone(const QTimeZone& zone, const QTimeZone& dates);
 
     QTimeZone m_zone;
     QTimeZone m_dates; // of the names of files
