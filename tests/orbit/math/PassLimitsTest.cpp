@@ -152,7 +152,7 @@ TEST(PassLimitsTest, WhereTheOrbitEntersTheEarthTheSearchEnds) {
         const double perigee = 6300; // km
         const double axis = perigee / (1 - eccentricity);
         const double revolutions = 86400 / twoPi * std::sqrt(398600.8 / (axis * axis * axis));
-        for (double anomaly = 20; anomaly < 340; anomaly += 17) {
+        for (double anomaly = 20; anomaly < 340; anomaly += 29) {
             const Elements elements = Orbit(63, 40, eccentricity, 300, anomaly, revolutions);
             const double start = elements.epochUtc;
             const Propagator propagator(elements);
@@ -160,12 +160,12 @@ TEST(PassLimitsTest, WhereTheOrbitEntersTheEarthTheSearchEnds) {
                 continue;
             double entry = 0; // seconds after the start
             while (propagator.At(entry / 60) && entry < 3 * secondsPerDay)
-                entry += 0.5;
+                entry += 1;
             ++endings;
             for (const double latitude : {-45.0, 10.0, 60.0}) {
                 const Sky sky(elements, latitude, 10 * anomaly, start);
                 const PassList found = sky.Find(3);
-                const std::vector<Pass> scanned = ScanAcrossFailures(sky, start, entry, 0.5);
+                const std::vector<Pass> scanned = ScanAcrossFailures(sky, start, entry, 2);
                 EXPECT_EQ(found.error, PropagationError::None);
                 ASSERT_EQ(found.passes.size(), scanned.size())
                     << eccentricity << ' ' << anomaly << ' ' << latitude;
@@ -175,8 +175,8 @@ TEST(PassLimitsTest, WhereTheOrbitEntersTheEarthTheSearchEnds) {
             }
         }
     }
-    EXPECT_GT(endings, 60);
-    EXPECT_GT(passes, 20U);
+    EXPECT_GT(endings, 30);
+    EXPECT_GT(passes, 10U);
 }
 
 TEST(PassLimitsTest, TimesAtWhichSunAndMoonMakeTheElementsFailAreBridged) {
