@@ -110,7 +110,7 @@ class Packages(unittest.TestCase):
         call("tar", "-xzf", self.archive, "-C", self.scratch)
         folder = next(self.scratch.glob("QiranDecode-*"))
         self.assertEqual(files_of(folder), {"QiranDecode", "qirandecode-cli", "world.gif", "qirandecode.HLP", "formula.example.txt",
-                                            "frequencies.example.txt", "horizon.example.txt",
+                                            "channels.example.txt", "frequencies.example.txt", "horizon.example.txt",
                                             "LICENSE", "README.md"})
         shutil.copy(folder / "formula.example.txt", folder / "formula.txt")
         self.run_report(folder / "QiranDecode")
