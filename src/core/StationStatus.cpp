@@ -3,6 +3,7 @@
 #include "core/GroundStation.h"
 #include "foundation/text/Text.h"
 #include "orbit/panel/TrackingDisplay.h"
+#include "telemetry/calibration/GridLayout.h"
 #include "telemetry/frames/ByteViews.h"
 
 #include <algorithm>
@@ -29,6 +30,13 @@ QString Countdown(double seconds) {
 StationStatus::StationStatus(GroundStation& station)
     : m_station(station) {
     m_station.heard.Add([this](const HeardFrame& frame) { Take(frame); });
+    QObject::connect(&m_station, &GroundStation::LimitCrossed, &m_station, [this](const LimitEvent& event) {
+        m_event = QStringLiteral("%1 %2 %3: %4")
+                      .arg(event.cell.side == 0 ? QLatin1StringView("A") : QLatin1StringView("B"),
+                           QLatin1StringView(GridLayout::Tag(event.cell.grid)),
+                           QLatin1StringView(GridLayout::RowName(event.cell.grid, event.cell.row)),
+                           QLatin1StringView(LevelName(event.to)));
+    });
 }
 
 void StationStatus::Take(const HeardFrame& frame) {

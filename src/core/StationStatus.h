@@ -34,9 +34,6 @@ public:
 
     StatusTexts Now();
 
-    /// The newest event, until somebody has looked at it.
-    void SetEvent(const QString& text) { m_event = text; }
-
     /// The rise that `Now` counted down to, date-time UTC, and how high that pass becomes, degrees.
     struct Rise {
         DateTime utc = 0.0;

@@ -16,6 +16,7 @@ private Q_SLOTS:
     void theElementsAgeIsNamed();
     void theNextRiseCountsDown();
     void withoutAPositionNothingRises();
+    void theLastEventIsNamed();
 };
 
 namespace {
@@ -125,6 +126,20 @@ void StationStatusTest::withoutAPositionNothingRises() {
     QCOMPARE(rig.station->Start(), GroundStation::Outcome::Started);
     QCOMPARE(status.Now().nextRise, QString());
     QVERIFY(!status.NextRise());
+}
+
+void StationStatusTest::theLastEventIsNamed() {
+    StationRig rig;
+    rig.folder.Write(u"channels.txt"_s, "A,TEMP,X+,,,5,,,1\n");
+    StationStatus status(*rig.station);
+    QCOMPARE(rig.station->Start(), GroundStation::Outcome::Started);
+    HeardFrame frame = Heard(rig, "XQ9ZZ-1");
+    frame.information = "T#1,10,20,30,40,0,0,00101111,0";
+    rig.station->heard.Hand(frame);
+    QCOMPARE(status.Now().event, QString());
+    frame.information = "T#2,1,20,30,40,0,0,00101111,0";
+    rig.station->heard.Hand(frame);
+    QCOMPARE(status.Now().event, u"A TEMP X+: low warning"_s);
 }
 
 QTEST_GUILESS_MAIN(StationStatusTest)

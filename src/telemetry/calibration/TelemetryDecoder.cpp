@@ -2,6 +2,7 @@
 
 #include "foundation/text/Text.h"
 #include "telemetry/frames/ByteViews.h"
+#include "telemetry/frames/FrameType.h"
 
 #include <algorithm>
 
@@ -10,11 +11,6 @@ namespace {
 constexpr std::size_t sequenceField = 0;
 constexpr std::size_t firstChannelField = 1;
 constexpr std::size_t typeField = 7;
-
-// The value of one character; 0 for one that the field lacks.
-int DigitAt(std::string_view field, std::size_t at) {
-    return at < field.size() ? static_cast<int>(Text::LeadingNumber(field.substr(at, 1))) : 0;
-}
 
 } // namespace
 
@@ -35,12 +31,11 @@ void TelemetryDecoder::DecodeTelemetry(const HeardFrame& frame, QByteArrayView l
     const auto fields = SplitAtCommas<TelemetryFrame::fieldsInLine>(ToView(line));
     if (!fields)
         return;
-    const std::string_view type = (*fields)[typeField];
     TelemetryFrame decoded{.utc = frame.utc,
                            .origin = frame.origin,
                            .source = frame.source,
                            .side = SideIndexOf(frame.source),
-                           .frameType = 2 * DigitAt(type, 2) + DigitAt(type, 3), // the map ends at 3
+                           .frameType = FrameTypeOf((*fields)[typeField]),
                            .line = line};
     std::ranges::copy(*fields, decoded.fields.begin());
     for (int channel = 0; channel < ChannelMap::channels; ++channel)
