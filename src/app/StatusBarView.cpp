@@ -1,11 +1,11 @@
 #include "app/StatusBarView.h"
 
+#include "app/SteadyBox.h"
+
 #include <QLabel>
 #include <QToolButton>
 
 namespace {
-
-constexpr int refreshInterval = 1000; // ms
 
 // Amber that reads on light and on dark ground alike.
 void Mark(QLabel* label, bool isMarked) {
@@ -22,7 +22,6 @@ void Mark(QLabel* label, bool isMarked) {
 StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     : QStatusBar(parent)
     , m_status(status)
-    , m_timer(this)
     , labLink(Add(QStringLiteral("labLink"), tr("Link"), 0))
     , labLastFrame(Add(QStringLiteral("labLastFrame"), tr("Last frame heard"), 0))
     , labToday(Add(QStringLiteral("labToday"), tr("Frames of the satellite today"), 0))
@@ -38,26 +37,18 @@ StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     cmdSky->setFocusPolicy(Qt::TabFocus);
     connect(cmdSky, &QToolButton::clicked, this, &StatusBarView::SkyRequested);
     addPermanentWidget(cmdSky);
-    m_timer.setObjectName(QStringLiteral("timStatus"));
-    m_timer.setInterval(refreshInterval);
-    connect(&m_timer, &QTimer::timeout, this, &StatusBarView::Refresh);
 }
 
 QLabel* StatusBarView::Add(const QString& name, const QString& accessibleName, int stretch) {
-    auto* label = new QLabel(this);
+    auto* label = new QLabel;
     label->setObjectName(name);
     label->setAccessibleName(accessibleName);
     label->setToolTip(accessibleName);
     label->setTextFormat(Qt::PlainText);
-    label->setMinimumWidth(1); // a long text makes no window wider
     label->setIndent(label->fontMetrics().averageCharWidth());
-    addWidget(label, stretch);
+    label->setAutoFillBackground(true); // what lies behind it need not be painted again for a few letters
+    addWidget(new SteadyBox(label), stretch);
     return label;
-}
-
-void StatusBarView::Start() {
-    m_timer.start();
-    Refresh();
 }
 
 void StatusBarView::Refresh() {

@@ -3,7 +3,6 @@
 #include "core/StationStatus.h"
 
 #include <QStatusBar>
-#include <QTimer>
 
 class QLabel;
 
@@ -14,11 +13,7 @@ public:
     /// `status` must outlive the view.
     explicit StatusBarView(StationStatus& status, QWidget* parent = nullptr);
 
-    /// Begins to follow the status, and ends.
-    void Start();
-    void Stop() { m_timer.stop(); }
-
-    /// Shows the status as it is now.
+    /// Shows the status as it is now; called once a second.
     void Refresh();
 
 Q_SIGNALS:
@@ -30,7 +25,6 @@ private:
 
     StationStatus& m_status;
     StatusTexts m_shown;
-    QTimer m_timer;
     QLabel* labLink;
     QLabel* labLastFrame;
     QLabel* labToday;

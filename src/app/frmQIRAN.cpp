@@ -50,7 +50,12 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     m_ground.setParent(this); // its timers are found by name below the window
     m_timer1.setObjectName(QStringLiteral("Timer1"));
     m_timer1.setInterval(1000);
-    connect(&m_timer1, &QTimer::timeout, this, [this] { m_framLocation->Tick(); });
+    // One timer for all that changes with the second: what changes together is painted together.
+    connect(&m_timer1, &QTimer::timeout, this, [this] {
+        m_framLocation->Tick();
+        if (!staStatus->isHidden())
+            staStatus->Refresh();
+    });
     LayOut();
     ConnectMenu(*m_menu);
 }
@@ -172,7 +177,7 @@ void frmQIRAN::Show() {
     QString showStatus = Settings::Peek(m_ground.cIni, Settings::statusShow);
     staStatus->setVisible(clsIni::IsItTrue(showStatus));
     if (!staStatus->isHidden())
-        staStatus->Start();
+        staStatus->Refresh();
     show();
 }
 
@@ -289,7 +294,6 @@ void frmQIRAN::closeEvent(QCloseEvent* event) {
 
 void frmQIRAN::ReleaseWindows() {
     m_timer1.stop();
-    staStatus->Stop();
     m_terminal.reset();
     if (frmSky* sky = m_sky) {
         sky->close();

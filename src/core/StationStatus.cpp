@@ -16,6 +16,13 @@ constexpr double searchAgain = 1.0 / 24.0; // days
 constexpr double lastSeconds = 120.0;      // of a countdown, which shows them
 constexpr int minutesOfAnHour = 60;
 
+constexpr int retryStep =
+    5000; // milliseconds: a line that changes every second would catch the eye, and cost
+
+int RoundUp(int value, int step) {
+    return (value + step - 1) / step * step;
+}
+
 QString Countdown(double seconds) {
     if (seconds < lastSeconds)
         return QStringLiteral("%1 s").arg(std::max(0LL, std::llround(seconds)));
@@ -66,7 +73,7 @@ QString StationStatus::Link() const {
     if (m_station.link.blnConectedToAgw())
         return QStringLiteral("Connected to %1").arg(m_station.link.HostName());
     if (const int wait = m_station.link.RetryIn(); wait >= 0)
-        return QStringLiteral("Retrying in %1 s").arg((wait + 999) / 1000);
+        return QStringLiteral("Retrying in %1 s").arg(RoundUp(wait, retryStep) / 1000);
     return QStringLiteral("Connecting to %1").arg(m_station.link.HostName());
 }
 
