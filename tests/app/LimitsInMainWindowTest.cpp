@@ -12,6 +12,7 @@ private Q_SLOTS:
     void anEventIsShownUntilItIsLookedAt();
     void anEventIsANoticeOnlyWhereItIsAskedFor_data();
     void anEventIsANoticeOnlyWhereItIsAskedFor();
+    void aValueOutsideItsLimitsIsMarkedInItsGrid();
 
 private:
     static void Hear(const MainWindowRig& rig, int sequence, int raw);
@@ -78,6 +79,23 @@ void LimitsInMainWindowTest::anEventIsANoticeOnlyWhereItIsAskedFor() {
     QVERIFY(rig.Start());
     Hear(rig, 1, 1);
     QTEST(rig.notices.shown, "shown");
+}
+
+void LimitsInMainWindowTest::aValueOutsideItsLimitsIsMarkedInItsGrid() {
+    MainWindowRig rig;
+    rig.folder.Write(u"channels.txt"_s, "A,TEMP,X+,degC,,5,,,1\n");
+    QVERIFY(rig.Start());
+    const QModelIndex cell = rig.Find<QTableView>("gTlm2")->model()->index(0, TelemetryGrid::ValueA);
+    Hear(rig, 1, 10);
+    QCOMPARE(cell.data(TelemetryGrid::LevelRole).toInt(), 0);
+    QCOMPARE(cell.data(TelemetryGrid::LimitText).toString(), u"10.0 degC"_s);
+    Hear(rig, 2, 1);
+    QCOMPARE(cell.data(TelemetryGrid::LevelRole).toInt(), static_cast<int>(Level::LowWarning));
+    QCOMPARE(cell.data(TelemetryGrid::LimitText).toString(), u"1.0 degC, low warning"_s);
+    rig.clock.Advance(86401.0);
+    QCOMPARE(cell.data(Qt::AccessibleTextRole).toString(), u"X+, A: 1.0, low warning, older than 24 hours"_s);
+    Hear(rig, 3, 10);
+    QCOMPARE(cell.data(TelemetryGrid::LevelRole).toInt(), 0);
 }
 
 QTEST_MAIN(LimitsInMainWindowTest)
