@@ -2,6 +2,7 @@
 
 #include "app/SteadyBox.h"
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QToolButton>
 
@@ -27,9 +28,10 @@ StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     , labToday(Add(QStringLiteral("labToday"), tr("Frames of the satellite today"), 0))
     , labElements(Add(QStringLiteral("labElements"), tr("Age of the elements"), 0))
     , labNextRise(Add(QStringLiteral("labNextRise"), tr("Next rise"), 0))
-    , labEvent(Add(QStringLiteral("labEvent"), tr("Last event"), 1)) {
+    , labEvent(new QToolButton(this)) {
     setObjectName(QStringLiteral("staStatus"));
     setSizeGripEnabled(false);
+    AddEvent();
     auto* cmdSky = new QToolButton(this);
     cmdSky->setObjectName(QStringLiteral("cmdSky"));
     cmdSky->setText(tr("&Sky"));
@@ -51,6 +53,42 @@ QLabel* StatusBarView::Add(const QString& name, const QString& accessibleName, i
     return label;
 }
 
+// A button, so that a key opens the event as a click does. It stands there while there is one.
+void StatusBarView::AddEvent() {
+    labEvent->setObjectName(QStringLiteral("labEvent"));
+    labEvent->setAutoRaise(true);
+    labEvent->setFocusPolicy(Qt::TabFocus);
+    labEvent->setMinimumWidth(1);
+    labEvent->installEventFilter(this);
+    addWidget(labEvent);
+    labEvent->hide();
+    connect(labEvent, &QToolButton::clicked, this, [this] {
+        const std::optional<LimitEvent> event = m_status.Event();
+        m_status.EventSeen();
+        Refresh();
+        if (event)
+            Q_EMIT EventRequested(event->utc);
+    });
+}
+
+void StatusBarView::ShowEvent(const QString& text) {
+    labEvent->setText(text);
+    labEvent->setToolTip(tr("Last event: %1").arg(text));
+    labEvent->setAccessibleName(labEvent->toolTip());
+    labEvent->setVisible(!text.isEmpty());
+}
+
+bool StatusBarView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == labEvent && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            labEvent->click();
+            return true;
+        }
+    }
+    return QStatusBar::eventFilter(watched, event);
+}
+
 void StatusBarView::Refresh() {
     const StatusTexts texts = m_status.Now();
     const auto show = [](QLabel* label, const QString& text) {
@@ -64,7 +102,8 @@ void StatusBarView::Refresh() {
     show(labToday, texts.today);
     show(labElements, texts.elements);
     show(labNextRise, texts.nextRise);
-    show(labEvent, texts.event);
+    if (labEvent->text() != texts.event)
+        ShowEvent(texts.event);
     if (texts.areElementsOld != m_shown.areElementsOld)
         Mark(labElements, texts.areElementsOld);
     m_shown = texts;

@@ -5,6 +5,7 @@
 #include <QStatusBar>
 
 class QLabel;
+class QToolButton;
 
 /// The line at the foot of the main window. Its labels change when what they say does, at most once a second.
 class StatusBarView : public QStatusBar {
@@ -20,7 +21,16 @@ Q_SIGNALS:
     /// The user asks for the sky.
     void SkyRequested();
 
+    /// The user asks for the last event, which counts as looked at: its time, milliseconds since 1970-01-01
+    /// 00:00 UTC.
+    void EventRequested(qint64 utc);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    void AddEvent();
+    void ShowEvent(const QString& text);
     QLabel* Add(const QString& name, const QString& accessibleName, int stretch);
 
     StationStatus& m_status;
@@ -30,5 +40,5 @@ private:
     QLabel* labToday;
     QLabel* labElements;
     QLabel* labNextRise;
-    QLabel* labEvent;
+    QToolButton* labEvent;
 };

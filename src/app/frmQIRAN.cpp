@@ -5,6 +5,7 @@
 #include "app/StatusBarView.h"
 #include "app/frmAbout.h"
 #include "core/Texts.h"
+#include "foundation/messages/DesktopNotices.h"
 #include "foundation/messages/mb.h"
 #include "foundation/placement/PlaceWindow.h"
 #include "foundation/placement/Twips.h"
@@ -39,8 +40,9 @@ constexpr std::chrono::milliseconds closeRetry(10); // while dialogs close
 
 } // namespace
 
-frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages)
+frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages, DesktopNotices& notices)
     : m_messages(messages)
+    , m_notices(notices)
     , m_ground(folder, clock, messages, *this)
     , m_status(m_ground)
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
@@ -158,6 +160,7 @@ void frmQIRAN::PrepareTracking() {
         m_framLocation->ShowCaption();
         m_framLocation->Refresh();
     });
+    connect(&m_ground, &GroundStation::LimitCrossed, this, &frmQIRAN::TellOfEvent);
     connect(&m_ground.link, &AgwLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
     ApplyStationPosition();
     m_framLocation->ShowCaption();
@@ -273,6 +276,11 @@ void frmQIRAN::DownloadKeps() {
     TellSky();
     m_framLocation->ShowCaption();
     m_framLocation->Refresh();
+}
+
+void frmQIRAN::TellOfEvent(const LimitEvent& event) {
+    if (Settings::IsOn(m_ground.cIni, Settings::noticeEvents))
+        m_notices.Show(Texts::Title(), Texts::Crossed(event));
 }
 
 void frmQIRAN::PurgeTelemetryFiles() {

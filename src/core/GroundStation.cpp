@@ -47,6 +47,8 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , m_gridValues(grids, [this](qint64 utc) { return m_frameTime.At(utc); })
     , m_events(folder.File(eventsFile),
                [this](const QString& reason) { ShowStatus(Texts::CannotWrite(eventsFile, reason)); }) {
+    for (const auto& grid : grids)
+        grid->ShowLimits(limits, [&clock] { return clock.Milliseconds(); });
     using Takes = FanOut<HeardFrame>::Takes;
     heard.Add([this](const HeardFrame& frame) { m_intake.Take(frame); });
     heard.Add([this](const HeardFrame& frame) { decoder.Take(frame); }, Takes::LiveAndReplayed);

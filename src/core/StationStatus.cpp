@@ -1,9 +1,9 @@
 #include "core/StationStatus.h"
 
 #include "core/GroundStation.h"
+#include "core/Texts.h"
 #include "foundation/text/Text.h"
 #include "orbit/panel/TrackingDisplay.h"
-#include "telemetry/calibration/GridLayout.h"
 #include "telemetry/frames/ByteViews.h"
 
 #include <algorithm>
@@ -37,13 +37,8 @@ QString Countdown(double seconds) {
 StationStatus::StationStatus(GroundStation& station)
     : m_station(station) {
     m_station.heard.Add([this](const HeardFrame& frame) { Take(frame); });
-    QObject::connect(&m_station, &GroundStation::LimitCrossed, &m_station, [this](const LimitEvent& event) {
-        m_event = QStringLiteral("%1 %2 %3: %4")
-                      .arg(event.cell.side == 0 ? QLatin1StringView("A") : QLatin1StringView("B"),
-                           QLatin1StringView(GridLayout::Tag(event.cell.grid)),
-                           QLatin1StringView(GridLayout::RowName(event.cell.grid, event.cell.row)),
-                           QLatin1StringView(LevelName(event.to)));
-    });
+    QObject::connect(&m_station, &GroundStation::LimitCrossed, &m_station,
+                     [this](const LimitEvent& event) { m_event = event; });
 }
 
 void StationStatus::Take(const HeardFrame& frame) {
@@ -63,7 +58,8 @@ StatusTexts StationStatus::Now() {
     texts.today = QStringLiteral("%1 today").arg(m_today);
     texts.link = Link();
     texts.lastFrame = LastFrame();
-    texts.event = m_event;
+    if (m_event)
+        texts.event = Texts::Crossed(*m_event);
     AddElements(texts);
     AddRise(texts);
     return texts;

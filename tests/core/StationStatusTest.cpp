@@ -16,7 +16,7 @@ private Q_SLOTS:
     void theElementsAgeIsNamed();
     void theNextRiseCountsDown();
     void withoutAPositionNothingRises();
-    void theLastEventIsNamed();
+    void theLastEventIsNamedUntilItWasSeen();
 };
 
 namespace {
@@ -128,7 +128,7 @@ void StationStatusTest::withoutAPositionNothingRises() {
     QVERIFY(!status.NextRise());
 }
 
-void StationStatusTest::theLastEventIsNamed() {
+void StationStatusTest::theLastEventIsNamedUntilItWasSeen() {
     StationRig rig;
     rig.folder.Write(u"channels.txt"_s, "A,TEMP,X+,,,5,,,1\n");
     StationStatus status(*rig.station);
@@ -140,6 +140,10 @@ void StationStatusTest::theLastEventIsNamed() {
     frame.information = "T#2,1,20,30,40,0,0,00101111,0";
     rig.station->heard.Hand(frame);
     QCOMPARE(status.Now().event, u"A TEMP X+: low warning"_s);
+    QCOMPARE(status.Event()->utc, frame.utc);
+    status.EventSeen();
+    QCOMPARE(status.Now().event, QString());
+    QVERIFY(!status.Event());
 }
 
 QTEST_GUILESS_MAIN(StationStatusTest)
