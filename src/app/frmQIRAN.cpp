@@ -161,7 +161,7 @@ void frmQIRAN::PrepareTracking() {
         m_framLocation->Refresh();
     });
     connect(&m_ground, &GroundStation::LimitCrossed, this, &frmQIRAN::TellOfEvent);
-    connect(&m_ground.link, &AgwLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
+    connect(&m_ground.link, &ChosenLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
     ApplyStationPosition();
     m_framLocation->ShowCaption();
     SetDueCaption();
@@ -261,7 +261,7 @@ void frmQIRAN::ShowStationInformation() {
 }
 
 void frmQIRAN::ShowAgwpeSetup() {
-    frmAgwpeSetup(m_ground.agw, m_ground.link, m_messages, this).exec();
+    frmAgwpeSetup(m_ground.agw, m_ground.link.Agw(), m_messages, this).exec();
 }
 
 void frmQIRAN::ShowCallsigns() {

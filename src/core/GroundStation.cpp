@@ -11,6 +11,7 @@
 #include "telemetry/monitor/DisplayKind.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <iostream>
 
@@ -26,7 +27,8 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , cSats(std::make_unique<KVRSatLib>(), clock)
     , station(cIni)
     , agw(cIni)
-    , link(agw, clock, this)
+    , kiss(cIni)
+    , link(agw, kiss, clock, this)
     , callsigns(cIni)
     , decoder(channelMap, formulae, callsigns)
     , terminal(cIni, clock, folder, station, link, messages,
@@ -46,19 +48,23 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , m_intake(callsigns, monitor, [this](qint64 utc) { return m_frameTime.At(utc); })
     , m_gridValues(grids, [this](qint64 utc) { return m_frameTime.At(utc); })
     , m_events(folder.File(eventsFile),
-               [this](const QString& reason) { ShowStatus(Texts::CannotWrite(eventsFile, reason)); }) {
+               [this](const QString& reason) { ShowStatus(Texts::CannotWrite(eventsFile, reason)); })
+    , m_recorder([this](const QString& reason) {
+        ShowStatus(Texts::CannotWrite(QFileInfo(RecordingPath()).fileName(), reason));
+    }) {
     for (const auto& grid : grids)
         grid->ShowLimits(limits, [&clock] { return clock.Milliseconds(); });
     using Takes = FanOut<HeardFrame>::Takes;
     heard.Add([this](const HeardFrame& frame) { m_intake.Take(frame); });
     heard.Add([this](const HeardFrame& frame) { decoder.Take(frame); }, Takes::LiveAndReplayed);
+    heard.Add([this](const HeardFrame& frame) { m_recorder.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { m_gridValues.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { history.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { limits.Take(frame); });
     m_intake.SetTerminal([this](QByteArrayView text, qint16 kind) { terminal.Take(text, kind); });
 
-    connect(&link, &AgwLink::Heard, this, [this](const HeardFrame& frame) { heard.Hand(frame); });
-    connect(&link, &AgwLink::StatusText, this, &GroundStation::ShowStatus);
+    connect(&link, &ChosenLink::Heard, this, [this](const HeardFrame& frame) { heard.Hand(frame); });
+    connect(&link, &ChosenLink::StatusText, this, &GroundStation::ShowStatus);
     connect(&m_elementsWatch, &ElementsWatch::Changed, this, [this] {
         LoadElements();
         Q_EMIT ElementsChanged();
@@ -117,6 +123,7 @@ void GroundStation::Stop() {
         return;
     m_isRunning = false;
     link.Stop();
+    StopRecording();
     m_elementsWatch.Stop();
     m_roof.ReleaseWindows();
     terminal.Close();
@@ -138,6 +145,34 @@ void GroundStation::ShowStatus(const QString& text) {
         Q_EMIT StatusLine(line);
 }
 
+void GroundStation::UseKiss(bool isKiss) {
+    if (isKiss == kiss.IsUsed())
+        return;
+    kiss.SetUsed(isKiss);
+    link.Connect();
+}
+
+void GroundStation::SetWantsRawFrames(RawTaker taker, bool wants) {
+    if (wants)
+        m_rawTakers.insert(taker);
+    else
+        m_rawTakers.erase(taker);
+    link.Agw().SetWantsRawFrames(!m_rawTakers.empty());
+}
+
+bool GroundStation::StartRecording(const QString& path) {
+    const bool isRecording = m_recorder.Start(path);
+    SetWantsRawFrames(RawTaker::Recording, isRecording);
+    if (!isRecording)
+        ShowStatus(Texts::CannotWrite(QFileInfo(path).fileName(), QStringLiteral("it is no recording")));
+    return isRecording;
+}
+
+void GroundStation::StopRecording() {
+    m_recorder.Stop();
+    SetWantsRawFrames(RawTaker::Recording, false);
+}
+
 void GroundStation::OpenTerminal() {
     terminal.Open();
     m_roof.LoadTerminal();
@@ -150,6 +185,7 @@ void GroundStation::LoadOptions() {
     m_intake.SetOnlyShowQiran(clsIni::IsItTrue(onlyShow));
     station.Load();
     agw.Load();
+    kiss.Load();
 }
 
 void GroundStation::RemoveOldKeys() {

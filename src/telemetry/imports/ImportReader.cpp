@@ -18,7 +18,6 @@ namespace {
 
 constexpr qint64 pieceSize = 65536;
 constexpr qsizetype exampleLength = 80;
-constexpr char frameMark = '\xC0'; // of KISS
 
 QByteArrayView Bytes(std::string_view text) {
     return {text.data(), static_cast<qsizetype>(text.size())};
@@ -50,9 +49,9 @@ bool ImportReader::Read(const QString& path, const Progress& progress) {
     if (!m_reason.isEmpty())
         return false;
     const QByteArray start = file.peek(pieceSize);
-    const bool isRead = IsHistory(ToView(start))      ? ReadHistory(path, progress)
-                        : start.startsWith(frameMark) ? ReadRecording(file, progress)
-                                                      : ReadText(file, progress);
+    const bool isRead = IsHistory(ToView(start))                ? ReadHistory(path, progress)
+                        : start.startsWith(RecordedFrame::mark) ? ReadRecording(file, progress)
+                                                                : ReadText(file, progress);
     if (file.error() != QFileDevice::NoError)
         m_reason = file.errorString();
     return isRead && m_reason.isEmpty();
