@@ -25,6 +25,9 @@ Q_SIGNALS:
     /// The user asks for the sky.
     void SkyRequested();
 
+    /// The user asks for the dialog of forwarding.
+    void ForwardingRequested();
+
 private:
     QLabel* Add(const QString& name, const QString& accessibleName, int stretch);
 

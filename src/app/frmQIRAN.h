@@ -63,6 +63,7 @@ private:
     void TellSky();
     void ShowStationInformation();
     void ShowAgwpeSetup();
+    void ShowForwarding();
     void ShowCallsigns();
     void DownloadKeps();
 

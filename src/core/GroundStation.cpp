@@ -1,6 +1,7 @@
 #include "core/GroundStation.h"
 
 #include "core/Roof.h"
+#include "core/SidsIdentity.h"
 #include "core/Texts.h"
 #include "core/Version.h"
 #include "foundation/messages/mb.h"
@@ -11,6 +12,7 @@
 #include "telemetry/monitor/DisplayKind.h"
 
 #include <QFile>
+#include <QRandomGenerator>
 
 #include <iostream>
 
@@ -28,6 +30,14 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , agw(cIni)
     , link(agw, clock, this)
     , callsigns(cIni)
+    , forwarder({.folder = folder,
+                 .ini = cIni,
+                 .clock = clock,
+                 .callsigns = callsigns,
+                 .post = forwardPost,
+                 .station = [this] { return SidsStationOf(station, satellites.At(0).strObjNum); },
+                 .random = [] { return QRandomGenerator::global()->generateDouble(); }},
+                this)
     , decoder(channelMap, formulae, callsigns)
     , terminal(cIni, clock, folder, station, link, messages,
                ProgramVersion{Version::major, Version::minor, Version::revision})
@@ -50,6 +60,7 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     using Takes = FanOut<HeardFrame>::Takes;
     heard.Add([this](const HeardFrame& frame) { m_intake.Take(frame); });
     heard.Add([this](const HeardFrame& frame) { decoder.Take(frame); }, Takes::LiveAndReplayed);
+    heard.Add([this](const HeardFrame& frame) { forwarder.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { m_gridValues.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { history.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { limits.Take(frame); });
@@ -57,6 +68,7 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
 
     connect(&link, &AgwLink::Heard, this, [this](const HeardFrame& frame) { heard.Hand(frame); });
     connect(&link, &AgwLink::StatusText, this, &GroundStation::ShowStatus);
+    connect(&forwarder, &Forwarder::StatusText, this, &GroundStation::ShowStatus);
     connect(&m_elementsWatch, &ElementsWatch::Changed, this, [this] {
         LoadElements();
         Q_EMIT ElementsChanged();
@@ -98,6 +110,7 @@ GroundStation::Outcome GroundStation::Start() {
     terminal.Open();
     m_roof.LoadTerminal();
     LoadLimits();
+    forwarder.Start();
     link.Connect();
     m_roof.Show();
     return Outcome::Started;
@@ -115,6 +128,7 @@ void GroundStation::Stop() {
         return;
     m_isRunning = false;
     link.Stop();
+    forwarder.Stop();
     m_elementsWatch.Stop();
     m_roof.ReleaseWindows();
     terminal.Close();

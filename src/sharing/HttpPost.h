@@ -6,6 +6,7 @@
 #include <QTimer>
 
 #include <chrono>
+#include <memory>
 
 class QNetworkReply;
 
@@ -34,7 +35,7 @@ private:
     void Read();
     void Finish(const QString& trouble);
 
-    QNetworkAccessManager m_network;
+    std::unique_ptr<QNetworkAccessManager> m_network; // from the first request on
     QTimer m_timeout;
     QNetworkReply* m_reply = nullptr;
     QByteArray m_page;
