@@ -6,7 +6,6 @@
 #include <QTimer>
 
 #include <chrono>
-#include <memory>
 
 class QNetworkReply;
 
@@ -35,7 +34,7 @@ private:
     void Read();
     void Finish(const QString& trouble);
 
-    std::unique_ptr<QNetworkAccessManager> m_network; // from the first request on
+    QNetworkAccessManager* m_network = nullptr; // from the first request on
     QTimer m_timeout;
     QNetworkReply* m_reply = nullptr;
     QByteArray m_page;
