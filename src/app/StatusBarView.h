@@ -25,6 +25,9 @@ Q_SIGNALS:
     /// 00:00 UTC.
     void EventRequested(qint64 utc);
 
+    /// The user asks for the dialog of forwarding.
+    void ForwardingRequested();
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -17,6 +17,7 @@
 #include "orbit/panel/framLocation.h"
 #include "orbit/predictions/frmPass.h"
 #include "orbit/skyview/frmSky.h"
+#include "sharing/frmForward.h"
 #include "station/identity/frmLocation.h"
 #include "station/terminal/frmTerm.h"
 #include "telemetry/callsigns/frmCalls.h"
@@ -152,6 +153,7 @@ void frmQIRAN::PrepareTracking() {
     });
     connect(m_framLocation, &framLocation::SkyRequested, this, &frmQIRAN::ShowSky);
     connect(staStatus, &StatusBarView::SkyRequested, this, &frmQIRAN::ShowSky);
+    connect(staStatus, &StatusBarView::ForwardingRequested, this, &frmQIRAN::ShowForwarding);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::TellSky);
     connect(m_framLocation, &framLocation::PassInfoRequested, this, &frmQIRAN::ShowPassPredictions);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
@@ -262,6 +264,10 @@ void frmQIRAN::ShowStationInformation() {
 
 void frmQIRAN::ShowAgwpeSetup() {
     frmAgwpeSetup(m_ground.agw, m_ground.link.Agw(), m_messages, this).exec();
+}
+
+void frmQIRAN::ShowForwarding() {
+    frmForward(m_ground.forwarder, m_messages, this).exec();
 }
 
 void frmQIRAN::ShowCallsigns() {

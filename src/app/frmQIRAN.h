@@ -64,6 +64,7 @@ private:
     void TellSky();
     void ShowStationInformation();
     void ShowAgwpeSetup();
+    void ShowForwarding();
     void ShowCallsigns();
     void DownloadKeps();
     void TellOfEvent(const LimitEvent& event);

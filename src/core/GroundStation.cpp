@@ -1,6 +1,7 @@
 #include "core/GroundStation.h"
 
 #include "core/Roof.h"
+#include "core/SidsIdentity.h"
 #include "core/Texts.h"
 #include "core/Version.h"
 #include "foundation/messages/mb.h"
@@ -12,6 +13,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRandomGenerator>
 
 #include <iostream>
 
@@ -30,6 +32,14 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , kiss(cIni)
     , link(agw, kiss, clock, this)
     , callsigns(cIni)
+    , forwarder({.folder = folder,
+                 .ini = cIni,
+                 .clock = clock,
+                 .callsigns = callsigns,
+                 .post = forwardPost,
+                 .station = [this] { return SidsStationOf(station, satellites.At(0).strObjNum); },
+                 .random = [] { return QRandomGenerator::global()->generateDouble(); }},
+                this)
     , decoder(channelMap, formulae, callsigns)
     , terminal(cIni, clock, folder, station, link, messages,
                ProgramVersion{Version::major, Version::minor, Version::revision})
@@ -58,6 +68,7 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     heard.Add([this](const HeardFrame& frame) { m_intake.Take(frame); });
     heard.Add([this](const HeardFrame& frame) { decoder.Take(frame); }, Takes::LiveAndReplayed);
     heard.Add([this](const HeardFrame& frame) { m_recorder.Take(frame); });
+    heard.Add([this](const HeardFrame& frame) { forwarder.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { m_gridValues.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { history.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { limits.Take(frame); });
@@ -65,6 +76,9 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
 
     connect(&link, &ChosenLink::Heard, this, [this](const HeardFrame& frame) { heard.Hand(frame); });
     connect(&link, &ChosenLink::StatusText, this, &GroundStation::ShowStatus);
+    connect(&forwarder, &Forwarder::StatusText, this, &GroundStation::ShowStatus);
+    connect(&forwarder, &Forwarder::WantsRawFramesChanged, this,
+            [this](bool wants) { SetWantsRawFrames(RawTaker::Forwarding, wants); });
     connect(&m_elementsWatch, &ElementsWatch::Changed, this, [this] {
         LoadElements();
         Q_EMIT ElementsChanged();
@@ -106,6 +120,7 @@ GroundStation::Outcome GroundStation::Start() {
     terminal.Open();
     m_roof.LoadTerminal();
     LoadLimits();
+    forwarder.Start();
     link.Connect();
     m_roof.Show();
     return Outcome::Started;
@@ -124,6 +139,7 @@ void GroundStation::Stop() {
     m_isRunning = false;
     link.Stop();
     StopRecording();
+    forwarder.Stop();
     m_elementsWatch.Stop();
     m_roof.ReleaseWindows();
     terminal.Close();
