@@ -99,6 +99,7 @@ Q_SIGNALS:
     void ElementsChanged();
 
 private:
+    bool LoadFormulaFile();
     void LoadOptions();
     void RemoveOldKeys();
     void LoadLimits();
