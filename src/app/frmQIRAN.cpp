@@ -3,6 +3,7 @@
 #include "app/MainMenuView.h"
 #include "app/OpenDialogs.h"
 #include "app/StatusBarView.h"
+#include "app/framGuide.h"
 #include "app/frmAbout.h"
 #include "core/Texts.h"
 #include "foundation/messages/DesktopNotices.h"
@@ -28,11 +29,14 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
+#include <QUrl>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -59,6 +63,7 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
         if (!staStatus->isHidden())
             staStatus->Refresh();
     });
+    connect(&m_running, &RunningWindow::Knocked, this, &frmQIRAN::ComeForward);
     LayOut();
     ConnectMenu(*m_menu);
 }
@@ -122,7 +127,18 @@ bool frmQIRAN::Load() {
     return true;
 }
 
+void frmQIRAN::FolderIsTaken() {
+    RunningWindow::Knock(m_ground.folder.Path());
+}
+
+void frmQIRAN::ComeForward() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    raise();
+    activateWindow();
+}
+
 void frmQIRAN::Announce() {
+    m_running.Listen(m_ground.folder.Path());
     setWindowTitle(Texts::Caption(windowTitle()));
     m_messages.SetUpHelp(this, m_ground.folder.Path());
     Label2->setText(Texts::CubeExplanation());
@@ -167,6 +183,59 @@ void frmQIRAN::PrepareTracking() {
     ApplyStationPosition();
     m_framLocation->ShowCaption();
     SetDueCaption();
+    if (!Settings::IsOn(m_ground.cIni, Settings::guideShow))
+        return;
+    m_guide = new framGuide;
+    m_guide->hide();
+    auto* layout = static_cast<QVBoxLayout*>(centralWidget()->layout());
+    layout->insertWidget(layout->indexOf(txtMon), m_guide);
+    connect(m_guide, &framGuide::Mend, this, &frmQIRAN::Mend);
+    connect(m_guide, &framGuide::CloseAsked, this, &frmQIRAN::EndGuide);
+    connect(&m_ground, &GroundStation::StatusLine, this, &frmQIRAN::ShowGuide);
+    connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ShowGuide);
+    connect(&m_ground, &GroundStation::ElementsChanged, this, &frmQIRAN::ShowGuide);
+}
+
+// The guide is there while anything is missing, and never again once nothing is.
+void frmQIRAN::ShowGuide() {
+    using StartGuide::State;
+    if (m_guide == nullptr)
+        return;
+    const auto lines = StartGuide::Of(m_ground);
+    const auto is = [](State state) {
+        return [state](const StartGuide::Line& line) { return line.state == state; };
+    };
+    if (std::ranges::all_of(lines, is(State::There))) {
+        EndGuide();
+        return;
+    }
+    m_guide->Show(lines);
+    if (std::ranges::any_of(lines, is(State::Missing)))
+        m_guide->show();
+}
+
+void frmQIRAN::EndGuide() {
+    Settings::Save(m_ground.cIni, Settings::guideShow, clsIni::TrueOrFalse(false));
+    m_guide->hide();
+    m_guide->deleteLater(); // its own button may be about it
+    m_guide = nullptr;
+}
+
+void frmQIRAN::Mend(StartGuide::Step step) {
+    switch (step) {
+    case StartGuide::Step::Formulae:
+        QDesktopServices::openUrl(QUrl::fromLocalFile(m_ground.folder.Path()));
+        break;
+    case StartGuide::Step::Engine:
+        ShowAgwpeSetup();
+        break;
+    case StartGuide::Step::Position:
+        ShowStationInformation();
+        break;
+    case StartGuide::Step::Elements:
+        DownloadKeps();
+        break;
+    }
 }
 
 void frmQIRAN::LoadTerminal() {
@@ -183,6 +252,7 @@ void frmQIRAN::Show() {
     staStatus->setVisible(clsIni::IsItTrue(showStatus));
     if (!staStatus->isHidden())
         staStatus->Refresh();
+    ShowGuide();
     show();
 }
 
@@ -279,6 +349,7 @@ void frmQIRAN::DownloadKeps() {
     if (!frmDownload(m_ground.folder, m_ground.cIni, m_messages, inet, this).DownloadKeps())
         return;
     m_ground.LoadElements();
+    ShowGuide();
     TellSky();
     m_framLocation->ShowCaption();
     m_framLocation->Refresh();

@@ -1,9 +1,11 @@
 #include "core/GroundStation.h"
 
+#include "core/LastStart.h"
 #include "core/Roof.h"
 #include "core/SidsIdentity.h"
 #include "core/Texts.h"
 #include "core/Version.h"
+#include "foundation/messages/HelpTopics.h"
 #include "foundation/messages/mb.h"
 #include "foundation/settings/Settings.h"
 #include "orbit/service/KVRSatLib.h"
@@ -95,16 +97,14 @@ GroundStation::~GroundStation() {
 GroundStation::Outcome GroundStation::Start() {
     if (!m_lock.TryLock()) {
         std::cerr << Texts::HeldBy(folder.Path(), m_lock.Holder()).toLocal8Bit().constData();
-        m_messages.MessageBox(m_roof.MessageOwner(), Texts::AlreadyRunning(), MessageStyle::Information);
+        m_roof.FolderIsTaken();
+        m_messages.MessageBox(m_roof.MessageOwner(), Texts::AlreadyRunning(), MessageStyle::Information,
+                              Texts::InFolder(folder.Path()));
         return Outcome::AlreadyRunning;
     }
     m_roof.Announce();
     channelMap.BuildChannelMap();
-    const QString formulaFile = folder.File(QStringLiteral("formula.txt"));
-    const FormulaLoad loaded = LoadFormulae(formulaFile, formulae, m_messages, m_roof.MessageOwner());
-    if (loaded == FormulaLoad::Failed && !QFile::exists(formulaFile))
-        std::cerr << Texts::WhereFormulaeBelong(formulaFile).toLocal8Bit().constData();
-    if (loaded != FormulaLoad::Loaded)
+    if (!LoadFormulaFile())
         return Outcome::NoFormulae;
     m_isRunning = true;
     m_messages.SetTitle(Texts::Title());
@@ -124,6 +124,25 @@ GroundStation::Outcome GroundStation::Start() {
     link.Connect();
     m_roof.Show();
     return Outcome::Started;
+}
+
+// A misspelt name ends the program without a message of its own; why waits for the next start to tell.
+bool GroundStation::LoadFormulaFile() {
+    const QString formulaFile = folder.File(QStringLiteral("formula.txt"));
+    QString halt;
+    const FormulaLoad loaded = LoadFormulae(formulaFile, formulae, m_messages, m_roof.MessageOwner(), &halt);
+    const QString before = LastStart::Reason(folder);
+    if (loaded == FormulaLoad::Halt) {
+        if (!before.isEmpty())
+            m_messages.MessageBox(m_roof.MessageOwner(), Texts::LastStartEnded(before),
+                                  MessageStyle::Critical, QStringLiteral("QiranDecode"),
+                                  HelpTopics::formulas);
+        LastStart::Keep(folder, halt);
+    } else if (!before.isEmpty())
+        LastStart::Forget(folder);
+    if (loaded == FormulaLoad::Failed && !QFile::exists(formulaFile))
+        std::cerr << Texts::WhereFormulaeBelong(formulaFile).toLocal8Bit().constData();
+    return loaded == FormulaLoad::Loaded;
 }
 
 void GroundStation::ShowNotices() {

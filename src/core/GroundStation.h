@@ -125,6 +125,7 @@ Q_SIGNALS:
     void ElementsChanged();
 
 private:
+    bool LoadFormulaFile();
     void LoadOptions();
     void RemoveOldKeys();
     void LoadLimits();
