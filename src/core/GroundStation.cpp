@@ -17,6 +17,7 @@
 namespace {
 
 const QString eventsFile = QStringLiteral("events.txt");
+const QString elementsFile = QStringLiteral("elements-history.txt");
 
 } // namespace
 
@@ -46,7 +47,11 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , m_intake(callsigns, monitor, [this](qint64 utc) { return m_frameTime.At(utc); })
     , m_gridValues(grids, [this](qint64 utc) { return m_frameTime.At(utc); })
     , m_events(folder.File(eventsFile),
-               [this](const QString& reason) { ShowStatus(Texts::CannotWrite(eventsFile, reason)); }) {
+               [this](const QString& reason) { ShowStatus(Texts::CannotWrite(eventsFile, reason)); })
+    , m_elementsRecorder(folder.File(elementsFile), cSats, satellites, clock, [this](const QString& reason) {
+        ShowStatus(Texts::CannotWrite(elementsFile, reason));
+    }) {
+    m_elementsRecorder.setParent(this);
     using Takes = FanOut<HeardFrame>::Takes;
     heard.Add([this](const HeardFrame& frame) { m_intake.Take(frame); });
     heard.Add([this](const HeardFrame& frame) { decoder.Take(frame); }, Takes::LiveAndReplayed);
@@ -116,6 +121,7 @@ void GroundStation::Stop() {
     m_isRunning = false;
     link.Stop();
     m_elementsWatch.Stop();
+    m_elementsRecorder.Stop();
     m_roof.ReleaseWindows();
     terminal.Close();
     if (m_roof.SaveWindowPlace())
@@ -128,6 +134,7 @@ void GroundStation::LoadElements() {
     satellites.FindInKeps(folder.KepsFolder());
     for (const QString& line : satellites.UntrackedMessages(cSats))
         ShowStatus(line);
+    m_elementsRecorder.Note();
 }
 
 void GroundStation::ShowStatus(const QString& text) {
@@ -158,7 +165,9 @@ void GroundStation::RemoveOldKeys() {
 
 void GroundStation::LoadLimits() {
     QString keep = Settings::Peek(cIni, Settings::historyKeep);
-    history.SetKept(clsIni::IsItTrue(keep));
+    const bool isKept = clsIni::IsItTrue(keep);
+    history.SetKept(isKept);
+    m_elementsRecorder.SetKept(isKept);
     const QString name = QStringLiteral("channels.txt");
     const ChannelsFile file = ChannelsFile::Read(folder.File(name));
     for (const ChannelsFile::Fault& fault : file.Faults())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/ElementsRecorder.h"
 #include "core/ElementsWatch.h"
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
@@ -113,5 +114,6 @@ private:
     GridValues m_gridValues;
     EventFile m_events;
     ElementsWatch m_elementsWatch;
+    ElementsRecorder m_elementsRecorder;
     bool m_isRunning = false;
 };
