@@ -1,7 +1,7 @@
 #include "telemetry/imports/HistoryImport.h"
 
 #include "foundation/files/BoundedFile.h"
-#include "foundation/system/SyncToDisk.h"
+#include "foundation/system/FileSync.h"
 #include "telemetry/frames/ByteViews.h"
 #include "telemetry/imports/HistoryWalk.h"
 
