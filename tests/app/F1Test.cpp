@@ -113,6 +113,8 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
         {u"txtCall"_s, u"optA"_s, u"optB"_s, u"cmdAdd"_s, u"lstCalls"_s, u"cmdDefaults"_s});
     row("mnuDownloadKeps", "frmDownload", {u"txtFile0"_s, u"txtFile1"_s, u"txtTerm"_s, u"cmdDownload"_s});
     row("mnuAbout", "frmAbout", {});
+    row("import", "frmImport",
+        {u"lstFiles"_s, u"cmdAdd"_s, u"cboZone"_s, u"txtTime"_s, u"txtCount"_s, u"cmdClose"_s});
 }
 
 void F1Test::inEveryWindowAndFieldItOpensTheTopic() {
@@ -133,7 +135,9 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic() {
             expect(shown->findChild<QWidget*>(field), {window + u'.' + field, field});
     };
     const auto open = [&] {
-        if (auto* button = m_rig->window->findChild<QPushButton*>(opener))
+        if (opener == u"import")
+            m_rig->window->ImportHistory(m_rig->window.get());
+        else if (auto* button = m_rig->window->findChild<QPushButton*>(opener))
             button->click();
         else
             m_rig->window->findChild<QAction*>(opener)->trigger();

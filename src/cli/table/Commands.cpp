@@ -98,7 +98,7 @@ std::span<const Command> All() {
              u"history from before stays as tlm.before-import.txt. No station may be running in the program "
              u"folder.",
          .arguments = {{.name = u"FILE", .isOptional = true, .isRepeated = true}},
-         .options = {&zone, &dryRun, &undo},
+         .options = {&zone, &recordingTime, &dryRun, &undo},
          .run = Import},
         {.name = u"config list",
          .summary = u"All settings.",

@@ -1,9 +1,10 @@
 #include "foundation/system/FileSync.h"
 
+#include "foundation/system/SyncToDisk.h"
+
 #include <QFile>
 
 #include <cerrno>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -51,12 +52,7 @@ void FileSync::Run(int descriptor, const QString& folder) {
         m_reason = QString::fromStdString(std::generic_category().message(error));
     if (descriptor >= 0)
         close(descriptor);
-    const int entries = folder.isEmpty()
-                            ? -1
-                            : open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (entries >= 0) {
-        (void)fsync(entries);
-        close(entries);
-    }
+    if (!folder.isEmpty())
+        SyncFolderToDisk(folder);
     m_isRunning = false;
 }
