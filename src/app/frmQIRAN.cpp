@@ -24,6 +24,7 @@
 #include "telemetry/callsigns/frmCalls.h"
 #include "telemetry/grids/TelemetryGridView.h"
 #include "telemetry/history/TelemetryFiles.h"
+#include "telemetry/imports/frmImport.h"
 #include "telemetry/monitor/MonitorPane.h"
 
 #include <QAction>
@@ -358,6 +359,13 @@ void frmQIRAN::DownloadKeps() {
 void frmQIRAN::TellOfEvent(const LimitEvent& event) {
     if (Settings::IsOn(m_ground.cIni, Settings::noticeEvents))
         m_notices.Show(Texts::Title(), Texts::Crossed(event));
+}
+
+void frmQIRAN::ImportHistory(QWidget* owner) {
+    frmImport(
+        m_ground.folder.File(QStringLiteral("tlm.txt")), SidesOf(m_ground.callsigns),
+        [this] { return m_ground.history.Settle(); }, m_messages, owner)
+        .exec();
 }
 
 void frmQIRAN::PurgeTelemetryFiles() {

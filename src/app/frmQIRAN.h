@@ -40,6 +40,9 @@ public:
     /// be dismissed when the program is asked to end.
     bool Load();
 
+    /// Lets the user bring logs and recordings into the history, over this window.
+    void ImportHistory(QWidget* owner);
+
     /// Housekeeping of the telemetry files, made ready for a history of decoded values.
     void PurgeTelemetryFiles();
 

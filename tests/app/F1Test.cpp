@@ -117,6 +117,8 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
         {u"chkUse"_s, u"chkDryRun"_s, u"txtUrl"_s, u"txtToken"_s, u"txtExample"_s, u"lstParked"_s,
          u"cmdRetry"_s, u"cmdDiscard"_s});
     row("mnuAbout", "frmAbout", {});
+    row("import", "frmImport",
+        {u"lstFiles"_s, u"cmdAdd"_s, u"cboZone"_s, u"txtTime"_s, u"txtCount"_s, u"cmdClose"_s});
 }
 
 void F1Test::inEveryWindowAndFieldItOpensTheTopic() {
@@ -137,7 +139,9 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic() {
             expect(shown->findChild<QWidget*>(field), {window + u'.' + field, field});
     };
     const auto open = [&] {
-        if (auto* button = m_rig->window->findChild<QPushButton*>(opener))
+        if (opener == u"import")
+            m_rig->window->ImportHistory(m_rig->window.get());
+        else if (auto* button = m_rig->window->findChild<QPushButton*>(opener))
             button->click();
         else if (opener == u"staStatus")
             Q_EMIT m_rig->Find<StatusBarView>("staStatus")->ForwardingRequested();

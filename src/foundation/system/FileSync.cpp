@@ -29,6 +29,14 @@ QString SyncToDisk(QFileDevice& file) {
     return file.flush() ? SyncDescriptor(file.handle()) : file.errorString();
 }
 
+void SyncFolderToDisk(const QString& folder) {
+    const int entries = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (entries < 0)
+        return;
+    (void)fsync(entries);
+    close(entries);
+}
+
 std::optional<FileIdentity> FileIdentity::Of(int descriptor) {
     struct stat status {};
     return fstat(descriptor, &status) == 0 ? IdentityIn(status) : std::nullopt;
@@ -60,12 +68,7 @@ void FileSync::Run(int descriptor, const QString& folder) {
     m_reason = descriptor < 0 ? qt_error_string(EMFILE) : SyncDescriptor(descriptor);
     if (descriptor >= 0)
         close(descriptor);
-    const int entries = folder.isEmpty()
-                            ? -1
-                            : open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (entries >= 0) {
-        (void)fsync(entries);
-        close(entries);
-    }
+    if (!folder.isEmpty())
+        SyncFolderToDisk(folder);
     m_isRunning = false;
 }

@@ -23,6 +23,10 @@ struct FileIdentity {
 /// Answers an empty text, or the system's reason.
 QString SyncToDisk(QFileDevice& file);
 
+/// The same of a folder's entries: names that were given, changed and taken away in it. Where the file system
+/// has no such thing, it does what it can.
+void SyncFolderToDisk(const QString& folder);
+
 /// Puts what was written to a file on the disk, where a power cut leaves it, without holding up the caller: a
 /// slow disk may take seconds. All functions are one thread's.
 class FileSync {

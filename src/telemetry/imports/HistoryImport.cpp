@@ -58,6 +58,14 @@ QString AppendFrom(const QString& path, qint64 from, QFile& to) {
     return file.error() == QFileDevice::NoError ? QString() : file.errorString();
 }
 
+// What is written to the file from now on is to be found under this name, also after a power cut.
+QString PutInPlace(const QString& from, const QString& to) {
+    const QString reason = Rename(from, to);
+    if (reason.isEmpty())
+        SyncFolderToDisk(QFileInfo(to).absolutePath());
+    return reason;
+}
+
 QString Finish(QFile& file) {
     return file.flush() ? SyncToDisk(file) : file.errorString();
 }
@@ -221,7 +229,7 @@ HistoryImport::Result HistoryImport::Commit() {
     if (reason.isEmpty())
         reason = KeepOld();
     if (reason.isEmpty())
-        reason = Rename(m_new->fileName(), m_path);
+        reason = PutInPlace(m_new->fileName(), m_path);
     if (!reason.isEmpty())
         return Fail(reason);
     m_new.reset();
@@ -294,7 +302,7 @@ QString HistoryImport::Undo(const QString& path) {
     if (reason.isEmpty())
         reason = Finish(file);
     if (reason.isEmpty())
-        reason = Rename(file.fileName(), real);
+        reason = PutInPlace(file.fileName(), real);
     if (reason.isEmpty())
         (void)QFile::remove(BackupOf(real));
     else
