@@ -1,5 +1,7 @@
 #include "app/StatusBarView.h"
 
+#include "app/LinkButton.h"
+
 #include <QLabel>
 #include <QToolButton>
 
@@ -23,7 +25,7 @@ StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     : QStatusBar(parent)
     , m_status(status)
     , m_timer(this)
-    , labLink(Add(QStringLiteral("labLink"), tr("Link"), 0))
+    , labLink(new LinkButton(this))
     , labLastFrame(Add(QStringLiteral("labLastFrame"), tr("Last frame heard"), 0))
     , labToday(Add(QStringLiteral("labToday"), tr("Frames of the satellite today"), 0))
     , labElements(Add(QStringLiteral("labElements"), tr("Age of the elements"), 0))
@@ -31,6 +33,7 @@ StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     , labEvent(Add(QStringLiteral("labEvent"), tr("Last event"), 1)) {
     setObjectName(QStringLiteral("staStatus"));
     setSizeGripEnabled(false);
+    insertWidget(0, labLink);
     auto* cmdSky = new QToolButton(this);
     cmdSky->setObjectName(QStringLiteral("cmdSky"));
     cmdSky->setText(tr("&Sky"));
@@ -55,6 +58,10 @@ QLabel* StatusBarView::Add(const QString& name, const QString& accessibleName, i
     return label;
 }
 
+void StatusBarView::SetLinkMenu(QMenu* menu) {
+    labLink->setMenu(menu);
+}
+
 void StatusBarView::Start() {
     m_timer.start();
     Refresh();
@@ -68,7 +75,8 @@ void StatusBarView::Refresh() {
         label->setText(text);
         label->setAccessibleDescription(text);
     };
-    show(labLink, texts.link);
+    if (texts.link != m_shown.link)
+        labLink->ShowLink(texts.link);
     show(labLastFrame, texts.lastFrame);
     show(labToday, texts.today);
     show(labElements, texts.elements);

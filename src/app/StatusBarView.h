@@ -5,7 +5,9 @@
 #include <QStatusBar>
 #include <QTimer>
 
+class LinkButton;
 class QLabel;
+class QMenu;
 
 /// The line at the foot of the main window. Its labels change when what they say does, at most once a second.
 class StatusBarView : public QStatusBar {
@@ -13,6 +15,9 @@ class StatusBarView : public QStatusBar {
 public:
     /// `status` must outlive the view.
     explicit StatusBarView(StationStatus& status, QWidget* parent = nullptr);
+
+    /// What opens at how the link stands.
+    void SetLinkMenu(QMenu* menu);
 
     /// Begins to follow the status, and ends.
     void Start();
@@ -31,7 +36,7 @@ private:
     StationStatus& m_status;
     StatusTexts m_shown;
     QTimer m_timer;
-    QLabel* labLink;
+    LinkButton* labLink;
     QLabel* labLastFrame;
     QLabel* labToday;
     QLabel* labElements;

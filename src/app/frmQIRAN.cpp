@@ -1,5 +1,6 @@
 #include "app/frmQIRAN.h"
 
+#include "app/LinkMenu.h"
 #include "app/MainMenuView.h"
 #include "app/OpenDialogs.h"
 #include "app/StatusBarView.h"
@@ -12,6 +13,7 @@
 #include "keps/HttpTransfer.h"
 #include "keps/frmDownload.h"
 #include "link/agwpe/frmAgwpeSetup.h"
+#include "link/kiss/frmKissSetup.h"
 #include "orbit/map/frmMap.h"
 #include "orbit/panel/framLocation.h"
 #include "orbit/predictions/frmPass.h"
@@ -82,6 +84,10 @@ void frmQIRAN::LayOut() {
     setCentralWidget(centre);
     staStatus = new StatusBarView(m_status);
     setStatusBar(staStatus);
+    auto* linkMenu = new LinkMenu(m_ground, this);
+    staStatus->SetLinkMenu(linkMenu);
+    connect(linkMenu, &LinkMenu::AgwpeSetupRequested, this, &frmQIRAN::ShowAgwpeSetup);
+    connect(linkMenu, &LinkMenu::KissSetupRequested, this, &frmQIRAN::ShowKissSetup);
 }
 
 void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
@@ -254,6 +260,10 @@ void frmQIRAN::ShowStationInformation() {
 
 void frmQIRAN::ShowAgwpeSetup() {
     frmAgwpeSetup(m_ground.agw, m_ground.link.Agw(), m_messages, this).exec();
+}
+
+void frmQIRAN::ShowKissSetup() {
+    frmKissSetup(m_ground.kiss, m_ground.link.Kiss(), m_messages, this).exec();
 }
 
 void frmQIRAN::ShowCallsigns() {

@@ -63,6 +63,7 @@ private:
     void TellSky();
     void ShowStationInformation();
     void ShowAgwpeSetup();
+    void ShowKissSetup();
     void ShowCallsigns();
     void DownloadKeps();
 

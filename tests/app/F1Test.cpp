@@ -100,7 +100,7 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
     };
     using namespace Qt::StringLiterals;
     row("", "frmQIRAN",
-        {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"cmdChangeSat"_s, u"cmdPassInfo"_s});
+        {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"cmdChangeSat"_s, u"cmdPassInfo"_s, u"labLink"_s});
     row("mnuTerminal", "frmTerm",
         {u"txtTo"_s, u"txtVia"_s, u"txtPort"_s, u"cmdAprs"_s, u"cmdLoc"_s, u"rtbMon"_s, u"txtTx"_s});
     row("mnuMap", "frmMap", {u"picMap"_s});
@@ -108,6 +108,8 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
     row("mnuLocation", "frmLocation", {u"txtCallsign"_s, u"txtLat"_s, u"txtLong"_s, u"txtComment"_s});
     row("mnuAGWPESetup", "frmAgwpeSetup",
         {u"txtHostAddr"_s, u"txtPort"_s, u"txtLoginId"_s, u"txtPassword"_s});
+    row("mnuLinkKissSetup", "frmKissSetup", {u"txtHostAddr"_s, u"txtPort"_s});
+    row("mnuLinkRecord", "frmRecord", {});
     row("mnuCallsigns", "frmCalls",
         {u"txtCall"_s, u"optA"_s, u"optB"_s, u"cmdAdd"_s, u"lstCalls"_s, u"cmdDefaults"_s});
     row("mnuDownloadKeps", "frmDownload", {u"txtFile0"_s, u"txtFile1"_s, u"txtTerm"_s, u"cmdDownload"_s});

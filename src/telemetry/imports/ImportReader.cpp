@@ -2,11 +2,10 @@
 
 #include "foundation/files/BoundedFile.h"
 #include "foundation/text/Text.h"
-#include "telemetry/frames/Ax25Heard.h"
 #include "telemetry/frames/ByteViews.h"
 #include "telemetry/frames/Reading.h"
 #include "telemetry/imports/HistoryWalk.h"
-#include "telemetry/replay/KissRecording.h"
+#include "telemetry/replay/FrameRecording.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -49,9 +48,9 @@ bool ImportReader::Read(const QString& path, const Progress& progress) {
     if (!m_reason.isEmpty())
         return false;
     const QByteArray start = file.peek(pieceSize);
-    const bool isRead = IsHistory(ToView(start))                ? ReadHistory(path, progress)
-                        : start.startsWith(RecordedFrame::mark) ? ReadRecording(file, progress)
-                                                                : ReadText(file, progress);
+    const bool isRead = IsHistory(ToView(start))        ? ReadHistory(path, progress)
+                        : FrameRecording::Begins(start) ? ReadRecording(file, progress)
+                                                        : ReadText(file, progress);
     if (file.error() != QFileDevice::NoError)
         m_reason = file.errorString();
     return isRead && m_reason.isEmpty();
@@ -93,21 +92,12 @@ bool ImportReader::ReadPieces(QFile& file, const Progress& progress,
 }
 
 bool ImportReader::ReadRecording(QFile& file, const Progress& progress) {
-    KissRecordingReader reader;
-    Ax25Heard heard;
-    const bool isRead = ReadPieces(file, progress, [&](QByteArrayView piece) {
-        std::string_view bytes = ToView(piece);
-        RecordedFrame recorded;
-        while (reader.Next(bytes, recorded)) {
-            const HeardFrame frame =
-                heard.Read(Bytes(recorded.bytes), {.utc = recorded.utc.value_or(0),
-                                                   .port = static_cast<qint16>(recorded.port + 1),
-                                                   .origin = HeardFrame::Origin::Replayed,
-                                                   .time = {}});
-            TakeFrame(frame, recorded.utc ? std::optional<qint64>(*recorded.utc) : m_options.utc);
-        }
+    FrameRecording recording([this](const HeardFrame& frame, std::optional<qint64> utc) {
+        TakeFrame(frame, utc ? utc : m_options.utc);
     });
-    m_notUnderstood += static_cast<qint64>(reader.Refused());
+    const bool isRead =
+        ReadPieces(file, progress, [&recording](QByteArrayView piece) { recording.Add(piece); });
+    m_notUnderstood += recording.Refused();
     return isRead;
 }
 
