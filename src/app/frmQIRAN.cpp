@@ -1,5 +1,6 @@
 #include "app/frmQIRAN.h"
 
+#include "app/LinkMenu.h"
 #include "app/MainMenuView.h"
 #include "app/OpenDialogs.h"
 #include "app/StatusBarView.h"
@@ -14,6 +15,7 @@
 #include "keps/HttpTransfer.h"
 #include "keps/frmDownload.h"
 #include "link/agwpe/frmAgwpeSetup.h"
+#include "link/kiss/frmKissSetup.h"
 #include "orbit/map/frmMap.h"
 #include "orbit/panel/framLocation.h"
 #include "orbit/predictions/frmPass.h"
@@ -96,6 +98,11 @@ void frmQIRAN::LayOut() {
     setCentralWidget(centre);
     staStatus = new StatusBarView(m_status);
     setStatusBar(staStatus);
+    auto* linkMenu = new LinkMenu(m_ground, this);
+    staStatus->SetLinkMenu(linkMenu);
+    connect(linkMenu, &LinkMenu::AgwpeSetupRequested, this, &frmQIRAN::ShowAgwpeSetup);
+    connect(linkMenu, &LinkMenu::KissSetupRequested, this, &frmQIRAN::ShowKissSetup);
+    connect(linkMenu, &LinkMenu::ForwardingRequested, this, &frmQIRAN::ShowForwarding);
 }
 
 void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
@@ -170,7 +177,6 @@ void frmQIRAN::PrepareTracking() {
     });
     connect(m_framLocation, &framLocation::SkyRequested, this, &frmQIRAN::ShowSky);
     connect(staStatus, &StatusBarView::SkyRequested, this, &frmQIRAN::ShowSky);
-    connect(staStatus, &StatusBarView::ForwardingRequested, this, &frmQIRAN::ShowForwarding);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::TellSky);
     connect(m_framLocation, &framLocation::PassInfoRequested, this, &frmQIRAN::ShowPassPredictions);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
@@ -339,6 +345,10 @@ void frmQIRAN::ShowAgwpeSetup() {
 
 void frmQIRAN::ShowForwarding() {
     frmForward(m_ground.forwarder, m_messages, this).exec();
+}
+
+void frmQIRAN::ShowKissSetup() {
+    frmKissSetup(m_ground.kiss, m_ground.link.Kiss(), m_messages, this).exec();
 }
 
 void frmQIRAN::ShowCallsigns() {

@@ -76,6 +76,7 @@ private:
     void ShowStationInformation();
     void ShowAgwpeSetup();
     void ShowForwarding();
+    void ShowKissSetup();
     void ShowCallsigns();
     void AddToCallsigns(const QString& callsign);
     void PutInTo(const QString& callsign);
