@@ -3,6 +3,7 @@
 #include "core/GroundStation.h"
 #include "core/Roof.h"
 #include "core/StationStatus.h"
+#include "orbit/skyview/PassSteps.h"
 #include "telemetry/grids/TipCell.h"
 
 #include <QMainWindow>
@@ -59,8 +60,9 @@ private:
     void ShowPassPredictions();
     void ShowTerminal();
     void ShowMap();
+    std::optional<PassSteps::Place> PlaceOfStation() const;
     void ShowSky();
-    void TellSky();
+    void TellWindows();
     void ShowStationInformation();
     void ShowAgwpeSetup();
     void ShowCallsigns();
