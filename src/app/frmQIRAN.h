@@ -5,6 +5,7 @@
 #include "core/Roof.h"
 #include "core/StartGuide.h"
 #include "core/StationStatus.h"
+#include "orbit/skyview/PassSteps.h"
 #include "telemetry/grids/TipCell.h"
 
 #include <QMainWindow>
@@ -71,8 +72,9 @@ private:
     void ShowPassPredictions();
     void ShowTerminal();
     void ShowMap();
+    std::optional<PassSteps::Place> PlaceOfStation() const;
     void ShowSky();
-    void TellSky();
+    void TellWindows();
     void ShowStationInformation();
     void ShowAgwpeSetup();
     void ShowForwarding();

@@ -75,7 +75,11 @@ public:
     struct PassInfo {
         QString table;
         std::vector<DateTime> starts;
+        DateTime fromUtc = 0; ///< the passes that begin from here on
     };
+
+    static constexpr int daysOfTable = 3;
+    static constexpr int passesPerDay = 10; ///< at most; the table may hold all of them in one day
     PassInfo PassInfoOf(const QString& strObject) const;
 
     /// The table alone.
