@@ -175,7 +175,7 @@ void LinkChoiceTest::rawFramesAreAskedForAsLongAsAnybodyNeedsThem() {
 
 void LinkChoiceTest::rawFramesAreAskedForAgainAtTheNextConnection() {
     TwoEngines f;
-    f.station->SetWantsRawFrames(RawTaker::Forwarding, true);
+    f.station->SetWantsRawFrames(RawTaker::Recording, true);
     QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
     QTRY_COMPARE(f.asked, QByteArray("RGmk"));
     f.station->link.Reconnect();
