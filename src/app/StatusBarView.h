@@ -6,6 +6,7 @@
 #include <QTimer>
 
 class QLabel;
+class QToolButton;
 
 /// The line at the foot of the main window. Its labels change when what they say does, at most once a second.
 class StatusBarView : public QStatusBar {
@@ -22,10 +23,14 @@ public:
     void Refresh();
 
 Q_SIGNALS:
+    /// The user asks for the history.
+    void HistoryRequested();
+
     /// The user asks for the sky.
     void SkyRequested();
 
 private:
+    QToolButton* AddButton(const QString& name, const QString& text, const QString& tip);
     QLabel* Add(const QString& name, const QString& accessibleName, int stretch);
 
     StationStatus& m_status;

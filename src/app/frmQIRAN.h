@@ -11,6 +11,7 @@
 
 #include <memory>
 
+class HistoryWindow;
 class framLocation;
 class frmMap;
 class frmSky;
@@ -74,6 +75,7 @@ private:
     std::unique_ptr<frmTerm> m_terminal;
     QPointer<frmMap> m_map;
     QPointer<frmSky> m_sky;
+    std::unique_ptr<HistoryWindow> m_history;
     QTimer m_timer1;
     bool m_isClosing = false;
     MonitorPane* txtMon;

@@ -100,7 +100,8 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
     };
     using namespace Qt::StringLiterals;
     row("", "frmQIRAN",
-        {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"cmdChangeSat"_s, u"cmdPassInfo"_s});
+        {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"cmdChangeSat"_s, u"cmdPassInfo"_s,
+         u"cmdHistory"_s});
     row("mnuTerminal", "frmTerm",
         {u"txtTo"_s, u"txtVia"_s, u"txtPort"_s, u"cmdAprs"_s, u"cmdLoc"_s, u"rtbMon"_s, u"txtTx"_s});
     row("mnuMap", "frmMap", {u"picMap"_s});
@@ -111,6 +112,9 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
     row("mnuCallsigns", "frmCalls",
         {u"txtCall"_s, u"optA"_s, u"optB"_s, u"cmdAdd"_s, u"lstCalls"_s, u"cmdDefaults"_s});
     row("mnuDownloadKeps", "frmDownload", {u"txtFile0"_s, u"txtFile1"_s, u"txtTerm"_s, u"cmdDownload"_s});
+    row("cmdHistory", "frmHistory",
+        {u"cboRange"_s, u"txtFrom"_s, u"txtTo"_s, u"cmdShow"_s, u"cmdPlay"_s, u"cboSpeed"_s, u"cmdExport"_s,
+         u"cmdImport"_s, u"pltHistory"_s, u"tblChannels"_s, u"tblReadings"_s, u"tblEvents"_s});
     row("mnuAbout", "frmAbout", {});
 }
 
@@ -132,7 +136,7 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic() {
             expect(shown->findChild<QWidget*>(field), {window + u'.' + field, field});
     };
     const auto open = [&] {
-        if (auto* button = m_rig->window->findChild<QPushButton*>(opener))
+        if (auto* button = m_rig->window->findChild<QAbstractButton*>(opener))
             button->click();
         else
             m_rig->window->findChild<QAction*>(opener)->trigger();
