@@ -3,7 +3,7 @@
 
 build_packages=(
     cmake g++ ninja-build pkg-config git
-    qt6-base-dev zlib1g-dev libgtest-dev libbenchmark-dev mold
+    qt6-base-dev libqcustomplot-dev zlib1g-dev libgtest-dev libbenchmark-dev mold
 )
 
 # A display for machines without one, and what plays the engine's part.

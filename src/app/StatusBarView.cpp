@@ -34,13 +34,20 @@ StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     setSizeGripEnabled(false);
     insertWidget(0, new SteadyBox(labLink));
     AddEvent();
-    auto* cmdSky = new QToolButton(this);
-    cmdSky->setObjectName(QStringLiteral("cmdSky"));
-    cmdSky->setText(tr("&Sky"));
-    cmdSky->setToolTip(tr("The pass at a glance"));
-    cmdSky->setFocusPolicy(Qt::TabFocus);
-    connect(cmdSky, &QToolButton::clicked, this, &StatusBarView::SkyRequested);
-    addPermanentWidget(cmdSky);
+    connect(AddButton(QStringLiteral("cmdHistory"), tr("H&istory"), tr("The telemetry that was kept")),
+            &QToolButton::clicked, this, &StatusBarView::HistoryRequested);
+    connect(AddButton(QStringLiteral("cmdSky"), tr("&Sky"), tr("The pass at a glance")),
+            &QToolButton::clicked, this, &StatusBarView::SkyRequested);
+}
+
+QToolButton* StatusBarView::AddButton(const QString& name, const QString& text, const QString& tip) {
+    auto* button = new QToolButton(this);
+    button->setObjectName(name);
+    button->setText(text);
+    button->setToolTip(tip);
+    button->setFocusPolicy(Qt::TabFocus);
+    addPermanentWidget(button);
+    return button;
 }
 
 QLabel* StatusBarView::Add(const QString& name, const QString& accessibleName, int stretch) {

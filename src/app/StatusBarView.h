@@ -5,7 +5,6 @@
 #include <QStatusBar>
 
 class LinkButton;
-class LinkButton;
 class QLabel;
 class QMenu;
 class QToolButton;
@@ -24,6 +23,9 @@ public:
     void Refresh();
 
 Q_SIGNALS:
+    /// The user asks for the history.
+    void HistoryRequested();
+
     /// The user asks for the sky.
     void SkyRequested();
 
@@ -37,6 +39,7 @@ protected:
 private:
     void AddEvent();
     void ShowEvent(const QString& text);
+    QToolButton* AddButton(const QString& name, const QString& text, const QString& tip);
     QLabel* Add(const QString& name, const QString& accessibleName, int stretch);
 
     StationStatus& m_status;

@@ -51,6 +51,11 @@ frmAbout::frmAbout(QWidget* parent)
         Paragraph(u"Free software under the MIT License. It uses Qt %1 under the GNU LGPL; the world map "
                   u"is made from Natural Earth data."_s.arg(QLatin1StringView(qVersion())),
                   "labLicence"_L1));
+    texts->addWidget(
+        Paragraph(u"The curves of the history window are drawn by QCustomPlot, which is under the "
+                  u"GNU GPL; so the program as a whole is distributed under the GNU GPL, version "
+                  u"3 or later."_s,
+                  "labWhole"_L1));
     texts->addStretch();
 
     auto* icon = new QLabel;

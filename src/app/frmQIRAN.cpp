@@ -1,5 +1,6 @@
 #include "app/frmQIRAN.h"
 
+#include "app/HistoryWindow.h"
 #include "app/LinkMenu.h"
 #include "app/MainMenuView.h"
 #include "app/OpenDialogs.h"
@@ -54,6 +55,7 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     , m_ground(folder, clock, messages, *this)
     , m_status(m_ground)
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
+    , m_history(std::make_unique<HistoryWindow>(m_ground, clock, messages))
     , m_timer1(this) {
     setObjectName(QStringLiteral("frmQIRAN"));
     setWindowTitle(Texts::Title());
@@ -77,8 +79,15 @@ frmQIRAN::~frmQIRAN() {
 
 void frmQIRAN::LayOut() {
     auto* grids = new QHBoxLayout;
-    for (const auto& grid : m_ground.grids)
-        grids->addWidget(new TelemetryGridView(*grid, m_tipCell), 0, Qt::AlignTop);
+    for (const auto& grid : m_ground.grids) {
+        auto* view = new TelemetryGridView(*grid, m_tipCell);
+        grids->addWidget(view, 0, Qt::AlignTop);
+        connect(view, &TelemetryGridView::History, m_history.get(), &HistoryWindow::Show);
+        connect(view, &TelemetryGridView::HistoryOfValue, m_history.get(),
+                [this](int side, int index, int row) {
+                    m_history->ShowValue({side, index, row});
+                });
+    }
     Label2 = new QLabel;
     Label2->setObjectName(QStringLiteral("Label2"));
     Label2->setTextFormat(Qt::PlainText);
@@ -118,6 +127,7 @@ void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
     connect(menu.mnuUseLocalTime, &QAction::triggered, this, [this] {
         m_ground.ToggleLocalTime();
         TellWindows();
+        m_history->TellTimes();
         SetDueCaption();
         m_framLocation->Refresh();
     });
@@ -177,6 +187,9 @@ void frmQIRAN::PrepareTracking() {
     });
     connect(m_framLocation, &framLocation::SkyRequested, this, &frmQIRAN::ShowSky);
     connect(staStatus, &StatusBarView::SkyRequested, this, &frmQIRAN::ShowSky);
+    m_history->SetImport([this](QWidget* owner) { ImportHistory(owner); });
+    connect(staStatus, &StatusBarView::HistoryRequested, m_history.get(), &HistoryWindow::Show);
+    connect(staStatus, &StatusBarView::EventRequested, m_history.get(), &HistoryWindow::Show);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::TellWindows);
     connect(m_framLocation, &framLocation::PassInfoRequested, this, &frmQIRAN::ShowPassPredictions);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
@@ -313,11 +326,13 @@ void frmQIRAN::ShowSky() {
     m_sky->activateWindow();
 }
 
+// Elements, the station's position, or whether times are local.
 void frmQIRAN::TellWindows() {
     if (m_map)
         m_map->DataHaveChanged();
     if (m_sky)
         m_sky->DataHaveChanged();
+    m_history->TellPasses();
 }
 
 void frmQIRAN::ShowTerminal() {
@@ -408,6 +423,7 @@ void frmQIRAN::closeEvent(QCloseEvent* event) {
 void frmQIRAN::ReleaseWindows() {
     m_timer1.stop();
     m_terminal.reset();
+    m_history->Close();
     if (frmSky* sky = m_sky) {
         sky->close();
         delete sky;

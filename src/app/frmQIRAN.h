@@ -16,6 +16,7 @@
 
 class DesktopNotices;
 class framGuide;
+class HistoryWindow;
 class framLocation;
 class frmMap;
 class frmSky;
@@ -96,6 +97,7 @@ private:
     std::unique_ptr<frmTerm> m_terminal;
     QPointer<frmMap> m_map;
     QPointer<frmSky> m_sky;
+    std::unique_ptr<HistoryWindow> m_history;
     QTimer m_timer1;
     RunningWindow m_running;
     bool m_isClosing = false;

@@ -101,7 +101,7 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
     using namespace Qt::StringLiterals;
     row("", "frmQIRAN",
         {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"labEvent"_s, u"labLink"_s, u"cmdChangeSat"_s,
-         u"cmdPassInfo"_s});
+         u"cmdPassInfo"_s, u"cmdHistory"_s});
     row("mnuTerminal", "frmTerm",
         {u"txtTo"_s, u"txtVia"_s, u"txtPort"_s, u"cmdAprs"_s, u"cmdLoc"_s, u"rtbMon"_s, u"txtTx"_s});
     row("mnuMap", "frmMap", {u"picMap"_s});
@@ -117,6 +117,9 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
     row("mnuLinkForwarding", "frmForward",
         {u"chkUse"_s, u"chkDryRun"_s, u"txtUrl"_s, u"txtToken"_s, u"txtExample"_s, u"lstParked"_s,
          u"cmdRetry"_s, u"cmdDiscard"_s});
+    row("cmdHistory", "frmHistory",
+        {u"cboRange"_s, u"txtFrom"_s, u"txtTo"_s, u"cmdShow"_s, u"cmdPlay"_s, u"cboSpeed"_s, u"cmdExport"_s,
+         u"cmdImport"_s, u"pltHistory"_s, u"tblChannels"_s, u"tblReadings"_s, u"tblEvents"_s});
     row("mnuAbout", "frmAbout", {});
     row("import", "frmImport",
         {u"lstFiles"_s, u"cmdAdd"_s, u"cboZone"_s, u"txtTime"_s, u"txtCount"_s, u"cmdClose"_s});
@@ -143,9 +146,10 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic() {
         if (opener == u"import")
             m_rig->window->ImportHistory(m_rig->window.get());
         else if (auto* button = m_rig->window->findChild<QPushButton*>(opener))
-            button->click();
-        else
-            m_rig->window->findChild<QAction*>(opener)->trigger();
+            if (auto* button = m_rig->window->findChild<QAbstractButton*>(opener))
+                button->click();
+            else
+                m_rig->window->findChild<QAction*>(opener)->trigger();
     };
     if (opener.isEmpty())
         check(m_rig->window.get());

@@ -31,6 +31,8 @@ private Q_SLOTS:
         QVERIFY(TextOf(window, "labHelp").contains(u"press F1"_s));
         QVERIFY(TextOf(window, "labHelp").contains(u"Help Contents"_s));
         QVERIFY(TextOf(window, "labLicence").contains(u"MIT License"_s));
+        QVERIFY(TextOf(window, "labWhole").contains(u"QCustomPlot"_s));
+        QVERIFY(TextOf(window, "labWhole").contains(u"GNU GPL, version 3 or later"_s));
         QVERIFY(TextOf(window, "labLicence").contains(u"Qt "_s + QLatin1StringView(qVersion())));
     }
 

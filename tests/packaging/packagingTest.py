@@ -111,7 +111,7 @@ class Packages(unittest.TestCase):
         folder = next(self.scratch.glob("QiranDecode-*"))
         self.assertEqual(files_of(folder), {"QiranDecode", "qirandecode-cli", "world.gif", "qirandecode.HLP", "formula.example.txt",
                                             "channels.example.txt", "frequencies.example.txt", "horizon.example.txt",
-                                            "LICENSE", "README.md"})
+                                            "LICENSE", "COPYING", "README.md"})
         shutil.copy(folder / "formula.example.txt", folder / "formula.txt")
         self.run_report(folder / "QiranDecode")
         self.assertTrue((folder / rig.SETTINGS_FILE).is_file())
@@ -126,8 +126,20 @@ class Packages(unittest.TestCase):
         self.assertIn(f"Version: {VERSION}-1\n", fields)
         self.assertIn("Package: qirandecode\n", fields)
         depends = next(line for line in fields.splitlines() if line.startswith("Depends: "))
-        for library in ("libqt6widgets6", "libqt6network6", "libqt6printsupport6", "libc6"):
+        for library in ("libqt6widgets6", "libqt6network6", "libqt6printsupport6", "libqcustomplot2.1-qt6", "libc6"):
             self.assertIn(library, depends)
+
+    def test_the_windowed_program_is_under_the_gpl_as_a_whole_and_the_command_line_is_not(self):
+        root = self.install()
+        documents = root / "usr/share/doc"
+        copyright = (documents / "qirandecode/copyright").read_text()
+        self.assertIn("License: Expat and GPL-3+", copyright)
+        self.assertEqual((documents / "qirandecode-cli/copyright").read_text(), (ROOT / "LICENSE").read_text())
+        linked = call("ldd", BUILD / "QiranDecode/qirandecode-cli")
+        self.assertNotIn("QCustomPlot", linked)
+        self.assertIn("QCustomPlot", call("ldd", BUILD / "QiranDecode/QiranDecode"))
+        metainfo = (root / "usr/share/metainfo/org.qirandecode.QiranDecode.metainfo.xml").read_text()
+        self.assertIn("<project_license>GPL-3.0-or-later</project_license>", metainfo)
 
     def test_the_command_line_is_a_package_that_needs_no_window_library(self):
         fields = call("dpkg-deb", "--field", self.commands)

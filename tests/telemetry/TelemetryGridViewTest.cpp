@@ -11,6 +11,7 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTest>
 #include <QToolTip>
 #include <QWindow>
@@ -37,6 +38,9 @@ private Q_SLOTS:
     void marksAreLegible_data();
     void marksAreLegible();
     void theTipHasALineForTheLimit();
+    void doubleClickAndEnterAskForTheHistoryOfAValue();
+    void namesHeaderAndOtherKeysAskForNoHistory();
+    void theContextMenuAsksForTheHistory();
 
 private:
     TelemetryGridView& View(int index) { return *m_views[static_cast<std::size_t>(index)]; }
@@ -336,6 +340,44 @@ void TelemetryGridViewTest::theTipHasALineForTheLimit() {
     QCOMPARE(marked, QStringLiteral("T#123  2002-Mar-05 14:07\n4010.00 <b>V</b>, low alarm"));
     QVERIFY(!Qt::mightBeRichText(marked));
     QCOMPARE(tip(TelemetryGrid::ValueB), QStringLiteral("T#124  2002-Mar-05 14:07"));
+void TelemetryGridViewTest::doubleClickAndEnterAskForTheHistoryOfAValue() {
+    QSignalSpy asked(&View(2), &TelemetryGridView::HistoryOfValue);
+    QTest::mouseClick(View(2).viewport(), Qt::LeftButton, Qt::NoModifier, Middle(2, 7, 2));
+    QTest::mouseDClick(View(2).viewport(), Qt::LeftButton, Qt::NoModifier, Middle(2, 7, 2));
+    QCOMPARE(asked.size(), 1);
+    QCOMPARE(asked[0], (QVariantList{1, 2, 7}));
+    QTest::keyClick(&View(2), Qt::Key_Up);
+    QTest::keyClick(&View(2), Qt::Key_Left);
+    QTest::keyClick(&View(2), Qt::Key_Return);
+    QTest::keyClick(&View(2), Qt::Key_Enter, Qt::KeypadModifier);
+    QCOMPARE(asked.size(), 3);
+    QCOMPARE(asked[1], (QVariantList{0, 2, 6}));
+}
+
+void TelemetryGridViewTest::namesHeaderAndOtherKeysAskForNoHistory() {
+    QSignalSpy asked(&View(0), &TelemetryGridView::HistoryOfValue);
+    QTest::mouseDClick(View(0).viewport(), Qt::LeftButton, Qt::NoModifier, Middle(0, 1, 0));
+    QTest::mouseDClick(View(0).horizontalHeader()->viewport(), Qt::LeftButton);
+    for (const Qt::KeyboardModifier modifier : {Qt::AltModifier, Qt::MetaModifier, Qt::ControlModifier})
+        QTest::keyClick(&View(0), Qt::Key_Return, modifier);
+    QTest::keyClick(&View(0), Qt::Key_Space);
+    QCOMPARE(asked.size(), 0);
+}
+
+void TelemetryGridViewTest::theContextMenuAsksForTheHistory() {
+    QStringList names;
+    for (const QAction* entry : View(1).actions())
+        names += entry->isSeparator() ? QStringLiteral("-") : entry->text();
+    QCOMPARE(names, (QStringList{QStringLiteral("&Copy"), QStringLiteral("-"),
+                                 QStringLiteral("History of this &value"), QStringLiteral("&History")}));
+    QSignalSpy ofValue(&View(1), &TelemetryGridView::HistoryOfValue);
+    QSignalSpy history(&View(1), &TelemetryGridView::History);
+    QTest::mouseClick(View(1).viewport(), Qt::RightButton, Qt::NoModifier, Middle(1, 3, 1));
+    View(1).findChild<QAction*>(QStringLiteral("mnuHistoryOfValue1"))->trigger();
+    View(1).findChild<QAction*>(QStringLiteral("mnuHistory1"))->trigger();
+    QCOMPARE(ofValue.size(), 1);
+    QCOMPARE(ofValue[0], (QVariantList{0, 1, 3}));
+    QCOMPARE(history.size(), 1);
 }
 
 QTEST_MAIN(TelemetryGridViewTest)

@@ -130,6 +130,12 @@ inline constexpr Setting mapPass{u"SETUP", u"MAP_PASS",         u"FALSE", Settin
 inline constexpr Setting skyEastLeft{u"SETUP", u"SKY_EAST_LEFT",    u"FALSE", SettingType::Boolean, 0,
                                      0,        FirstWrite::OnChange};
 
+// What the history window shows: chosen there.
+inline constexpr Setting historyChannels{
+    u"HISTORY", u"CHANNELS", u"A/POWER/Batt A;B/POWER/Batt A", SettingType::Text, 0, 0, FirstWrite::OnChange};
+inline constexpr Setting historyRange{u"HISTORY", u"RANGE", u"Last pass",        SettingType::Text,
+                                      0,          0,        FirstWrite::OnChange};
+
 // In USER.INI, the file of an APRS program.
 constexpr Setting aprsSymbol{u"APRS", u"APRS_SYMBOL_CHARACTER", u"-"};
 constexpr Setting aprsSymbolTable{u"APRS", u"APRS_SYMBOL_TABLE_CHARACTER", u"/"};

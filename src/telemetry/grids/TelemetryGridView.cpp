@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStyledItemDelegate>
 #include <QTextDocument>
@@ -79,9 +80,36 @@ TelemetryGridView::TelemetryGridView(TelemetryGrid& grid, TipCell& tipCell, QWid
     copy->setShortcutContext(Qt::WidgetShortcut);
     connect(copy, &QAction::triggered, this, &TelemetryGridView::CopySelection);
     addAction(copy);
+    AddHistoryEntries();
     setContextMenuPolicy(Qt::ActionsContextMenu);
     selectionModel()->setCurrentIndex(grid.index(0, TelemetryGrid::ValueA), QItemSelectionModel::NoUpdate);
     FitCells();
+}
+
+void TelemetryGridView::AddHistoryEntries() {
+    auto* bar = new QAction(this);
+    bar->setSeparator(true);
+    auto* ofValue = new QAction(tr("History of this &value"), this);
+    ofValue->setObjectName(QStringLiteral("mnuHistoryOfValue%1").arg(m_grid.Index()));
+    auto* history = new QAction(tr("&History"), this);
+    history->setObjectName(QStringLiteral("mnuHistory%1").arg(m_grid.Index()));
+    addActions({bar, ofValue, history});
+    connect(ofValue, &QAction::triggered, this, [this] { AskForHistory(currentIndex()); });
+    connect(history, &QAction::triggered, this, &TelemetryGridView::History);
+    connect(this, &QTableView::doubleClicked, this, &TelemetryGridView::AskForHistory);
+}
+
+void TelemetryGridView::AskForHistory(const QModelIndex& cell) {
+    if (cell.column() == TelemetryGrid::ValueA || cell.column() == TelemetryGrid::ValueB)
+        Q_EMIT HistoryOfValue(cell.column() - TelemetryGrid::ValueA, m_grid.Index(), cell.row() + 1);
+}
+
+void TelemetryGridView::keyPressEvent(QKeyEvent* event) {
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isEnter && (event->modifiers() & ~Qt::KeypadModifier) == 0)
+        AskForHistory(currentIndex());
+    else
+        QTableView::keyPressEvent(event);
 }
 
 void TelemetryGridView::FitCells() {

@@ -18,7 +18,15 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+Q_SIGNALS:
+    /// The user wants to see the history of a value: of `side` (0 A, 1 B) in a row of the grid, from 1.
+    void HistoryOfValue(int side, int grid, int row);
+
+    /// The user wants to see the history.
+    void History();
+
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -27,6 +35,8 @@ private:
     void FitCells();
     void MouseOver(int row, int column);
     void CopySelection() const;
+    void AddHistoryEntries();
+    void AskForHistory(const QModelIndex& cell);
 
     TelemetryGrid& m_grid;
     TipCell& m_tipCell;

@@ -109,6 +109,18 @@ std::optional<std::pair<qint64, qint64>> TelemetryHistory::Span() const {
     return std::pair(m_rows.Utc(m_rows.RowAt(0)), m_rows.Utc(m_rows.RowAt(Frames() - 1)));
 }
 
+qint64 TelemetryHistory::LastRun(qint64 longestGap) const {
+    quint32 position = Frames() - 1;
+    qint64 begun = m_rows.Utc(m_rows.RowAt(position));
+    while (position-- > 0) {
+        const qint64 utc = m_rows.Utc(m_rows.RowAt(position));
+        if (begun - utc > longestGap)
+            break;
+        begun = utc;
+    }
+    return begun;
+}
+
 std::vector<HistoryColumns> TelemetryHistory::Readings(std::span<const HistoryChannel> channels, qint64 from,
                                                        qint64 to) const {
     std::vector<HistoryColumns> columns(channels.size());

@@ -90,6 +90,10 @@ public:
     /// The times of the first and the last frame; none without frames.
     std::optional<std::pair<qint64, qint64>> Span() const;
 
+    /// When the last frame's run began: between the frames of a run there is no gap longer than this. Only
+    /// where there are frames.
+    qint64 LastRun(qint64 longestGap) const;
+
     /// The readings of each channel from `from` to `to`, both included.
     std::vector<HistoryColumns> Readings(std::span<const HistoryChannel> channels, qint64 from,
                                          qint64 to) const;

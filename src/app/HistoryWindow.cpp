@@ -1,0 +1,180 @@
+#include "app/HistoryWindow.h"
+
+#include "core/GroundStation.h"
+#include "foundation/messages/mb.h"
+#include "foundation/text/Clock.h"
+#include "orbit/history/ElementsHistory.h"
+#include "telemetry/calibration/FormulaFile.h"
+#include "telemetry/plots/HistoryExport.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double millisecondsPerDay = 86'400'000.0;
+constexpr double daysAhead = 3.0;
+constexpr std::size_t mostPasses = 500;
+constexpr double longestPass = 0.1; // days, of a satellite that circles low
+
+const DateTime epoch = DateOf(1970, 1, 1);
+
+DateTime ToDateTime(qint64 utc) {
+    return epoch + static_cast<double>(utc) / millisecondsPerDay;
+}
+
+qint64 ToMilliseconds(DateTime utc) {
+    return std::llround((utc - epoch) * millisecondsPerDay);
+}
+
+// Reading the formulae again while the program runs is nothing to ask the user about.
+class Silence : public MessagePresenter {
+public:
+    int ShowMessage(const Message&) override { return 1; }
+    void ShowHelp(QObject*, const QString&, HelpCommand) override {}
+};
+
+std::pair<qint64, qint64> StateOf(const QString& path) {
+    const QFileInfo file(path);
+    return {file.lastModified().toMSecsSinceEpoch(), file.size()};
+}
+
+} // namespace
+
+HistoryWindow::HistoryWindow(GroundStation& ground, const Clock& clock, const mb& messages)
+    : m_ground(ground)
+    , m_clock(clock)
+    , m_messages(messages) {
+    connect(&ground, &GroundStation::LimitCrossed, this, [this] {
+        if (m_window)
+            m_window->EventsHaveChanged();
+    });
+}
+
+HistoryWindow::~HistoryWindow() {
+    Close();
+}
+
+void HistoryWindow::Show() {
+    if (!m_window) {
+        m_formulae = m_ground.formulae;
+        m_sides = SidesOf(m_ground.callsigns);
+        m_formulaFile = {};
+        m_window = new frmHistory(
+            Services(), std::make_unique<TelemetryHistory>(m_ground.folder.File(QStringLiteral("tlm.txt")),
+                                                           m_ground.channelMap, m_formulae, m_sides));
+        m_window->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_window, &frmHistory::ImUnloading, this, [this] { m_window.clear(); });
+    }
+    m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
+    m_window->show();
+    m_window->raise();
+    m_window->activateWindow();
+}
+
+void HistoryWindow::ShowValue(const HistoryChannel& channel) {
+    Show();
+    m_window->Plot(channel);
+}
+
+void HistoryWindow::Close() {
+    if (frmHistory* window = m_window) {
+        window->close();
+        delete window;
+    }
+}
+
+void HistoryWindow::TellTimes() {
+    if (m_window)
+        m_window->TimesHaveChanged();
+}
+
+void HistoryWindow::TellPasses() {
+    if (m_window)
+        m_window->PassesHaveChanged();
+}
+
+HistoryServices HistoryWindow::Services() {
+    return {.ini = m_ground.cIni,
+            .clock = m_clock,
+            .messages = m_messages,
+            .map = m_ground.channelMap,
+            .limits = m_ground.limits.Limits(),
+            .displayTime = [this](qint64 utc) { return m_ground.cSats.datTimeAt(utc); },
+            .isLocalTime = [this] { return m_ground.cSats.blnLocalTime(); },
+            .nextPass = [this] { return NextPass(); },
+            .passes = [this](qint64 from, qint64 to) { return Passes(from, to); },
+            .events = [this] { return EventFile::Read(m_ground.folder.File(QStringLiteral("events.txt"))); },
+            .newDecoding = [this] { return NewDecoding(); },
+            .choosePrinter = &HistoryExport::AskForPrinter,
+            .chooseFile = &HistoryExport::AskForFile,
+            .import = m_import};
+}
+
+QString HistoryWindow::NextPass() const {
+    if (!m_ground.station.PositionKnown())
+        return {};
+    const TrackedSatellite& satellite = m_ground.satellites.At(0);
+    const SatPasses answer = m_ground.cSats.PassesOf({.object = satellite.strObjNum.toStdString(),
+                                                      .latitude = m_ground.station.dblLat(),
+                                                      .longitude = m_ground.station.dblLong(),
+                                                      .startUtc = m_ground.cSats.datGmtTime(),
+                                                      .days = daysAhead,
+                                                      .most = 1});
+    if (answer.passes.empty())
+        return {};
+    return tr("The next pass of %1 begins at %2 %3.")
+        .arg(
+            satellite.strBaseName,
+            FormatDateTime(m_ground.cSats.ToDisplayTime(answer.passes.front().riseUtc), u"yyyy-mmm-dd hh:nn"),
+            m_ground.cSats.blnLocalTime() ? tr("local time") : tr("UTC"));
+}
+
+// As far as the elements are a guide to it.
+std::vector<std::pair<qint64, qint64>> HistoryWindow::Passes(qint64 from, qint64 to) const {
+    const QString& object = m_ground.satellites.At(0).strObjNum;
+    const auto elements = m_ground.cSats.ElementsOf(object);
+    if (!elements || !m_ground.station.PositionKnown())
+        return {};
+    const qint64 elementsUtc = ToMilliseconds(elements->epochUtc);
+    from = std::max(from, elementsUtc - ElementsHistory::farthest);
+    to = std::min(to, elementsUtc + ElementsHistory::farthest);
+    if (from >= to)
+        return {};
+    const DateTime begin = ToDateTime(from) - longestPass;
+    const SatPasses answer = m_ground.cSats.PassesOf({.object = object.toStdString(),
+                                                      .latitude = m_ground.station.dblLat(),
+                                                      .longitude = m_ground.station.dblLong(),
+                                                      .startUtc = begin,
+                                                      .days = ToDateTime(to) - begin,
+                                                      .most = mostPasses});
+    std::vector<std::pair<qint64, qint64>> passes;
+    for (const SatPass& pass : answer.passes)
+        if (const qint64 set = ToMilliseconds(pass.setUtc); set > from)
+            passes.emplace_back(ToMilliseconds(pass.riseUtc), set);
+    return passes;
+}
+
+std::optional<HistoryServices::Decoding> HistoryWindow::NewDecoding() {
+    HistorySides sides = SidesOf(m_ground.callsigns);
+    const auto file = StateOf(m_ground.folder.File(QStringLiteral("formula.txt")));
+    if (sides == m_sides && file == m_formulaFile)
+        return std::nullopt;
+    m_sides = std::move(sides);
+    m_formulaFile = file;
+    if (std::optional<FormulaTable> formulae = ReadFormulae())
+        m_formulae = std::move(*formulae);
+    return HistoryServices::Decoding{m_formulae, m_sides};
+}
+
+// None while the file is wrong: then the last good ones hold.
+std::optional<FormulaTable> HistoryWindow::ReadFormulae() const {
+    Silence silence;
+    FormulaTable formulae;
+    const FormulaLoad loaded =
+        LoadFormulae(m_ground.folder.File(QStringLiteral("formula.txt")), formulae, mb(silence), nullptr);
+    return loaded == FormulaLoad::Loaded ? std::optional(std::move(formulae)) : std::nullopt;
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "telemetry/plots/frmHistory.h"
+
+#include <QPointer>
+
+class GroundStation;
+struct HistoryChannel;
+
+/// The history window's place in the program: makes it over the station when it is asked for, and not
+/// before, and tells it what changes.
+class HistoryWindow : public QObject {
+    Q_OBJECT
+public:
+    /// All must outlive it.
+    HistoryWindow(GroundStation& ground, const Clock& clock, const mb& messages);
+    ~HistoryWindow() override;
+
+    /// What the window's "Import" does; without it the window has no such button. Before it is shown.
+    void SetImport(std::function<void(QWidget*)> import) { m_import = std::move(import); }
+
+    /// Shows the window, as it was left or with this channel alone.
+    void Show();
+    void ShowValue(const HistoryChannel& channel);
+
+    void Close();
+
+    /// Whether times are local has changed; elements, or the station's position.
+    void TellTimes();
+    void TellPasses();
+
+private:
+    HistoryServices Services();
+    QString NextPass() const;
+    std::vector<std::pair<qint64, qint64>> Passes(qint64 from, qint64 to) const;
+    std::optional<HistoryServices::Decoding> NewDecoding();
+    std::optional<FormulaTable> ReadFormulae() const;
+
+    GroundStation& m_ground;
+    const Clock& m_clock;
+    const mb& m_messages;
+    std::function<void(QWidget*)> m_import;
+    QPointer<frmHistory> m_window;
+
+    // What the window's history is decoded with.
+    FormulaTable m_formulae;
+    HistorySides m_sides;
+    std::pair<qint64, qint64> m_formulaFile; // its last change and its size
+};
