@@ -2,6 +2,7 @@
 """From sound to records: Dire Wolf demodulates, the station without a window prints what it hears, on a machine without
 a display."""
 
+import csv
 import json
 import os
 import pathlib
@@ -26,11 +27,12 @@ RAW = {
 }
 
 
-def readings(folder, lines):
-    """What the frames must come to: (source, sequence, side, frame type, channel, grid, row, raw, value)."""
+def readings(folder, lines, more=0):
+    """What the frames must come to: (source, sequence, side, frame type, channel, grid, row, raw, value). `more` was
+    added to each raw value."""
     table = calibration.formulae(folder / "formula.txt")
     for (side, kind), raw in RAW.items():
-        for channel, value in enumerate(raw):
+        for channel, value in enumerate(one + more for one in raw):
             grid, row = calibration.CHANNELS[side][kind][channel].split(" ", 1)
             a, b, c, d = table[side, kind, GRID_NAMES[grid], row.upper()]
             converted = ((value ** 3.0 * a + value ** 2.0 * b) + c * value) + d
@@ -81,6 +83,52 @@ class AirToCommands(unittest.TestCase):
                   one["raw"], one["value"]) for one in read if one["type"] == "reading"]
         self.assertEqual(len(found), 32)
         self.assertEqual(found, list(readings(folder, lines)))
+
+    def test_three_passes_one_of_them_with_a_kill_in_its_middle_stand_in_the_history(self):
+        sides = list(RAW)
+        numbered = {(tour, key): calibration.line(100 * tour + i, key[1], [value + tour for value in RAW[key]])
+                    for tour in range(3) for i, key in enumerate(sides)}
+        with DirewolfAir() as engine:
+            folder = rig.make_program_folder(self.scratch / "folder", engine.port)
+
+            def connected():
+                process = self.listen(folder)
+                self.until(process, lambda one: one.get("text", "").startswith("*** AGWPE V"))
+                return process
+
+            def hear(process, tour, keys):
+                """Plays frames and waits for the readings of the last one."""
+                engine.play([f"{SIDES[key[0]]}>APRS,WIDE2-2:{numbered[tour, key]}" for key in keys])
+                last = numbered[tour, keys[-1]].split(",")[0]
+                return self.until(process, lambda one: one["type"] == "reading" and one["sequence"] == last
+                                  and one["channel"] == 4)
+
+            process = connected()
+            heard = hear(process, 0, sides)
+            heard += hear(process, 1, sides[:4])
+            process.kill()
+            process.wait()
+            process = connected()
+            heard += hear(process, 1, sides[4:])
+            heard += hear(process, 2, sides)
+            self.assertEqual(rig.end(process), 0)
+        heard = [one for one in heard if one["type"] == "reading"]
+        told = subprocess.run([PROGRAM, "--folder", folder, "history", "--format", "json"], env=self.environment,
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True, check=True)
+        self.assertEqual(told.stderr, "")
+        kept = [json.loads(line) for line in told.stdout.splitlines()]
+        self.assertEqual(kept, heard)
+        found = [(one["source"], one["sequence"], one["side"], one["frame_type"], one["channel"], one["grid"], one["row"],
+                  one["raw"], one["value"]) for one in kept]
+        expected = [reading for tour in range(3)
+                    for reading in readings(folder, {key: numbered[tour, key] for key in sides}, tour)]
+        self.assertEqual(len(found), 96)
+        self.assertEqual(found, expected)
+        exported = subprocess.run([PROGRAM, "--folder", folder, "history", "--format", "csv"], env=self.environment,
+                                  stdin=subprocess.DEVNULL, capture_output=True, text=True, check=True).stdout
+        self.assertEqual([(row["sequence"], row["grid"], row["row"], float(row["raw"]), float(row["value"]))
+                          for row in csv.DictReader(exported.splitlines())],
+                         [(one[1], one[5], one[6], one[7], one[8]) for one in expected])
 
 
 if __name__ == "__main__":

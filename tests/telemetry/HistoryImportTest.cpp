@@ -308,7 +308,7 @@ void HistoryImportTest::undoPutsItBackWithWhatWasHeardSince() {
     file.write(Line(midnight + 5 * hour, 5));
     file.close();
     QCOMPARE(HistoryImport::Undo(History()), QString());
-    QCOMPARE(m_folder->Read(u"tlm.txt"_s), old + Line(midnight + 5 * hour, 5));
+    QCOMPARE(m_folder->Read(u"tlm.txt"_s), old + header + Line(midnight + 5 * hour, 5));
     QVERIFY(!HistoryImport::CanUndo(History()));
     QVERIFY(!HistoryImport::Undo(History()).isEmpty());
 }

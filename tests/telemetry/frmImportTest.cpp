@@ -127,7 +127,8 @@ void frmImportTest::filesAreCountedThenComeInThenAreTakenBack() {
     Hear(2);
     Press("cmdUndo");
     QCOMPARE(changed.size(), 2);
-    QCOMPARE(History(), before + IsoTime::Milliseconds(noon + 2) + ",XQ9ZZ-1,A," + Information(2) + '\n');
+    QCOMPARE(History(),
+             before + header + IsoTime::Milliseconds(noon + 2) + ",XQ9ZZ-1,A," + Information(2) + '\n');
     QVERIFY(!Find<QPushButton>("cmdUndo")->isEnabled());
     QVERIFY(m_presenter.messages.isEmpty());
     Press("cmdClose");

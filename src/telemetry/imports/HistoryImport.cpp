@@ -58,6 +58,14 @@ QString AppendFrom(const QString& path, qint64 from, QFile& to) {
     return file.error() == QFileDevice::NoError ? QString() : file.errorString();
 }
 
+// Whether a line of a file ends at this place, or none has begun yet.
+bool IsLineEnd(const QString& path, qint64 place) {
+    QFile file(path);
+    char last = '\n';
+    return file.open(QIODevice::ReadOnly) &&
+           (place == 0 || (file.seek(place - 1) && file.getChar(&last) && last == '\n'));
+}
+
 // What is written to the file from now on is to be found under this name, also after a power cut.
 QString PutInPlace(const QString& from, const QString& to) {
     const QString reason = Rename(from, to);
@@ -167,8 +175,8 @@ HistoryImport::Result HistoryImport::Prepare(const Progress& progress) {
     return reason.isEmpty() ? Result::Done : Fail(reason);
 }
 
-// Writes the old lines and, in the order of their times among them, those that come in. The file begins with
-// the header, and another one stands behind its last line: what is behind that was heard after the import.
+// Writes the old lines and, in the order of their times among them, those that come in, between two headers
+// of the newest layout if need be.
 bool HistoryImport::Merge(HistoryWalk* old, const Progress& progress) {
     const QByteArray header = HistoryLayout::Header();
     const HistoryLayout newest = HistoryLayout::Newest();
@@ -200,7 +208,7 @@ bool HistoryImport::Merge(HistoryWalk* old, const Progress& progress) {
     if (!isNewest)
         Write(ToView(header));
     WriteUntil(std::numeric_limits<qint64>::max(), {}, true);
-    return Write(ToView(header));
+    return m_new->error() == QFileDevice::NoError;
 }
 
 // Writes what comes in before `utc`. Among lines of another layout it stands between headers of its own,
@@ -236,13 +244,18 @@ HistoryImport::Result HistoryImport::Commit() {
     return Result::Done;
 }
 
-// What was appended to the old file since it was read.
+// What was appended to the old file since it was read, and a header: what comes to stand behind that one was
+// heard after the import, and is not in the old file.
 QString HistoryImport::CopyTail() {
     const qint64 size = QFileInfo::exists(m_path) ? QFileInfo(m_path).size() : 0;
-    if (size < m_oldSize)
+    if (size < m_oldSize || (size > m_oldSize && !IsLineEnd(m_path, m_oldSize)))
         return QStringLiteral("the history was changed meanwhile");
     const QString reason = size > m_oldSize ? AppendFrom(m_path, m_oldSize, *m_new) : QString();
-    return reason.isEmpty() ? Finish(*m_new) : reason;
+    if (!reason.isEmpty())
+        return reason;
+    if (size > m_oldSize && !IsLineEnd(m_path, size))
+        Write("\n");
+    return Write(ToView(HistoryLayout::Header())) ? Finish(*m_new) : m_new->errorString();
 }
 
 // The old file under its second name. At no moment is there no history.
@@ -260,6 +273,10 @@ QString HistoryImport::KeepOld() const {
         if (!old.copy(making))
             return old.errorString();
     }
+    QFile kept(making); // what was heard last may be on its way to the disk still
+    if (const QString reason = kept.open(QIODevice::ReadOnly) ? SyncToDisk(kept) : kept.errorString();
+        !reason.isEmpty())
+        return reason;
     return Rename(making, backup);
 }
 
@@ -270,6 +287,7 @@ bool HistoryImport::CanUndo(const QString& path) {
 
 QString HistoryImport::Undo(const QString& path) {
     const QString real = Real(path);
+    const QString backup = BackupOf(real);
     if (!CanUndo(path))
         return QStringLiteral("there is no import to undo");
     // What was heard since then stands behind the last header.
@@ -279,33 +297,32 @@ QString HistoryImport::Undo(const QString& path) {
     while (QFileInfo::exists(real) && reason.isEmpty() && now.Next())
         if (now.What() == HistoryWalk::Kind::Header)
             heard = now.Position();
-    HistoryWalk before(BackupOf(real));
-    if (reason.isEmpty())
-        reason = before.Open();
-    bool isEnded = true;
-    while (reason.isEmpty() && before.Next())
-        isEnded = before.Bytes().ends_with('\n');
     if (!reason.isEmpty())
         return reason;
+    if (heard == 0 || now.Size() == heard)
+        return PutInPlace(backup, real);
     QFile file(NewOf(real));
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         return file.errorString();
-    file.setPermissions(QFile::permissions(BackupOf(real)));
-    reason = AppendFrom(BackupOf(real), 0, file);
-    if (reason.isEmpty() && heard > 0 && now.Size() > heard) {
-        if (!isEnded)
+    file.setPermissions(QFile::permissions(backup));
+    reason = AppendFrom(backup, 0, file);
+    if (reason.isEmpty()) {
+        // A header again, so that to undo once more, where this ends before the old file is gone, does the
+        // same.
+        if (!IsLineEnd(backup, QFileInfo(backup).size()))
             file.write("\n");
-        if (!(before.Layout() == HistoryLayout::Newest()))
-            file.write(HistoryLayout::Header());
+        file.write(HistoryLayout::Header());
         reason = AppendFrom(real, heard, file);
     }
     if (reason.isEmpty())
         reason = Finish(file);
     if (reason.isEmpty())
         reason = PutInPlace(file.fileName(), real);
-    if (reason.isEmpty())
-        (void)QFile::remove(BackupOf(real));
-    else
+    if (!reason.isEmpty()) {
         file.remove();
-    return reason;
+        return reason;
+    }
+    (void)QFile::remove(backup);
+    SyncFolderToDisk(QFileInfo(real).absolutePath());
+    return {};
 }

@@ -25,8 +25,7 @@ struct ImportCount {
 ///   that are not understood stay where they were. Like Count it may take a while, and may run on a thread of
 ///   its own while frames are heard.
 /// - Commit puts it in the place of the old one, which stays as tlm.before-import.txt. It is short, and is
-/// for
-///   the thread that writes the history: what was appended meanwhile goes along.
+///   for the thread that writes the history: what was appended meanwhile goes along.
 ///
 /// What was prepared and not committed goes with the object.
 class HistoryImport {

@@ -32,6 +32,11 @@ void ImportJob::Count(const QStringList& files, const ImportOptions& options) {
 }
 
 void ImportJob::Import() {
+    if (!m_settle()) { // a line that was begun is to be whole when it is read
+        m_reason = NoRoom();
+        Q_EMIT ImportEnded(Result::Failed);
+        return;
+    }
     const auto progress = [this](qint64 done, qint64 total) { return Tell(done, total); };
     Start([this, progress] { return m_import.Prepare(progress); },
           [this](Result result) { Q_EMIT ImportEnded(result == Result::Done ? Commit() : result); });
