@@ -1,5 +1,7 @@
 #include "app/StatusBarView.h"
 
+#include "foundation/fields/Amber.h"
+
 #include <QLabel>
 #include <QToolButton>
 
@@ -7,13 +9,10 @@ namespace {
 
 constexpr int refreshInterval = 1000; // ms
 
-// Amber that reads on light and on dark ground alike.
 void Mark(QLabel* label, bool isMarked) {
     QPalette palette;
-    if (isMarked) {
-        const bool isDark = palette.color(QPalette::Window).lightness() < 128;
-        palette.setColor(QPalette::WindowText, isDark ? QColor(255, 191, 0) : QColor(140, 80, 0));
-    }
+    if (isMarked)
+        palette.setColor(QPalette::WindowText, AmberOn(palette.color(QPalette::Window)));
     label->setPalette(palette);
 }
 

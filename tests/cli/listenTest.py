@@ -273,6 +273,10 @@ class Decode(CommandTest):
         (self.folder / "formula.txt").write_text("")
         (self.folder / "channels.txt").write_text("*,POWER,Batt A,V,,,,,\nB,POWER,Batt Q,V,,,,,\n")
         self.assertRegex(self.call("decode", "--check", code=1), "^channels.txt: line 2: .*\n$")
+        (self.folder / "horizon.txt").write_text("# the hill\n0,5\n90,x\n")
+        (self.folder / "frequencies.txt").write_text("QIRAN,Downlink,145.825\nMIR,Beacon,145.55\n")
+        self.assertRegex(self.call("decode", "--check", code=1),
+                         "^channels.txt: line 2: .*\nhorizon.txt: line 3: .*\nfrequencies.txt: line 2: .*\n$")
         self.call("decode", "--check", self.scratch, code=2)
 
 
