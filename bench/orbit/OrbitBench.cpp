@@ -105,34 +105,53 @@ void PassList3Days(benchmark::State& state, const Elements& elements) {
     state.counters["propagations"] = propagations;
 }
 
-/// A folder of 30,000 objects.
-void ReadFolder(benchmark::State& state) {
+std::string WithChecksum(const std::string& line) {
+    int sum = 0;
+    for (const char c : line)
+        sum += c == '-' ? 1 : c >= '0' && c <= '9' ? c - '0' : 0;
+    return line + std::to_string(sum % 10) + "\n";
+}
+
+std::string TwoLines(int number) {
+    const std::string digits = std::to_string(number);
+    return "OBJECT " + digits + "\n" +
+           WithChecksum("1 " + digits + "U 98067A   26320.51782528  .00016717  00000-0  30777-3 0  999") +
+           WithChecksum("2 " + digits + "  51.6400 208.9163 0006703  69.9862  25.2906 15.4956053254241");
+}
+
+// As public servers write the same set.
+std::string OmmLine(int number) {
+    const std::string digits = std::to_string(number);
+    return "OBJECT " + digits +
+           ",1998-067A,2026-11-16T12:25:40.104192,15.49560532,.0006703,51.6400,208.9163," +
+           "69.9862,25.2906,0,U," + digits + ",999,54241,.30777E-3,.16717E-3,0\n";
+}
+
+constexpr int firstObject = 10000;
+constexpr int objects = 30000;
+
+/// A folder of 30,000 objects in one file: a header, and the text of each.
+void ReadFolder(benchmark::State& state, const std::string& header, std::string (*textOf)(int)) {
     const fs::path folder = fs::temp_directory_path() / ("OrbitBenchFolder." + std::to_string(getpid()));
     fs::create_directory(folder);
-    const auto withChecksum = [](const std::string& line) {
-        int sum = 0;
-        for (const char c : line)
-            sum += c == '-' ? 1 : c >= '0' && c <= '9' ? c - '0' : 0;
-        return line + std::to_string(sum % 10) + "\n";
-    };
     {
         std::ofstream file(folder / "all.txt");
-        for (int k = 10000; k < 40000; ++k) {
-            const std::string number = std::to_string(k);
-            file << "OBJECT " << number << "\n"
-                 << withChecksum("1 " + number +
-                                 "U 98067A   26320.51782528  .00016717  00000-0  30777-3 0  999")
-                 << withChecksum("2 " + number +
-                                 "  51.6400 208.9163 0006703  69.9862  25.2906 15.4956053254241");
-        }
+        file << header;
+        for (int k = firstObject; k < firstObject + objects; ++k)
+            file << textOf(k);
     }
     for (auto _ : state) {
         const auto read = ElementFolder::Read(folder.string(), {});
-        if (!read || read->Count() != 30000)
+        if (!read || read->Count() != objects)
             state.SkipWithError("objects are missing");
     }
     fs::remove_all(folder);
 }
+
+const std::string ommHeader =
+    "OBJECT_NAME,OBJECT_ID,EPOCH,MEAN_MOTION,ECCENTRICITY,INCLINATION,RA_OF_ASC_NODE,ARG_OF_PERICENTER,"
+    "MEAN_ANOMALY,EPHEMERIS_TYPE,CLASSIFICATION_TYPE,NORAD_CAT_ID,ELEMENT_SET_NO,REV_AT_EPOCH,BSTAR,"
+    "MEAN_MOTION_DOT,MEAN_MOTION_DDOT\n";
 
 } // namespace
 
@@ -144,6 +163,7 @@ BENCHMARK_CAPTURE(PassList3Days, Polar, polar);
 BENCHMARK_CAPTURE(PassList3Days, Equatorial, equatorial);
 BENCHMARK_CAPTURE(PassList3Days, Eccentric, eccentric);
 BENCHMARK_CAPTURE(PassList3Days, HalfDay, halfDay);
-BENCHMARK(ReadFolder)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ReadFolder, TwoLines, "", TwoLines)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ReadFolder, OmmCsv, ommHeader, OmmLine)->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

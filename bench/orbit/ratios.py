@@ -88,7 +88,9 @@ def main():
     unit = seconds["SinCos"]
     for name, most in (("Propagate/NearEarth", 15), ("Propagate/DeepSpaceResonant", 40), ("PositionQuery", 25)):
         print(f"{name:32} {seconds[name] / unit:8.1f} sincos (at most {most})")
-    print(f"{'ReadFolder (30,000 objects)':32} {seconds['ReadFolder'] * 1e3:8.1f} ms")
+    lines, omm = (seconds["ReadFolder/" + form] for form in ("TwoLines", "OmmCsv"))
+    print(f"{'ReadFolder (30,000 objects)':32} {lines * 1e3:8.1f} ms")
+    print(f"{'the same as OMM CSV':32} {omm / lines:8.2f} of that time (at most 3)")
     for name, orbit in ORBITS.items():
         run = runs["PassList3Days/" + name]
         ours = seconds["PassList3Days/" + name]

@@ -2,6 +2,7 @@
 
 #include "app/LinkButton.h"
 #include "app/SteadyBox.h"
+#include "foundation/fields/Amber.h"
 
 #include <QKeyEvent>
 #include <QLabel>
@@ -9,13 +10,10 @@
 
 namespace {
 
-// Amber that reads on light and on dark ground alike.
 void Mark(QLabel* label, bool isMarked) {
     QPalette palette;
-    if (isMarked) {
-        const bool isDark = palette.color(QPalette::Window).lightness() < 128;
-        palette.setColor(QPalette::WindowText, isDark ? QColor(255, 191, 0) : QColor(140, 80, 0));
-    }
+    if (isMarked)
+        palette.setColor(QPalette::WindowText, AmberOn(palette.color(QPalette::Window)));
     label->setPalette(palette);
 }
 

@@ -273,6 +273,10 @@ class Decode(CommandTest):
         (self.folder / "formula.txt").write_text("")
         (self.folder / "channels.txt").write_text("*,POWER,Batt A,V,,,,,\nB,POWER,Batt Q,V,,,,,\n")
         self.assertRegex(self.call("decode", "--check", code=1), "^channels.txt: line 2: .*\n$")
+        (self.folder / "horizon.txt").write_text("# the hill\n0,5\n90,x\n")
+        (self.folder / "frequencies.txt").write_text("QIRAN,Downlink,145.825\nMIR,Beacon,145.55\n")
+        self.assertRegex(self.call("decode", "--check", code=1),
+                         "^channels.txt: line 2: .*\nhorizon.txt: line 3: .*\nfrequencies.txt: line 2: .*\n$")
         self.call("decode", "--check", self.scratch, code=2)
 
 
@@ -324,6 +328,46 @@ class Keps(StationTest):
         self.call("keps", "fetch", "--force", code=1)
         self.assertIn("refused", self.said)
         self.assertEqual((self.folder / "Keps/amateur.txt").read_bytes(), old)
+
+    NOTHING_NEW = b"GP data has not updated since your last successful download of GROUP=amateur."
+
+    def test_what_the_server_has_nothing_newer_of_is_current_already(self):
+        self.call("keps", "fetch")
+        old = (self.folder / "Keps/amateur.txt").read_bytes()
+        ElementServer.answer = (403, self.NOTHING_NEW)
+        self.assertIn("amateur.txt is current already - " + self.NOTHING_NEW.decode(), self.call("keps", "fetch", "--force"))
+        self.assertEqual((self.folder / "Keps/amateur.txt").read_bytes(), old)
+        self.assertIn("not asked again", self.call("keps", "fetch"))
+
+    def test_any_other_refusal_ends_it(self):
+        host = self.call("config", "get", "KEPS/FILE_1").split("/")[0]
+        rig.write_settings(self.settings, {("KEPS", "FILE_2"): host + "/second.txt"})
+        ElementServer.answer = (403, b"You have been shut out.")
+        self.call("keps", "fetch", code=1)
+        self.assertIn("403 Forbidden: You have been shut out.", self.said)
+        self.assertIn("not asked after the refusal", self.said)
+        self.assertEqual(ElementServer.asked, ["/amateur.txt"])
+
+    def test_elements_come_as_messages_too(self):
+        keys = "NORAD_CAT_ID,EPOCH,MEAN_MOTION,ECCENTRICITY,INCLINATION,RA_OF_ASC_NODE,ARG_OF_PERICENTER,MEAN_ANOMALY,BSTAR"
+        ElementServer.answer = (200, f"{keys}\n123456789,2026-11-21T00:00:00,14.5,0,98,1,2,3,0\n".encode())
+        self.call("keps", "fetch")
+        self.assertIn(123456789, {one["number"] for one in records(self.call("keps", "list", "--format", "json"))})
+        ElementServer.answer = (200, (keys + "\n").encode())
+        self.call("keps", "fetch", "--force", code=1)
+        self.assertIn("The file holds no elements", self.said)
+        self.assertIn(123456789, {one["number"] for one in records(self.call("keps", "list", "--format", "json"))})
+
+    def test_a_running_station_is_told_that_nothing_is_newer(self):
+        (self.folder / "Keps/amateur.txt").write_bytes(b"old")
+        (self.folder / "Keps/example.txt").unlink()
+        ElementServer.answer = (403, self.NOTHING_NEW)
+        process = self.listen("--format", "json", "--fetch-keps", "30")
+        self.connected(process)
+        rig.wait_for(lambda: ElementServer.asked, "the server was asked", alive=process)
+        rig.wait_for((self.folder / "KepsFetched.txt").exists, "the answer was taken", alive=process)
+        self.assertIn("amateur.txt is current already", self.end(process)[1])
+        self.assertEqual((self.folder / "Keps/amateur.txt").read_bytes(), b"old")
 
     def test_without_an_address_it_says_what_to_set(self):
         rig.write_settings(self.settings, {("KEPS", "FILE_1"): ""})

@@ -7,6 +7,7 @@ is allowed and what a horizon crossed slowly adds; angles are good to 0.01 degre
 the azimuths at a printed rise or set, which belong to the true one."""
 
 import datetime
+import json
 import signal
 import subprocess
 import sys
@@ -20,7 +21,7 @@ except ImportError as missing:
     print(f"Debian's package is not installed: {missing}")
     sys.exit(77)
 
-from command import CommandTest, records, rows
+from command import NAME, CommandTest, records, rows
 
 UTC = datetime.timezone.utc
 SCALE = load.timescale(delta_t=69.184)
@@ -338,6 +339,80 @@ class KepsList(SkyTest):
         (self.folder / "Keps").rmdir()
         self.call("keps", "list", code=1)
         self.assertIn("keps fetch", self.said)
+
+
+    def test_objects_of_several_files_and_old_ones_are_named(self):
+        self.call("keps", "list")
+        self.assertNotIn("count", self.said)
+        lines = (self.folder / "Keps/example.txt").read_text().splitlines()
+        (self.folder / "Keps/second.csv").write_text(as_csv([omm_of(lines[0:3], number="90417"), omm_of(lines[3:6])]))
+        (self.folder / "Keps/third.json").write_text(json.dumps(omm_of(lines[3:6], number="123456789", name="OLD", epoch="2001-01-01T00:00:00.5")))
+        found = records(self.call("keps", "list", "--format", "json"))
+        self.assertEqual(sorted((one["format"], one["number"]) for one in found),
+                         [("CSV", 25544), ("CSV", 90417), ("JSON", 123456789), ("TLE", 25544), ("TLE", 90417)])
+        said = self.said.splitlines()
+        self.assertIn(said[0].removeprefix(NAME),
+                      [f"25544 ISS (ZARYA) and 1 more in {files}; the newest elements count"
+                       for files in ("example.txt and in second.csv", "second.csv and in example.txt")])
+        self.assertTrue(said[1].startswith(NAME + "older than 14 days, so that passes may be wrong: "), said)
+        self.assertTrue(said[1].endswith("123456789 OLD") or "more" in said[1], said)
+
+
+def omm_of(lines, **changed):
+    """The message that says the same as a set of three lines."""
+    name, one, two = lines
+    epoch = datetime.datetime(2000 + int(one[18:20]), 1, 1) + datetime.timedelta(days=float(one[20:32]) - 1)
+    bstar = one[53:54].strip() + "." + one[54:59] + "E" + one[59:61]
+    fields = {"OBJECT_NAME": name.strip(), "EPOCH": epoch.isoformat(timespec="microseconds"), "MEAN_MOTION": two[52:63].strip(),
+              "ECCENTRICITY": "." + two[26:33], "INCLINATION": two[8:16].strip(), "RA_OF_ASC_NODE": two[17:25].strip(),
+              "ARG_OF_PERICENTER": two[34:42].strip(), "MEAN_ANOMALY": two[43:51].strip(), "EPHEMERIS_TYPE": "0",
+              "NORAD_CAT_ID": str(int(two[2:7])), "BSTAR": bstar}
+    names = {"number": "NORAD_CAT_ID", "name": "OBJECT_NAME", "epoch": "EPOCH"}
+    return fields | {names[key]: value for key, value in changed.items()}
+
+
+def as_csv(messages):
+    return "\n".join(",".join(line) for line in [messages[0], *(one.values() for one in messages)]) + "\n"
+
+
+def as_xml(messages):
+    return "<?xml version='1.0'?><ndm>" + "".join(
+        "<omm><body>" + "".join(f"<{key}>{value}</{key}>" for key, value in one.items()) + "</body></omm>"
+        for one in messages) + "</ndm>"
+
+
+class Messages(SkyTest):
+    def test_the_same_objects_have_the_same_passes_in_every_format(self):
+        keps = self.folder / "Keps"
+        lines = (keps / "example.txt").read_text().splitlines()
+        messages = [omm_of(lines[0:3]), omm_of(lines[3:6])]
+        asked = [["passes", "--satellite", which, "--days", "5", "--count", "99", "--from", "2026-11-22", "--format", form]
+                 for which in ("QIRAN", "ISS", "25544") for form in ("text", "csv", "json")]
+        expected = [self.call(*words) for words in asked]
+        self.assertGreater(len(expected[0].splitlines()), 10)
+        (keps / "example.txt").unlink()
+        for name, text in (("a.txt", as_csv(messages)), ("b", json.dumps(messages)), ("c.tle", as_xml(messages))):
+            (keps / name).write_text(text)
+            self.assertEqual([self.call(*words) for words in asked], expected, name)
+            (keps / name).unlink()
+
+    def test_side_by_side_with_numbers_of_their_own_they_agree(self):
+        keps = self.folder / "Keps"
+        lines = (keps / "example.txt").read_text().splitlines()
+        (keps / "beside.csv").write_text(as_csv([omm_of(lines[0:3], number="123456789"), omm_of(lines[3:6], number="100001")]))
+        found = records(self.call("passes", "--satellite", "all", "--days", "3", "--from", "2026-11-22", "--format", "json"))
+        of = {number: [{key: value for key, value in one.items() if key not in ("number", "satellite")}
+                       for one in found if one["number"] == number] for number in (90417, 25544, 123456789, 100001)}
+        self.assertTrue(of[90417] and of[25544])
+        self.assertEqual(of[123456789], of[90417])
+        self.assertEqual(of[100001], of[25544])
+
+    def test_the_satellite_may_have_nine_digits(self):
+        keps = self.folder / "Keps"
+        lines = (keps / "example.txt").read_text().splitlines()
+        (keps / "new.csv").write_text(as_csv([omm_of(lines[0:3], number="123456789")]))
+        self.call("config", "set", "SETUP/QIRAN_OBJ_NUM", "123456789")
+        self.assertEqual(records(self.call("where", "--format", "json"))[0]["number"], 123456789)
 
 
 class Reading(SkyTest):

@@ -1,5 +1,6 @@
 #include "orbit/panel/framLocation.h"
 
+#include "foundation/fields/Amber.h"
 #include "orbit/FakeLibrary.h"
 #include "support/Screenshots.h"
 #include "support/TemporaryProgramFolder.h"
@@ -9,6 +10,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
 
 namespace {
 
@@ -92,7 +94,7 @@ private Q_SLOTS:
     void captionCarriesTheNameOfTheElements();
     void dueCaptionSaysWhichTime();
     void passInfoIsAskedFor();
-    void oldElementsAreSaidSo();
+    void theElementsAgeIsNamedAmberWhenOld();
     void buttonsAnswerTheirAccessKeys();
     void pictures();
 };
@@ -264,15 +266,22 @@ void framLocationTest::passInfoIsAskedFor() {
     QCOMPARE(asked.count(), 1);
 }
 
-void framLocationTest::oldElementsAreSaidSo() {
+void framLocationTest::theElementsAgeIsNamedAmberWhenOld() {
     Fixture f;
     const DateTime now = f.sats.datGmtTime();
     f.library->source = ElementSource{.name = "X", .file = "<b>amateur</b>.txt", .epochUtc = now - 14.0};
     f.panel->Refresh();
-    QCOMPARE(f.panel->toolTip(), QString());
+    QVERIFY2(f.panel->toolTip().contains(QStringLiteral("14 days old.\nEpoch")),
+             qPrintable(f.panel->toolTip()));
+    QVERIFY(!f.panel->toolTip().contains(QStringLiteral("color")));
+    f.library->source->epochUtc = now + 1.5;
+    f.panel->Refresh();
+    QVERIFY(f.panel->toolTip().contains(QStringLiteral("0 days old.")));
     f.library->source->epochUtc = now - 14.01;
     f.panel->Refresh();
-    QVERIFY(f.panel->toolTip().contains(QStringLiteral("14 days old")));
+    QVERIFY(f.panel->toolTip().contains(QStringLiteral("14 days old: passes may be wrong.")));
+    QVERIFY(f.panel->toolTip().contains(QStringLiteral("color:") +
+                                        AmberOn(QToolTip::palette().color(QPalette::ToolTipBase)).name()));
     f.library->source->epochUtc = now - 20.5;
     f.panel->Refresh();
     const QString tip = f.panel->toolTip();

@@ -4,6 +4,8 @@
 #include "cli/output/Records.h"
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
+#include "orbit/skyview/FrequenciesFile.h"
+#include "orbit/skyview/HorizonFile.h"
 #include "telemetry/calibration/FormulaFile.h"
 #include "telemetry/calibration/TelemetryDecoder.h"
 #include "telemetry/limits/ChannelsFile.h"
@@ -29,6 +31,8 @@ constexpr std::size_t pieceSize = 65536;
 
 const QString formulaFile = QStringLiteral("formula.txt");
 const QString channelsFile = QStringLiteral("channels.txt");
+const QString horizonFile = QStringLiteral("horizon.txt");
+const QString frequenciesFile = QStringLiteral("frequencies.txt");
 const QString standardInput = QStringLiteral("-");
 
 /// The frames of a stream, whose first bytes tell whether it is a recording or text.
@@ -146,17 +150,22 @@ private:
     bool m_isEnded = false;
 };
 
+template <class Fault>
+void AddFaults(const QString& file, const std::vector<Fault>& found, QStringList& faults) {
+    for (const Fault& fault : found)
+        faults.append(fault.line == 0
+                          ? QStringLiteral("%1: %2").arg(file, fault.reason)
+                          : QStringLiteral("%1: line %2: %3").arg(file).arg(fault.line).arg(fault.reason));
+}
+
 int Check(const Session& session) {
     QStringList faults;
     const QStringList formulaFaults = CheckFormulae(session.folder.File(formulaFile));
     for (const QString& fault : formulaFaults)
         faults.append(QStringLiteral("%1: %2").arg(formulaFile, fault));
-    const ChannelsFile channels = ChannelsFile::Read(session.folder.File(channelsFile));
-    for (const ChannelsFile::Fault& fault : channels.Faults())
-        faults.append(
-            fault.line == 0
-                ? QStringLiteral("%1: %2").arg(channelsFile, fault.reason)
-                : QStringLiteral("%1: line %2: %3").arg(channelsFile).arg(fault.line).arg(fault.reason));
+    AddFaults(channelsFile, ChannelsFile::Read(session.folder.File(channelsFile)).Faults(), faults);
+    AddFaults(horizonFile, HorizonFile::Read(session.folder.File(horizonFile)).Faults(), faults);
+    AddFaults(frequenciesFile, FrequenciesFile::Read(session.folder.File(frequenciesFile)).Faults(), faults);
     for (const QString& fault : faults)
         session.console.Print(fault + u'\n');
     return faults.isEmpty() ? ExitCode::Done : ExitCode::Failed;

@@ -90,7 +90,7 @@ const RecordType elements{
     u"The orbital elements of an object.",
     {
         {"file", Kind::Text, 0, 16, u"in the Keps folder"},
-        {"format", Kind::Text, 0, 6, u"TLE"},
+        {"format", Kind::Text, 0, 6, u"TLE, CSV, JSON or XML"},
         {"number", Kind::Whole, 0, 9, u"catalogue number"},
         {"name", Kind::Text, 0, 24, u"the name line"},
         {"epoch", Kind::Seconds, 0, 20, u"the time that the elements hold for"},

@@ -74,8 +74,7 @@ std::span<const Command> All() {
         {.name = u"keps list",
          .summary = u"The orbital elements in the Keps folder.",
          .description = u"Prints every good set of elements, file by file, and how old it is. What is wrong "
-                        u"with others is "
-                        u"said.",
+                        u"with others, which objects stand in several files and which are old is said.",
          .arguments = {},
          .options = {&format, &local},
          .run = KepsList},

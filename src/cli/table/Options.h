@@ -113,9 +113,10 @@ inline constexpr Option fetchKeps{
     .help = u"Fetch orbital elements when the newest in the Keps folder are older than this.",
     .least = 1,
     .greatest = 366};
-inline constexpr Option check{.name = u"check",
-                              .help = u"Decode nothing, but name every line of the program folder's "
-                                      u"formula.txt and channels.txt that is wrong."};
+inline constexpr Option check{
+    .name = u"check",
+    .help = u"Decode nothing, but name every line of the program folder's "
+            u"formula.txt, channels.txt, horizon.txt and frequencies.txt that is wrong."};
 inline constexpr Option zone{
     .name = u"zone",
     .value = u"utc|local|ZONE",

@@ -39,7 +39,7 @@ private:
     bool m_isEscaped = false; ///< behind a backslash there
     bool m_isTooLong = false;
     std::size_t m_line = 1;
-    std::size_t m_begun = 0; ///< the line where the object begins
+    std::size_t m_begun = 1; ///< the line where the object begins
     std::size_t m_index = 0; ///< of the object
 };
 

@@ -44,7 +44,7 @@ private:
     char m_quote = 0;         ///< that is open in a tag
     std::size_t m_inside = 0; ///< how much of `m_text` stands before it
     std::size_t m_line = 1;
-    std::size_t m_begun = 0; ///< the line where the message begins
+    std::size_t m_begun = 1; ///< the line where the message begins
     std::size_t m_index = 0; ///< of the message
 };
 

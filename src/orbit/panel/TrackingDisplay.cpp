@@ -2,6 +2,7 @@
 
 #include "foundation/text/QIRUtil.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -59,16 +60,18 @@ QString TrackingDisplay::DueCaption() const {
     return m_cSats.blnLocalTime() ? QStringLiteral("Due (local)") : QStringLiteral("Due (UTC)");
 }
 
-QString TrackingDisplay::ElementsWarning() const {
+TrackingDisplay::ElementsAge TrackingDisplay::AgeOfElements() const {
     const TrackedSatellite& satellite = m_satellites.Selected();
     const std::optional<ElementSource> elements = m_cSats.ElementsOf(satellite.strObjNum);
     if (!elements)
         return {};
     const double age = m_cSats.datGmtTime() - elements->epochUtc;
-    if (!(age > maxElementDays))
-        return {};
-    return QStringLiteral("The elements of %1 are %2 days old: passes may be wrong.\nEpoch %3 UTC, file %4")
-        .arg(satellite.strBaseName, QString::number(std::floor(age), 'f', 0),
-             FormatDateTime(elements->epochUtc, u"yyyy-mmm-dd hh:nn"),
-             QString::fromStdString(elements->file));
+    const bool isOld = age > maxElementDays;
+    const QString text =
+        QStringLiteral("The elements of %1 are %2 days old%3.\nEpoch %4 UTC, file %5")
+            .arg(satellite.strBaseName, QString::number(std::floor(std::max(age, 0.0)), 'f', 0),
+                 isOld ? QStringLiteral(": passes may be wrong") : QString(),
+                 FormatDateTime(elements->epochUtc, u"yyyy-mmm-dd hh:nn"),
+                 QString::fromStdString(elements->file));
+    return {text, isOld};
 }

@@ -42,8 +42,12 @@ public:
 
     QString DueCaption() const;
 
-    /// Says so when the selected satellite's elements are old, with their epoch and file; otherwise empty.
-    QString ElementsWarning() const;
+    /// How old the selected satellite's elements are, with their epoch and file; empty when it has none.
+    struct ElementsAge {
+        QString text;
+        bool isOld = false; ///< passes may be wrong
+    };
+    ElementsAge AgeOfElements() const;
 
 private:
     void SetBackground(TrackingLabels::Background background);

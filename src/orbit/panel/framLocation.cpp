@@ -1,5 +1,6 @@
 #include "orbit/panel/framLocation.h"
 
+#include "foundation/fields/Amber.h"
 #include "foundation/fields/FixedFont.h"
 
 #include <QAction>
@@ -7,6 +8,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QToolTip>
 
 namespace {
 
@@ -95,10 +97,12 @@ void framLocation::Tick(bool forced) {
 void framLocation::Refresh() {
     Show(m_display.Refresh());
     // Rich text, so that a line is no narrower than it is long, and the file's name is taken as it stands.
-    const QString warning = m_display.ElementsWarning();
-    setToolTip(warning.isEmpty() ? QString()
-                                 : QStringLiteral("<p style='white-space:pre'>") + warning.toHtmlEscaped() +
-                                       QStringLiteral("</p>"));
+    const TrackingDisplay::ElementsAge age = m_display.AgeOfElements();
+    const QColor amber = AmberOn(QToolTip::palette().color(QPalette::ToolTipBase));
+    const QString colour = age.isOld ? QStringLiteral(";color:") + amber.name() : QString();
+    setToolTip(age.text.isEmpty() ? QString()
+                                  : QStringLiteral("<p style='white-space:pre%1'>").arg(colour) +
+                                        age.text.toHtmlEscaped() + QStringLiteral("</p>"));
 }
 
 void framLocation::SetDueCaption() {

@@ -339,3 +339,22 @@ TEST_F(KVRSatLibTest, SeveralThreadsMayAskAtATime) {
         thread.join();
     EXPECT_EQ(wrong, 0);
 }
+
+TEST_F(KVRSatLibTest, TheSetThatIsTrackedIsGivenAsItCame) {
+    const std::string lines = issName + "\n" + WithChecksum(issLine1.substr(0, 68)) + "\n" +
+                              WithChecksum(issLine2.substr(0, 68)) + "\n";
+    EXPECT_EQ(m_library.ElementTextOf("25544"), lines);
+    EXPECT_EQ(m_library.ElementTextOf("1"), "");
+    const std::string header = "NORAD_CAT_ID,EPOCH,MEAN_MOTION,ECCENTRICITY,INCLINATION,RA_OF_ASC_NODE,"
+                               "ARG_OF_PERICENTER,MEAN_ANOMALY,BSTAR\n";
+    const std::string newer = "25544,2026-11-18T00:00:00,15.5,0,51.6,1,2,3,0\n";
+    std::ofstream(m_folder / "new.csv")
+        << header << "5" << newer << "25544,2026-11-17T00:00:00,15.5,0,51.6,1,2,3,0\n"
+        << newer;
+    ASSERT_TRUE(m_library.SetElementFolder(m_folder.string()));
+    EXPECT_EQ(m_library.ElementTextOf("25544"), header + newer);
+    EXPECT_EQ(m_library.ElementsOf("25544")->format, "CSV");
+    EXPECT_EQ(m_library.ElementsOf("25544")->line, 4U);
+    fs::remove(m_folder / "new.csv");
+    EXPECT_EQ(m_library.ElementTextOf("25544"), "");
+}

@@ -1,0 +1,11 @@
+// OMM as XML: every record is one, or is told with its reason, and nothing grows with what is nested or
+// repeated.
+
+#include "Input.h"
+#include "OmmChecks.h"
+#include "orbit/elements/OmmXmlReader.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    CheckPieces<orbitmath::OmmXmlReader>(Input(data, size));
+    return 0;
+}
