@@ -145,11 +145,10 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic() {
     const auto open = [&] {
         if (opener == u"import")
             m_rig->window->ImportHistory(m_rig->window.get());
-        else if (auto* button = m_rig->window->findChild<QPushButton*>(opener))
-            if (auto* button = m_rig->window->findChild<QAbstractButton*>(opener))
-                button->click();
-            else
-                m_rig->window->findChild<QAction*>(opener)->trigger();
+        else if (auto* button = m_rig->window->findChild<QAbstractButton*>(opener))
+            button->click();
+        else
+            m_rig->window->findChild<QAction*>(opener)->trigger();
     };
     if (opener.isEmpty())
         check(m_rig->window.get());

@@ -340,6 +340,8 @@ void TelemetryGridViewTest::theTipHasALineForTheLimit() {
     QCOMPARE(marked, QStringLiteral("T#123  2002-Mar-05 14:07\n4010.00 <b>V</b>, low alarm"));
     QVERIFY(!Qt::mightBeRichText(marked));
     QCOMPARE(tip(TelemetryGrid::ValueB), QStringLiteral("T#124  2002-Mar-05 14:07"));
+}
+
 void TelemetryGridViewTest::doubleClickAndEnterAskForTheHistoryOfAValue() {
     QSignalSpy asked(&View(2), &TelemetryGridView::HistoryOfValue);
     QTest::mouseClick(View(2).viewport(), Qt::LeftButton, Qt::NoModifier, Middle(2, 7, 2));
