@@ -124,8 +124,7 @@ private Q_SLOTS:
             return request.contains("Authorization: ") ? onwards : challenge;
         });
         m_sequence->Download({u"me:secret@"_s + plain.Address() + u"/first.txt"_s, {}});
-        QTRY_VERIFY(m_lines.last().startsWith(u"Error - "));
-        QCOMPARE(m_lines.last(), u"Error - 401 Unauthorized"_s);
+        QTRY_VERIFY(m_lines.contains(u"Error - 401 Unauthorized"_s));
         QVERIFY(!secure.Requests().isEmpty());
         for (const QByteArray& request : secure.Requests())
             QVERIFY(!request.contains("Authorization") && !request.contains("secret"));
