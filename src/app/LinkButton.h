@@ -6,7 +6,7 @@
 class LinkButton : public QToolButton {
     Q_OBJECT
 public:
-    explicit LinkButton(QWidget* parent);
+    explicit LinkButton(QWidget* parent = nullptr);
 
     void ShowLink(const QString& text);
 

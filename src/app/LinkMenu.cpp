@@ -20,6 +20,7 @@ LinkMenu::LinkMenu(GroundStation& station, QWidget* parent)
     QAction* connectNow = Named(u"mnuLinkConnect", addAction(tr("&Connect Now")));
     Named(u"mnuLinkBar2", addSeparator());
     mnuLinkRecord = Named(u"mnuLinkRecord", addAction(tr("&Record Frames...")));
+    QAction* forwarding = Named(u"mnuLinkForwarding", addAction(tr("&Forwarding...")));
     auto* used = new QActionGroup(this);
     for (QAction* one : {mnuLinkUseAgwpe, mnuLinkUseKiss}) {
         one->setCheckable(true);
@@ -29,6 +30,7 @@ LinkMenu::LinkMenu(GroundStation& station, QWidget* parent)
 
     connect(agwpeSetup, &QAction::triggered, this, &LinkMenu::AgwpeSetupRequested);
     connect(kissSetup, &QAction::triggered, this, &LinkMenu::KissSetupRequested);
+    connect(forwarding, &QAction::triggered, this, &LinkMenu::ForwardingRequested);
     connect(mnuLinkUseAgwpe, &QAction::triggered, this, [this] { m_station.UseKiss(false); });
     connect(mnuLinkUseKiss, &QAction::triggered, this, [this] { m_station.UseKiss(true); });
     connect(connectNow, &QAction::triggered, this, [this] { m_station.link.Reconnect(); });

@@ -16,6 +16,7 @@ Q_SIGNALS:
     /// The user asks for a dialog.
     void AgwpeSetupRequested();
     void KissSetupRequested();
+    void ForwardingRequested();
 
 private:
     void ShowState();

@@ -4,8 +4,10 @@
 #include "app/MainMenuView.h"
 #include "app/OpenDialogs.h"
 #include "app/StatusBarView.h"
+#include "app/framGuide.h"
 #include "app/frmAbout.h"
 #include "core/Texts.h"
+#include "foundation/messages/DesktopNotices.h"
 #include "foundation/messages/mb.h"
 #include "foundation/placement/PlaceWindow.h"
 #include "foundation/placement/Twips.h"
@@ -18,6 +20,7 @@
 #include "orbit/panel/framLocation.h"
 #include "orbit/predictions/frmPass.h"
 #include "orbit/skyview/frmSky.h"
+#include "sharing/frmForward.h"
 #include "station/identity/frmLocation.h"
 #include "station/terminal/frmTerm.h"
 #include "telemetry/callsigns/frmCalls.h"
@@ -28,11 +31,14 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
+#include <QUrl>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -41,8 +47,9 @@ constexpr std::chrono::milliseconds closeRetry(10); // while dialogs close
 
 } // namespace
 
-frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages)
+frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages, DesktopNotices& notices)
     : m_messages(messages)
+    , m_notices(notices)
     , m_ground(folder, clock, messages, *this)
     , m_status(m_ground)
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
@@ -52,7 +59,13 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     m_ground.setParent(this); // its timers are found by name below the window
     m_timer1.setObjectName(QStringLiteral("Timer1"));
     m_timer1.setInterval(1000);
-    connect(&m_timer1, &QTimer::timeout, this, [this] { m_framLocation->Tick(); });
+    // One timer for all that changes with the second: what changes together is painted together.
+    connect(&m_timer1, &QTimer::timeout, this, [this] {
+        m_framLocation->Tick();
+        if (!staStatus->isHidden())
+            staStatus->Refresh();
+    });
+    connect(&m_running, &RunningWindow::Knocked, this, &frmQIRAN::ComeForward);
     LayOut();
     ConnectMenu(*m_menu);
 }
@@ -88,6 +101,7 @@ void frmQIRAN::LayOut() {
     staStatus->SetLinkMenu(linkMenu);
     connect(linkMenu, &LinkMenu::AgwpeSetupRequested, this, &frmQIRAN::ShowAgwpeSetup);
     connect(linkMenu, &LinkMenu::KissSetupRequested, this, &frmQIRAN::ShowKissSetup);
+    connect(linkMenu, &LinkMenu::ForwardingRequested, this, &frmQIRAN::ShowForwarding);
 }
 
 void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
@@ -120,7 +134,18 @@ bool frmQIRAN::Load() {
     return true;
 }
 
+void frmQIRAN::FolderIsTaken() {
+    RunningWindow::Knock(m_ground.folder.Path());
+}
+
+void frmQIRAN::ComeForward() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    raise();
+    activateWindow();
+}
+
 void frmQIRAN::Announce() {
+    m_running.Listen(m_ground.folder.Path());
     setWindowTitle(Texts::Caption(windowTitle()));
     m_messages.SetUpHelp(this, m_ground.folder.Path());
     Label2->setText(Texts::CubeExplanation());
@@ -159,10 +184,64 @@ void frmQIRAN::PrepareTracking() {
         m_framLocation->ShowCaption();
         m_framLocation->Refresh();
     });
+    connect(&m_ground, &GroundStation::LimitCrossed, this, &frmQIRAN::TellOfEvent);
     connect(&m_ground.link, &ChosenLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
     ApplyStationPosition();
     m_framLocation->ShowCaption();
     SetDueCaption();
+    if (!Settings::IsOn(m_ground.cIni, Settings::guideShow))
+        return;
+    m_guide = new framGuide;
+    m_guide->hide();
+    auto* layout = static_cast<QVBoxLayout*>(centralWidget()->layout());
+    layout->insertWidget(layout->indexOf(txtMon), m_guide);
+    connect(m_guide, &framGuide::Mend, this, &frmQIRAN::Mend);
+    connect(m_guide, &framGuide::CloseAsked, this, &frmQIRAN::EndGuide);
+    connect(&m_ground, &GroundStation::StatusLine, this, &frmQIRAN::ShowGuide);
+    connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ShowGuide);
+    connect(&m_ground, &GroundStation::ElementsChanged, this, &frmQIRAN::ShowGuide);
+}
+
+// The guide is there while anything is missing, and never again once nothing is.
+void frmQIRAN::ShowGuide() {
+    using StartGuide::State;
+    if (m_guide == nullptr)
+        return;
+    const auto lines = StartGuide::Of(m_ground);
+    const auto is = [](State state) {
+        return [state](const StartGuide::Line& line) { return line.state == state; };
+    };
+    if (std::ranges::all_of(lines, is(State::There))) {
+        EndGuide();
+        return;
+    }
+    m_guide->Show(lines);
+    if (std::ranges::any_of(lines, is(State::Missing)))
+        m_guide->show();
+}
+
+void frmQIRAN::EndGuide() {
+    Settings::Save(m_ground.cIni, Settings::guideShow, clsIni::TrueOrFalse(false));
+    m_guide->hide();
+    m_guide->deleteLater(); // its own button may be about it
+    m_guide = nullptr;
+}
+
+void frmQIRAN::Mend(StartGuide::Step step) {
+    switch (step) {
+    case StartGuide::Step::Formulae:
+        QDesktopServices::openUrl(QUrl::fromLocalFile(m_ground.folder.Path()));
+        break;
+    case StartGuide::Step::Engine:
+        ShowAgwpeSetup();
+        break;
+    case StartGuide::Step::Position:
+        ShowStationInformation();
+        break;
+    case StartGuide::Step::Elements:
+        DownloadKeps();
+        break;
+    }
 }
 
 void frmQIRAN::LoadTerminal() {
@@ -178,7 +257,8 @@ void frmQIRAN::Show() {
     QString showStatus = Settings::Peek(m_ground.cIni, Settings::statusShow);
     staStatus->setVisible(clsIni::IsItTrue(showStatus));
     if (!staStatus->isHidden())
-        staStatus->Start();
+        staStatus->Refresh();
+    ShowGuide();
     show();
 }
 
@@ -266,6 +346,10 @@ void frmQIRAN::ShowKissSetup() {
     frmKissSetup(m_ground.kiss, m_ground.link.Kiss(), m_messages, this).exec();
 }
 
+void frmQIRAN::ShowForwarding() {
+    frmForward(m_ground.forwarder, m_messages, this).exec();
+}
+
 void frmQIRAN::ShowCallsigns() {
     frmCalls(m_ground.callsigns, m_messages, this).DoCalls();
 }
@@ -275,9 +359,15 @@ void frmQIRAN::DownloadKeps() {
     if (!frmDownload(m_ground.folder, m_ground.cIni, m_messages, inet, this).DownloadKeps())
         return;
     m_ground.LoadElements();
+    ShowGuide();
     TellSky();
     m_framLocation->ShowCaption();
     m_framLocation->Refresh();
+}
+
+void frmQIRAN::TellOfEvent(const LimitEvent& event) {
+    if (Settings::IsOn(m_ground.cIni, Settings::noticeEvents))
+        m_notices.Show(Texts::Title(), Texts::Crossed(event));
 }
 
 void frmQIRAN::PurgeTelemetryFiles() {
@@ -299,7 +389,6 @@ void frmQIRAN::closeEvent(QCloseEvent* event) {
 
 void frmQIRAN::ReleaseWindows() {
     m_timer1.stop();
-    staStatus->Stop();
     m_terminal.reset();
     if (frmSky* sky = m_sky) {
         sky->close();

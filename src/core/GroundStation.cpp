@@ -1,8 +1,11 @@
 #include "core/GroundStation.h"
 
+#include "core/LastStart.h"
 #include "core/Roof.h"
+#include "core/SidsIdentity.h"
 #include "core/Texts.h"
 #include "core/Version.h"
+#include "foundation/messages/HelpTopics.h"
 #include "foundation/messages/mb.h"
 #include "foundation/settings/Settings.h"
 #include "orbit/service/KVRSatLib.h"
@@ -12,6 +15,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRandomGenerator>
 
 #include <iostream>
 
@@ -30,6 +34,14 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , kiss(cIni)
     , link(agw, kiss, clock, this)
     , callsigns(cIni)
+    , forwarder({.folder = folder,
+                 .ini = cIni,
+                 .clock = clock,
+                 .callsigns = callsigns,
+                 .post = forwardPost,
+                 .station = [this] { return SidsStationOf(station, satellites.At(0).strObjNum); },
+                 .random = [] { return QRandomGenerator::global()->generateDouble(); }},
+                this)
     , decoder(channelMap, formulae, callsigns)
     , terminal(cIni, clock, folder, station, link, messages,
                ProgramVersion{Version::major, Version::minor, Version::revision})
@@ -52,10 +64,13 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , m_recorder([this](const QString& reason) {
         ShowStatus(Texts::CannotWrite(QFileInfo(RecordingPath()).fileName(), reason));
     }) {
+    for (const auto& grid : grids)
+        grid->ShowLimits(limits, [&clock] { return clock.Milliseconds(); });
     using Takes = FanOut<HeardFrame>::Takes;
     heard.Add([this](const HeardFrame& frame) { m_intake.Take(frame); });
     heard.Add([this](const HeardFrame& frame) { decoder.Take(frame); }, Takes::LiveAndReplayed);
     heard.Add([this](const HeardFrame& frame) { m_recorder.Take(frame); });
+    heard.Add([this](const HeardFrame& frame) { forwarder.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { m_gridValues.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { history.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { limits.Take(frame); });
@@ -63,6 +78,9 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
 
     connect(&link, &ChosenLink::Heard, this, [this](const HeardFrame& frame) { heard.Hand(frame); });
     connect(&link, &ChosenLink::StatusText, this, &GroundStation::ShowStatus);
+    connect(&forwarder, &Forwarder::StatusText, this, &GroundStation::ShowStatus);
+    connect(&forwarder, &Forwarder::WantsRawFramesChanged, this,
+            [this](bool wants) { SetWantsRawFrames(RawTaker::Forwarding, wants); });
     connect(&m_elementsWatch, &ElementsWatch::Changed, this, [this] {
         LoadElements();
         Q_EMIT ElementsChanged();
@@ -79,16 +97,14 @@ GroundStation::~GroundStation() {
 GroundStation::Outcome GroundStation::Start() {
     if (!m_lock.TryLock()) {
         std::cerr << Texts::HeldBy(folder.Path(), m_lock.Holder()).toLocal8Bit().constData();
-        m_messages.MessageBox(m_roof.MessageOwner(), Texts::AlreadyRunning(), MessageStyle::Information);
+        m_roof.FolderIsTaken();
+        m_messages.MessageBox(m_roof.MessageOwner(), Texts::AlreadyRunning(), MessageStyle::Information,
+                              Texts::InFolder(folder.Path()));
         return Outcome::AlreadyRunning;
     }
     m_roof.Announce();
     channelMap.BuildChannelMap();
-    const QString formulaFile = folder.File(QStringLiteral("formula.txt"));
-    const FormulaLoad loaded = LoadFormulae(formulaFile, formulae, m_messages, m_roof.MessageOwner());
-    if (loaded == FormulaLoad::Failed && !QFile::exists(formulaFile))
-        std::cerr << Texts::WhereFormulaeBelong(formulaFile).toLocal8Bit().constData();
-    if (loaded != FormulaLoad::Loaded)
+    if (!LoadFormulaFile())
         return Outcome::NoFormulae;
     m_isRunning = true;
     m_messages.SetTitle(Texts::Title());
@@ -104,9 +120,29 @@ GroundStation::Outcome GroundStation::Start() {
     terminal.Open();
     m_roof.LoadTerminal();
     LoadLimits();
+    forwarder.Start();
     link.Connect();
     m_roof.Show();
     return Outcome::Started;
+}
+
+// A misspelt name ends the program without a message of its own; why waits for the next start to tell.
+bool GroundStation::LoadFormulaFile() {
+    const QString formulaFile = folder.File(QStringLiteral("formula.txt"));
+    QString halt;
+    const FormulaLoad loaded = LoadFormulae(formulaFile, formulae, m_messages, m_roof.MessageOwner(), &halt);
+    const QString before = LastStart::Reason(folder);
+    if (loaded == FormulaLoad::Halt) {
+        if (!before.isEmpty())
+            m_messages.MessageBox(m_roof.MessageOwner(), Texts::LastStartEnded(before),
+                                  MessageStyle::Critical, QStringLiteral("QiranDecode"),
+                                  HelpTopics::formulas);
+        LastStart::Keep(folder, halt);
+    } else if (!before.isEmpty())
+        LastStart::Forget(folder);
+    if (loaded == FormulaLoad::Failed && !QFile::exists(formulaFile))
+        std::cerr << Texts::WhereFormulaeBelong(formulaFile).toLocal8Bit().constData();
+    return loaded == FormulaLoad::Loaded;
 }
 
 void GroundStation::ShowNotices() {
@@ -122,6 +158,7 @@ void GroundStation::Stop() {
     m_isRunning = false;
     link.Stop();
     StopRecording();
+    forwarder.Stop();
     m_elementsWatch.Stop();
     m_roof.ReleaseWindows();
     terminal.Close();

@@ -9,6 +9,8 @@
 #include "link/kiss/KissSettings.h"
 #include "orbit/service/TrackedSatellites.h"
 #include "orbit/service/clsSats.h"
+#include "sharing/Forwarder.h"
+#include "sharing/HttpPost.h"
 #include "station/identity/Station.h"
 #include "station/terminal/TerminalSession.h"
 #include "telemetry/calibration/TelemetryDecoder.h"
@@ -33,6 +35,7 @@ struct Setting;
 /// The station: everything that runs whether or not there is a window, wired, started and ended in its order.
 ///
 ///     link --> heard --> monitor, terminal and traffic log
+///                   \--> forwarding, to a server
 ///                   \--> decoder --> grids, history, limits --> events
 ///
 /// A new taker of frames or readings is added in the constructor, and nowhere else.
@@ -96,6 +99,8 @@ public:
     KissSettings kiss;
     ChosenLink link;
     CallsignList callsigns;
+    HttpPost forwardPost;
+    Forwarder forwarder;
     ChannelMap channelMap;
     FormulaTable formulae;
     TelemetryGrids grids = MakeTelemetryGrids();
@@ -120,6 +125,7 @@ Q_SIGNALS:
     void ElementsChanged();
 
 private:
+    bool LoadFormulaFile();
     void LoadOptions();
     void RemoveOldKeys();
     void LoadLimits();

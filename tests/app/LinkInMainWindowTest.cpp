@@ -56,8 +56,8 @@ private Q_SLOTS:
     void everyKeyOpensTheMenu();
     void theEntriesHaveAccessKeysOfTheirOwn();
     void theUsedLinkIsChosen();
-    void setupsOpenFromTheMenu_data();
-    void setupsOpenFromTheMenu();
+    void dialogsOpenFromTheMenu_data();
+    void dialogsOpenFromTheMenu();
     void theSetupOfTheOtherLinkConnectsNothing();
     void connectNowDoesNotWait();
     void whatIsSentOverKissIsShownAsTransmitted();
@@ -130,14 +130,15 @@ void LinkInMainWindowTest::theUsedLinkIsChosen() {
     QCOMPARE(rig.Get("KISS", "USE"), u"FALSE"_s);
 }
 
-void LinkInMainWindowTest::setupsOpenFromTheMenu_data() {
+void LinkInMainWindowTest::dialogsOpenFromTheMenu_data() {
     QTest::addColumn<Qt::Key>("key");
     QTest::addColumn<QString>("dialog");
     QTest::newRow("AGWPE") << Qt::Key_A << u"frmAgwpeSetup"_s;
     QTest::newRow("KISS") << Qt::Key_K << u"frmKissSetup"_s;
+    QTest::newRow("forwarding") << Qt::Key_F << u"frmForward"_s;
 }
 
-void LinkInMainWindowTest::setupsOpenFromTheMenu() {
+void LinkInMainWindowTest::dialogsOpenFromTheMenu() {
     QFETCH(Qt::Key, key);
     QFETCH(QString, dialog);
     TwoEngines rig;
