@@ -6,7 +6,7 @@
 class LinkButton : public QToolButton {
     Q_OBJECT
 public:
-    explicit LinkButton(QWidget* parent = nullptr);
+    explicit LinkButton(QWidget* parent);
 
     void ShowLink(const QString& text);
 

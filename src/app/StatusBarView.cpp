@@ -24,7 +24,7 @@ void Mark(QLabel* label, bool isMarked) {
 StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     : QStatusBar(parent)
     , m_status(status)
-    , labLink(new LinkButton)
+    , labLink(new LinkButton(this))
     , labLastFrame(Add(QStringLiteral("labLastFrame"), tr("Last frame heard"), 0))
     , labToday(Add(QStringLiteral("labToday"), tr("Frames of the satellite today"), 0))
     , labElements(Add(QStringLiteral("labElements"), tr("Age of the elements"), 0))

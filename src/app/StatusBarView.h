@@ -5,6 +5,7 @@
 #include <QStatusBar>
 
 class LinkButton;
+class LinkButton;
 class QLabel;
 class QMenu;
 class QToolButton;
@@ -16,11 +17,11 @@ public:
     /// `status` must outlive the view.
     explicit StatusBarView(StationStatus& status, QWidget* parent = nullptr);
 
-    /// Shows the status as it is now; called once a second.
-    void Refresh();
-
     /// What opens at how the link stands.
     void SetLinkMenu(QMenu* menu);
+
+    /// Shows the status as it is now; called once a second.
+    void Refresh();
 
 Q_SIGNALS:
     /// The user asks for the sky.

@@ -100,8 +100,8 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
     };
     using namespace Qt::StringLiterals;
     row("", "frmQIRAN",
-        {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"labEvent"_s, u"cmdChangeSat"_s, u"cmdPassInfo"_s,
-         u"labLink"_s});
+        {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"labEvent"_s, u"labLink"_s, u"cmdChangeSat"_s,
+         u"cmdPassInfo"_s});
     row("mnuTerminal", "frmTerm",
         {u"txtTo"_s, u"txtVia"_s, u"txtPort"_s, u"cmdAprs"_s, u"cmdLoc"_s, u"rtbMon"_s, u"txtTx"_s});
     row("mnuMap", "frmMap", {u"picMap"_s});
@@ -118,6 +118,8 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
         {u"chkUse"_s, u"chkDryRun"_s, u"txtUrl"_s, u"txtToken"_s, u"txtExample"_s, u"lstParked"_s,
          u"cmdRetry"_s, u"cmdDiscard"_s});
     row("mnuAbout", "frmAbout", {});
+    row("import", "frmImport",
+        {u"lstFiles"_s, u"cmdAdd"_s, u"cboZone"_s, u"txtTime"_s, u"txtCount"_s, u"cmdClose"_s});
 }
 
 void F1Test::inEveryWindowAndFieldItOpensTheTopic() {
@@ -138,7 +140,9 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic() {
             expect(shown->findChild<QWidget*>(field), {window + u'.' + field, field});
     };
     const auto open = [&] {
-        if (auto* button = m_rig->window->findChild<QPushButton*>(opener))
+        if (opener == u"import")
+            m_rig->window->ImportHistory(m_rig->window.get());
+        else if (auto* button = m_rig->window->findChild<QPushButton*>(opener))
             button->click();
         else
             m_rig->window->findChild<QAction*>(opener)->trigger();

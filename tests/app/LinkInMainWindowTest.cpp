@@ -56,8 +56,8 @@ private Q_SLOTS:
     void everyKeyOpensTheMenu();
     void theEntriesHaveAccessKeysOfTheirOwn();
     void theUsedLinkIsChosen();
-    void dialogsOpenFromTheMenu_data();
-    void dialogsOpenFromTheMenu();
+    void setupsOpenFromTheMenu_data();
+    void setupsOpenFromTheMenu();
     void theSetupOfTheOtherLinkConnectsNothing();
     void connectNowDoesNotWait();
     void whatIsSentOverKissIsShownAsTransmitted();
@@ -130,15 +130,14 @@ void LinkInMainWindowTest::theUsedLinkIsChosen() {
     QCOMPARE(rig.Get("KISS", "USE"), u"FALSE"_s);
 }
 
-void LinkInMainWindowTest::dialogsOpenFromTheMenu_data() {
+void LinkInMainWindowTest::setupsOpenFromTheMenu_data() {
     QTest::addColumn<Qt::Key>("key");
     QTest::addColumn<QString>("dialog");
     QTest::newRow("AGWPE") << Qt::Key_A << u"frmAgwpeSetup"_s;
     QTest::newRow("KISS") << Qt::Key_K << u"frmKissSetup"_s;
-    QTest::newRow("forwarding") << Qt::Key_F << u"frmForward"_s;
 }
 
-void LinkInMainWindowTest::dialogsOpenFromTheMenu() {
+void LinkInMainWindowTest::setupsOpenFromTheMenu() {
     QFETCH(Qt::Key, key);
     QFETCH(QString, dialog);
     TwoEngines rig;

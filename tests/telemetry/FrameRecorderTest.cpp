@@ -2,7 +2,7 @@
 
 #include "support/TemporaryProgramFolder.h"
 #include "telemetry/frames/HeardFrame.h"
-#include "telemetry/replay/KissReplay.h"
+#include "telemetry/replay/FrameRecording.h"
 
 #include <QDir>
 #include <QFile>
@@ -54,8 +54,8 @@ void FrameRecorderTest::init() {
 
 QList<FrameRecorderTest::Read> FrameRecorderTest::Recorded() const {
     QList<Read> read;
-    KissReplay recording([&read](const HeardFrame& frame) {
-        read.append({frame.utc, frame.port, frame.raw.toByteArray()});
+    FrameRecording recording([&read](const HeardFrame& frame, std::optional<qint64> utc) {
+        read.append({utc.value_or(-1), frame.port, frame.raw.toByteArray()});
     });
     recording.Add(m_folder->Read(u"pass.kiss"_s));
     return read;

@@ -7,8 +7,8 @@
 #include "telemetry/calibration/FormulaFile.h"
 #include "telemetry/calibration/TelemetryDecoder.h"
 #include "telemetry/limits/ChannelsFile.h"
+#include "telemetry/replay/FrameRecording.h"
 #include "telemetry/replay/FrameText.h"
-#include "telemetry/replay/KissReplay.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -36,11 +36,11 @@ class FrameStream {
 public:
     explicit FrameStream(const std::function<void(const HeardFrame&)>& take)
         : m_text([take](const FrameText::Told& told) { take(told.frame); })
-        , m_recording(take) {}
+        , m_recording([take](const HeardFrame& frame, std::optional<qint64>) { take(frame); }) {}
 
     void Add(QByteArrayView bytes) {
         if (!m_isRecording)
-            m_isRecording = KissReplay::IsRecording(bytes);
+            m_isRecording = FrameRecording::Begins(bytes);
         if (*m_isRecording)
             m_recording.Add(bytes);
         else
@@ -54,7 +54,7 @@ public:
 private:
     std::optional<bool> m_isRecording; // none before the first bytes
     FrameText m_text;
-    KissReplay m_recording;
+    FrameRecording m_recording;
 };
 
 /// Decodes frames and prints their readings.

@@ -103,7 +103,7 @@ std::span<const Command> All() {
              u"history from before stays as tlm.before-import.txt. No station may be running in the program "
              u"folder.",
          .arguments = {{.name = u"FILE", .isOptional = true, .isRepeated = true}},
-         .options = {&zone, &dryRun, &undo},
+         .options = {&zone, &recordingTime, &dryRun, &undo},
          .run = Import},
         {.name = u"forward status",
          .summary = u"What became of the frames that are sent on to a server.",
