@@ -47,11 +47,12 @@ class Kiss(KissTest):
         self.assertNotIn(b"KISS", self.settings.read_bytes())
 
     def test_the_settings_choose_too(self):
+        tnc = kiss.Tnc()
         rig.write_settings(self.settings, {("KISS", "USE"): "TRUE", ("KISS", "HOST_ADDRESS"): "127.0.0.1",
-                                           ("KISS", "HOST_PORT"): str(self.tnc.port)})
+                                           ("KISS", "HOST_PORT"): str(tnc.port)})
         process = self.listen("--format", "json")
         self.until(process, lambda one: one.get("text") == "*** KISS-Connected to - 127.0.0.1")
-        self.tnc.stop()
+        tnc.stop()
         read = self.until(process, lambda one: "automatically retry" in one.get("text", ""))
         self.assertEqual(read[-2]["text"], "*** KISS-Disconnected from - 127.0.0.1")
         self.end(process)
@@ -78,7 +79,7 @@ class Record(KissTest):
         self.assertIn("frames that are known already: 8\n", self.call("import", self.recording))
         (self.folder / "tlm.txt").unlink()
         self.assertIn("frames that come in: 8\n", self.call("import", self.recording))
-        self.assertEqual((self.folder / "tlm.txt").read_bytes(), history)
+        self.assertTrue((self.folder / "tlm.txt").read_bytes().startswith(history))  # and a header behind it
 
     def test_frames_of_an_engine_are_recorded_whole(self):
         process = self.listen("--format", "json", "--record", self.recording)

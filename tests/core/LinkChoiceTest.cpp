@@ -178,8 +178,8 @@ void LinkChoiceTest::rawFramesAreAskedForAsLongAsAnybodyNeedsThem() {
 void LinkChoiceTest::rawFramesAreAskedForAgainAtTheNextConnection() {
     QByteArray raw;
     TwoEngines f;
-    f.station->SetWantsRawFrames(RawTaker::Forwarding, true);
     QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    f.station->SetWantsRawFrames(RawTaker::Recording, true); // before there is a connection
     QTRY_COMPARE(f.asked, QByteArray("RGmk"));
     f.station->link.Reconnect();
     QTRY_COMPARE(f.asked, QByteArray("RGmkRGmk"));
