@@ -12,10 +12,13 @@
 #include "link/UnprotoLink.h"
 #include "link/agwpe/AgwLink.h"
 #include "link/agwpe/AgwSettings.h"
+#include "link/kiss/KissLink.h"
 #include "station/identity/Station.h"
 #include "station/terminal/frmTerm.h"
 #include "telemetry/calibration/TelemetryDecoder.h"
+#include "telemetry/frames/Ax25Frame.h"
 #include "telemetry/frames/ByteViews.h"
+#include "telemetry/frames/KissReader.h"
 #include "telemetry/grids/GridValues.h"
 #include "telemetry/grids/TelemetryGridView.h"
 #include "telemetry/grids/TipCell.h"
@@ -47,16 +50,29 @@ namespace {
 constexpr std::size_t headerLength = 36;
 constexpr double mostWithoutWidgets = 10.0; // times the bare loop's cost a frame
 constexpr double mostWithWidgets = 60.0;
+constexpr double mostOfRawFrames = 20.0;           // they are taken apart, and their text is made
 constexpr double paceWithoutWidgets = 1'000'000.0; // frames a second
+constexpr double paceOfRawFrames = 200'000.0;
 constexpr double paceWithWidgets = 50'000.0;
 
-// One monitored frame on the wire.
-std::string Frame(std::string_view source, std::string_view path, std::string_view information) {
-    const std::string data = " 1:Fm " + std::string(source) + " To " + std::string(path) +
-                             " <UI pid=F0 Len=" + std::to_string(information.size()) + " PF=0 >[00:16:57]\r" +
-                             std::string(information) + "\r" + '\0';
+// How frames come: in the engine's text, in its text behind their bytes, or over KISS.
+enum class Wire { Text, TextAndRaw, Kiss };
+
+// An AX.25 frame.
+std::string RawFrame(std::string_view source, std::string_view path, std::string_view information) {
+    const std::size_t via = path.find(" Via ");
+    return Ax25Frame{.destination = {std::string(path.substr(0, via))},
+                     .source = {std::string(source)},
+                     .digipeaters = {{std::string(path.substr(via + 5))}},
+                     .information = information}
+        .ToBytes()
+        .value();
+}
+
+// One frame on the engine's wire.
+std::string EngineFrame(char kind, std::string_view source, std::string_view path, const std::string& data) {
     std::string frame(headerLength, '\0');
-    frame[4] = 'U';
+    frame[4] = kind;
     frame[6] = '\xF0';
     source.copy(frame.data() + 8, 9);
     path.substr(0, path.find(' ')).copy(frame.data() + 18, 9);
@@ -64,6 +80,21 @@ std::string Frame(std::string_view source, std::string_view path, std::string_vi
     for (unsigned byte = 0; byte < 4; ++byte)
         frame[28 + byte] = static_cast<char>(length >> (8 * byte) & 0xFFU);
     return frame + data;
+}
+
+std::string Frame(Wire wire, std::string_view source, std::string_view path, std::string_view information) {
+    if (wire == Wire::Kiss) {
+        std::string stream;
+        KissFrame{.data = RawFrame(source, path, information)}.AppendTo(stream);
+        return stream;
+    }
+    const std::string data = " 1:Fm " + std::string(source) + " To " + std::string(path) +
+                             " <UI pid=F0 Len=" + std::to_string(information.size()) + " PF=0 >[00:16:57]\r" +
+                             std::string(information) + "\r" + '\0';
+    const std::string text = EngineFrame('U', source, path, data);
+    if (wire == Wire::Text)
+        return text;
+    return EngineFrame('K', source, path, '\0' + RawFrame(source, path, information)) + text;
 }
 
 // Frames in the proportions of a pass: both sides and all frame types, and half of it other stations.
@@ -77,16 +108,16 @@ struct Stream {
     }
 };
 
-Stream MakeStream() {
+Stream MakeStream(Wire wire) {
     Stream stream;
     for (int i = 0; i < 4096; ++i) {
         std::array<char, 64> text{};
         const int number = 100 + i % 900;
         std::snprintf(text.data(), text.size(), "T#%d,142,108.5,%d,67,0,0,00%d%d1111,0\n", number, number,
                       i / 2 % 2, i % 2);
-        stream.Add(Frame(i % 8 < 4 ? "XQ9ZZ-1" : "QIRAN-3", "APRS Via WIDE2-2", text.data()));
+        stream.Add(Frame(wire, i % 8 < 4 ? "XQ9ZZ-1" : "QIRAN-3", "APRS Via WIDE2-2", text.data()));
         std::snprintf(text.data(), text.size(), "Hello from the coast, heard %d today", number);
-        stream.Add(Frame("N0CALL-7", "CQ Via QIRAN-1", text.data()));
+        stream.Add(Frame(wire, "N0CALL-7", "CQ Via QIRAN-1", text.data()));
     }
     return stream;
 }
@@ -241,9 +272,14 @@ struct Road {
     FrameIntake intake{callsigns, monitor, displayTime};
     FanOut<HeardFrame> heard;
     AgwSettings settings{ini};
-    AgwLink link{settings, clock};
+    AgwLink agw{settings, clock};
+    KissAddress address;
+    KissLink kiss{[this] { return address; }, clock};
+    PacketLink& link;
 
-    explicit Road(bool onlyShowQiran) {
+    Road(Wire wire, bool onlyShowQiran)
+        : link(wire == Wire::Kiss ? static_cast<PacketLink&>(kiss) : agw) {
+        agw.SetWantsRawFrames(wire == Wire::TextAndRaw);
         map.BuildChannelMap();
         callsigns.LoadCallsigns();
         intake.SetOnlyShowQiran(onlyShowQiran);
@@ -263,16 +299,17 @@ struct Road {
     Result Run(const Stream& stream, long frames) {
         const Sender sender(stream, frames);
         long seen = 0;
-        QObject::connect(&link, &AgwLink::Heard, &link, [&](const HeardFrame& frame) {
+        QObject::connect(&link, &PacketLink::Heard, &link, [&](const HeardFrame& frame) {
             heard.Hand(frame);
             ++seen;
         });
-        QObject::connect(&link, &AgwLink::MonitorEnabled, qApp, [](bool isConnected) {
+        QObject::connect(&link, &PacketLink::MonitorEnabled, qApp, [](bool isConnected) {
             if (!isConnected)
                 QCoreApplication::quit();
         });
         settings.setStrAgwHost(QStringLiteral("127.0.0.1"));
         settings.setIntAgwPort(sender.Port());
+        address = {QStringLiteral("127.0.0.1"), static_cast<quint16>(sender.Port())};
         link.Connect();
         const Stopwatch watch;
         QCoreApplication::exec();
@@ -285,12 +322,12 @@ struct Road {
     }
 };
 
-Result WithoutWidgets(const Stream& stream, long frames, bool onlyShowQiran) {
-    return Road(onlyShowQiran).Run(stream, frames);
+Result WithoutWidgets(const Stream& stream, long frames, bool onlyShowQiran, Wire wire = Wire::Text) {
+    return Road(wire, onlyShowQiran).Run(stream, frames);
 }
 
 Result WithWidgets(const Stream& stream, long frames, bool onlyShowQiran) {
-    Road road(onlyShowQiran);
+    Road road(Wire::Text, onlyShowQiran);
     Nobody nobody;
     const mb messages(nobody);
     const Station station(road.ini);
@@ -341,14 +378,18 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     const long frames = std::max(argc > 1 ? std::atol(argv[1]) : 2'000'000L, 10'000L);
-    const Stream stream = MakeStream();
+    const Stream stream = MakeStream(Wire::Text);
+    const Stream rawStream = MakeStream(Wire::TextAndRaw);
+    const Stream kissStream = MakeStream(Wire::Kiss);
 
     Contest bare{"bare loop", 1.0, 0.0, {}};
-    std::array<Contest, 4> contests{{
+    std::array<Contest, 6> contests{{
         {"without widgets, only QIRAN shown", mostWithoutWidgets, paceWithoutWidgets, {}},
         {"without widgets, every frame shown", mostWithoutWidgets, paceWithoutWidgets, {}},
         {"with widgets, only QIRAN shown", mostWithWidgets, paceWithWidgets, {}},
         {"with widgets, every frame shown", mostWithWidgets, paceWithWidgets, {}},
+        {"without widgets, raw frames too", mostOfRawFrames, paceOfRawFrames, {}},
+        {"without widgets, over KISS", mostOfRawFrames, paceOfRawFrames, {}},
     }};
     for (int turn = 0; turn < 3; ++turn) {
         KeepBest(bare, BareLoop(stream, frames));
@@ -356,6 +397,8 @@ int main(int argc, char** argv) {
         KeepBest(contests[1], WithoutWidgets(stream, frames, false));
         KeepBest(contests[2], WithWidgets(stream, frames / 10, true));
         KeepBest(contests[3], WithWidgets(stream, frames / 10, false));
+        KeepBest(contests[4], WithoutWidgets(rawStream, frames / 4, true, Wire::TextAndRaw));
+        KeepBest(contests[5], WithoutWidgets(kissStream, frames / 4, true, Wire::Kiss));
     }
     std::printf("cost: time of the reading thread; pace: by the clock on the wall; best of 3\n");
     Report(bare, *bare.best);

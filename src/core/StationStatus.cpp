@@ -42,8 +42,8 @@ StationStatus::StationStatus(GroundStation& station)
 }
 
 void StationStatus::Take(const HeardFrame& frame) {
-    if (frame.kind == HeardFrame::Kind::T)
-        return; // our own
+    if (frame.kind == HeardFrame::Kind::T || frame.source.isEmpty())
+        return; // our own, or bytes that are no frame
     m_lastSource.assign(ToView(frame.source));
     m_lastUtc = frame.utc;
     if (m_station.callsigns.Find(frame.source) == nullptr)

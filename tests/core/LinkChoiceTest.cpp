@@ -169,17 +169,23 @@ void LinkChoiceTest::rawFramesAreAskedForAsLongAsAnybodyNeedsThem() {
     f.station->SetWantsRawFrames(RawTaker::Recording, true);
     QTRY_COMPARE(f.asked, QByteArray("RGmk"));
     f.station->SetWantsRawFrames(RawTaker::Recording, false);
+    f.station->link.SendUnproto(1, u"N0CALL"_s, u"CQ "_s, u"x\r"_s);
+    QTRY_COMPARE(f.asked, QByteArray("RGmkM")); // one of them still does
     f.station->SetWantsRawFrames(RawTaker::Forwarding, false);
-    QTRY_COMPARE(f.asked, QByteArray("RGmkk"));
+    QTRY_COMPARE(f.asked, QByteArray("RGmkMk"));
 }
 
 void LinkChoiceTest::rawFramesAreAskedForAgainAtTheNextConnection() {
+    QByteArray raw;
     TwoEngines f;
-    f.station->SetWantsRawFrames(RawTaker::Recording, true);
     QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    f.station->SetWantsRawFrames(RawTaker::Recording, true); // before there is a connection
     QTRY_COMPARE(f.asked, QByteArray("RGmk"));
     f.station->link.Reconnect();
     QTRY_COMPARE(f.asked, QByteArray("RGmkRGmk"));
+    f.station->heard.Add([&raw](const HeardFrame& frame) { raw = frame.raw.toByteArray(); });
+    f.engine.SendHeard(withNul);
+    QTRY_VERIFY(raw.endsWith(withNul.information));
 }
 
 void LinkChoiceTest::framesAreRecordedWholeAndShownAndDecodedAsWithoutRawFrames() {

@@ -11,7 +11,7 @@ class StationStatusTest : public QObject {
 private Q_SLOTS:
     void theLinkIsConnectedOrWaits();
     void framesOfTheSatelliteAreCountedByDay();
-    void ownFramesAreNotHeard();
+    void ownFramesAndNoFramesAreNotHeard();
     void theElementsAgeIsNamed_data();
     void theElementsAgeIsNamed();
     void theNextRiseCountsDown();
@@ -63,13 +63,14 @@ void StationStatusTest::framesOfTheSatelliteAreCountedByDay() {
     QCOMPARE(status.Now().today, u"0 today"_s);
 }
 
-void StationStatusTest::ownFramesAreNotHeard() {
+void StationStatusTest::ownFramesAndNoFramesAreNotHeard() {
     StationRig rig;
     StationStatus status(*rig.station);
     QCOMPARE(rig.station->Start(), GroundStation::Outcome::Started);
     HeardFrame frame = Heard(rig, "QIRAN");
     frame.kind = HeardFrame::Kind::T;
     rig.station->heard.Hand(frame);
+    rig.station->heard.Hand({.utc = frame.utc, .engineText = "not a frame", .raw = "?"});
     QCOMPARE(status.Now().lastFrame, u"No frame heard"_s);
     QCOMPARE(status.Now().today, u"0 today"_s);
 }

@@ -1,13 +1,12 @@
+#include "e2e/DirewolfRig.h"
 #include "foundation/text/Clock.h"
 #include "link/ClientEvents.h"
-#include "link/agwpe/AgwFrameReader.h"
-#include "link/agwpe/AgwHeard.h"
-#include "link/agwpe/FrameMarriage.h"
+#include "link/agwpe/AgwLink.h"
+#include "link/agwpe/AgwSettings.h"
 #include "link/kiss/KissLink.h"
+#include "support/TemporaryProgramFolder.h"
 
-#include <QProcess>
 #include <QRegularExpression>
-#include <QTcpSocket>
 #include <QTest>
 
 #include <memory>
@@ -43,12 +42,7 @@ private:
         QByteArray source, path, information, text;
     };
 
-    QByteArray Answer();
-    void Command(const QByteArray& command);
-
-    QProcess m_air;
-    qint16 m_agwPort = 0;
-    quint16 m_kissPort = 0;
+    DirewolfRig m_engine;
     const Clock m_clock;
     std::unique_ptr<KissLink> m_link;
     std::unique_ptr<MERAGW> m_client;
@@ -57,37 +51,15 @@ private:
     QList<Kept> m_heard;
 };
 
-QByteArray DirewolfKissTest::Answer() {
-    while (!m_air.canReadLine()) {
-        if (!m_air.waitForReadyRead(30000))
-            return {};
-    }
-    return m_air.readLine().trimmed();
-}
-
-void DirewolfKissTest::Command(const QByteArray& command) {
-    m_air.write(command + '\n');
-    QCOMPARE(Answer(), QByteArray("done"));
-}
-
 void DirewolfKissTest::initTestCase() {
-    m_air.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_air.start(QStringLiteral("python3"), {QStringLiteral(QIRAN_E2E_DIR "/direwolf_air.py")});
-    const QByteArray answer = Answer();
-    if (answer.startsWith("missing"))
-        QSKIP(qPrintable(QStringLiteral("Dire Wolf is not installed: ") + QString::fromUtf8(answer)));
-    QVERIFY2(answer.startsWith("listening "), answer.constData());
-    m_agwPort = answer.mid(10).toShort();
-    m_air.write("kiss\n");
-    m_kissPort = Answer().toUShort();
-    QCOMPARE(Answer(), QByteArray("done"));
-    QVERIFY(m_agwPort > 0 && m_kissPort > 0);
+    const QString fault = m_engine.Start();
+    if (fault.contains(QStringLiteral("missing")))
+        QSKIP(qPrintable(fault));
+    QVERIFY2(fault.isEmpty(), qPrintable(fault));
 }
 
 void DirewolfKissTest::cleanupTestCase() {
-    m_air.closeWriteChannel();
-    if (m_air.state() != QProcess::NotRunning)
-        QVERIFY(m_air.waitForFinished());
+    QVERIFY(m_engine.End());
 }
 
 void DirewolfKissTest::init() {
@@ -95,12 +67,12 @@ void DirewolfKissTest::init() {
     m_heard.clear();
     m_client = std::make_unique<MERAGW>();
     m_client->SetHost(QStringLiteral("localhost"));
-    m_client->SetPort(m_agwPort);
+    m_client->SetPort(m_engine.AgwPort());
     m_seen = std::make_unique<ClientEvents>(*m_client);
     m_client->Connect();
     m_link = std::make_unique<KissLink>(
         [this] {
-            return KissAddress{QStringLiteral("localhost"), m_kissPort};
+            return KissAddress{QStringLiteral("localhost"), m_engine.KissPort()};
         },
         m_clock);
     m_link->SetRetryInterval(500);
@@ -127,7 +99,7 @@ void DirewolfKissTest::whatIsOnTheAirIsShownAsTheOtherPortShowsIt() {
                                 "QIRAN-3>APRS:T#002,11,21,31,41,0,0,00001111,0",
                                 "XQ9ZZ-15>APRS,QIRAN-1,RELAY,WIDE2-2:hello", "A1>B2:x"};
     for (const QByteArray& frame : frames)
-        Command("play " + frame);
+        QVERIFY(m_engine.Command("play " + frame));
     QTRY_COMPARE_WITH_TIMEOUT(m_heard.size(), frames.size(), 30000);
     QTRY_COMPARE_WITH_TIMEOUT(m_seen->frames.size(), frames.size(), 30000);
     for (qsizetype i = 0; i < frames.size(); ++i) {
@@ -139,7 +111,7 @@ void DirewolfKissTest::whatIsOnTheAirIsShownAsTheOtherPortShowsIt() {
 }
 
 void DirewolfKissTest::aNulIsKeptThatTheOtherPortLoses() {
-    Command("play XQ9ZZ-1>APRS:before<0x00>after");
+    QVERIFY(m_engine.Command("play XQ9ZZ-1>APRS:before<0x00>after"));
     QTRY_COMPARE_WITH_TIMEOUT(m_heard.size(), 1, 30000);
     QTRY_COMPARE_WITH_TIMEOUT(m_seen->frames.size(), 1, 30000);
     QVERIFY(m_heard[0].information.startsWith(QByteArrayView("before\0after", 12)));
@@ -160,38 +132,25 @@ void DirewolfKissTest::whatIsSentIsTransmittedAndShownAsTheOtherPortShowsIt() {
 
 void DirewolfKissTest::rawAndMonitoredFormsMarry() {
     QList<Kept> handed;
-    FrameMarriage marriage([&handed](const HeardFrame& frame) {
+    TemporaryProgramFolder folder;
+    clsIni ini(folder.IniFile());
+    AgwSettings settings(ini);
+    settings.setStrAgwHost(QStringLiteral("localhost"));
+    settings.setIntAgwPort(m_engine.AgwPort());
+    AgwLink link(settings, m_clock);
+    link.SetWantsRawFrames(true);
+    connect(&link, &PacketLink::Heard, this, [&handed](const HeardFrame& frame) {
         handed.append({frame.source.toByteArray(), frame.path.toByteArray(), frame.information.toByteArray(),
                        frame.engineText.toByteArray()});
         QVERIFY(!frame.raw.isEmpty());
     });
-    QTcpSocket engine;
-    AgwFrameReader reader;
-    Ax25Heard raw;
-    connect(&engine, &QTcpSocket::readyRead, this, [&] {
-        const std::span<char> room = reader.Room();
-        reader.Add(engine.read(room.data(), static_cast<qint64>(room.size())));
-        AgwFrame frame;
-        while (reader.Next(frame) == AgwFrameReader::Result::Frame) {
-            const MonitoredFrame monitored{static_cast<qint16>(frame.port + 1), frame.callFrom, frame.callTo,
-                                           AgwData::WithoutEndMark(frame.data)};
-            if (frame.kind == 'K')
-                marriage.AddRaw(raw.Read(frame.data.sliced(1), {.time = "00:00:00"}), 0);
-            else if (frame.kind == AgwKind::MonitoredUnproto)
-                marriage.AddMonitored(AgwHeard::FromFrame(monitored, 0), 0);
-        }
-    });
-    engine.connectToHost(QStringLiteral("localhost"), static_cast<quint16>(m_agwPort));
-    QTRY_COMPARE_WITH_TIMEOUT(engine.state(), QAbstractSocket::ConnectedState, 20000);
-    for (const char kind : {'m', 'k', 'G'})
-        engine.write(AgwFrame{.kind = kind}.ToBytes());
+    link.Connect();
+    QTRY_COMPARE_WITH_TIMEOUT(link.PortCount(), 1, 20000);
     const QByteArrayList frames{"XQ9ZZ-1>APRS,QIRAN-1*,WIDE2-2:T#001,10,20,30,40,0,0,00101111,0",
                                 "XQ9ZZ-1>APRS:a<0x00>b", "XQ9ZZ-1>APRS:text<0x0d>", "XQ9ZZ-1>APRS:text"};
-    QTRY_COMPARE_WITH_TIMEOUT(m_seen->events.size(), 3, 20000);
     for (const QByteArray& frame : frames)
-        Command("play " + frame);
+        QVERIFY(m_engine.Command("play " + frame));
     QTRY_COMPARE_WITH_TIMEOUT(handed.size(), frames.size(), 30000);
-    QVERIFY(!marriage.Due()); // none is left alone
     for (qsizetype i = 0; i < frames.size(); ++i)
         QCOMPARE(WithoutTime(handed[i].text), WithoutTime(m_seen->frames[i].data));
     QCOMPARE(handed[0].path, QByteArray("QIRAN-1*,WIDE2-2"));
@@ -200,13 +159,13 @@ void DirewolfKissTest::rawAndMonitoredFormsMarry() {
 }
 
 void DirewolfKissTest::anEngineThatEndsAndComesBackIsConnectedAgain() {
-    Command("stop");
+    QVERIFY(m_engine.Command("stop"));
     QTRY_VERIFY_WITH_TIMEOUT(!m_link->blnConectedToAgw(), 20000);
     QVERIFY(m_lines.contains(QStringLiteral("*** KISS-Disconnected from - localhost\r\n"
                                             "Will automatically retry in 30 seconds time.\r\n")));
-    Command("start");
+    QVERIFY(m_engine.Command("start"));
     QTRY_VERIFY_WITH_TIMEOUT(m_link->blnConectedToAgw(), 20000);
-    Command("play XQ9ZZ-1>APRS:T#003,1,2,3,4,0,0,00001111,0");
+    QVERIFY(m_engine.Command("play XQ9ZZ-1>APRS:T#003,1,2,3,4,0,0,00001111,0"));
     QTRY_COMPARE_WITH_TIMEOUT(m_heard.size(), 1, 30000);
 }
 

@@ -1,10 +1,10 @@
+#include "e2e/DirewolfRig.h"
 #include "foundation/text/Clock.h"
 #include "link/ClientEvents.h"
 #include "link/agwpe/AgwLink.h"
 #include "link/agwpe/AgwSettings.h"
 #include "support/TemporaryProgramFolder.h"
 
-#include <QProcess>
 #include <QTest>
 
 #include <memory>
@@ -24,11 +24,7 @@ private Q_SLOTS:
     void anEngineThatEndsAndComesBackIsConnectedAgain();
 
 private:
-    QByteArray Answer(int milliseconds = 30000);
-    void Command(const QByteArray& command);
-
-    QProcess m_air;
-    qint16 m_port = 0;
+    DirewolfRig m_engine;
     TemporaryProgramFolder m_folder;
     clsIni m_ini{m_folder.IniFile()};
     AgwSettings m_settings{m_ini};
@@ -38,40 +34,21 @@ private:
     QStringList m_lines;
 };
 
-QByteArray DirewolfLinkTest::Answer(int milliseconds) {
-    while (!m_air.canReadLine()) {
-        if (!m_air.waitForReadyRead(milliseconds))
-            return {};
-    }
-    return m_air.readLine().trimmed();
-}
-
-void DirewolfLinkTest::Command(const QByteArray& command) {
-    m_air.write(command + '\n');
-    QCOMPARE(Answer(), QByteArray("done"));
-}
-
 void DirewolfLinkTest::initTestCase() {
-    m_air.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_air.start(QStringLiteral("python3"), {QStringLiteral(QIRAN_E2E_DIR "/direwolf_air.py")});
-    const QByteArray answer = Answer();
-    if (answer.startsWith("missing"))
-        QSKIP(qPrintable(QStringLiteral("Dire Wolf is not installed: ") + QString::fromUtf8(answer)));
-    QVERIFY2(answer.startsWith("listening "), answer.constData());
-    m_port = answer.mid(10).toShort();
-    QVERIFY(m_port > 0);
+    const QString fault = m_engine.Start();
+    if (fault.contains(QStringLiteral("missing")))
+        QSKIP(qPrintable(fault));
+    QVERIFY2(fault.isEmpty(), qPrintable(fault));
 }
 
 void DirewolfLinkTest::cleanupTestCase() {
-    m_air.closeWriteChannel();
-    if (m_air.state() != QProcess::NotRunning)
-        QVERIFY(m_air.waitForFinished());
+    QVERIFY(m_engine.End());
 }
 
 void DirewolfLinkTest::init() {
     m_lines.clear();
     m_settings.setStrAgwHost(QStringLiteral("localhost"));
-    m_settings.setIntAgwPort(m_port);
+    m_settings.setIntAgwPort(m_engine.AgwPort());
     m_link = std::make_unique<AgwLink>(m_settings, m_clock);
     m_link->SetRetryInterval(500);
     connect(m_link.get(), &AgwLink::StatusText, this, [this](const QString& text) { m_lines.append(text); });
@@ -93,8 +70,8 @@ void DirewolfLinkTest::itTellsVersionAndItsOnePort() {
 }
 
 void DirewolfLinkTest::whatIsOnTheAirArrives() {
-    Command("play XQ9ZZ-1>APRS,WIDE2-2:T#001,10,20,30,40,0,0,00101111,0");
-    Command("play QIRAN-3>APRS,QIRAN-1:T#002,11,21,31,41,0,0,00001111,0");
+    QVERIFY(m_engine.Command("play XQ9ZZ-1>APRS,WIDE2-2:T#001,10,20,30,40,0,0,00101111,0"));
+    QVERIFY(m_engine.Command("play QIRAN-3>APRS,QIRAN-1:T#002,11,21,31,41,0,0,00001111,0"));
     QTRY_COMPARE_WITH_TIMEOUT(m_seen->frames.size(), 2, 30000);
     const auto [port, source, destination, data] = m_seen->frames[0];
     QCOMPARE(port, 1);
@@ -122,13 +99,13 @@ void DirewolfLinkTest::whatIsSentComesBackTransmitted() {
 }
 
 void DirewolfLinkTest::anEngineThatEndsAndComesBackIsConnectedAgain() {
-    Command("stop");
+    QVERIFY(m_engine.Command("stop"));
     QTRY_VERIFY_WITH_TIMEOUT(!m_link->blnConectedToAgw(), 20000);
     QVERIFY(m_lines.contains(QStringLiteral("*** AGW-Disconnected from - localhost\r\n"
                                             "Will automatically retry in 30 seconds time.\r\n")));
-    Command("start");
+    QVERIFY(m_engine.Command("start"));
     QTRY_VERIFY_WITH_TIMEOUT(m_link->blnConectedToAgw(), 20000);
-    Command("play XQ9ZZ-1>APRS:T#003,1,2,3,4,0,0,00001111,0");
+    QVERIFY(m_engine.Command("play XQ9ZZ-1>APRS:T#003,1,2,3,4,0,0,00001111,0"));
     QTRY_COMPARE_WITH_TIMEOUT(m_seen->frames.size(), 1, 30000);
 }
 

@@ -47,8 +47,8 @@ class AirToCommands(unittest.TestCase):
         self.scratch = pathlib.Path(scratch.name)
         self.environment = {"HOME": scratch.name, "PATH": os.environ["PATH"], "TZ": "UTC"}  # and no display
 
-    def listen(self, folder):
-        process = subprocess.Popen([PROGRAM, "--folder", folder, "listen", "--format", "json"], env=self.environment,
+    def listen(self, folder, *options):
+        process = subprocess.Popen([PROGRAM, "--folder", folder, "listen", "--format", "json", *options], env=self.environment,
                                    stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         self.addCleanup(process.stderr.close)
         self.addCleanup(process.stdout.close)
@@ -129,6 +129,61 @@ class AirToCommands(unittest.TestCase):
         self.assertEqual([(row["sequence"], row["grid"], row["row"], float(row["raw"]), float(row["value"]))
                           for row in csv.DictReader(exported.splitlines())],
                          [(one[1], one[5], one[6], one[7], one[8]) for one in expected])
+
+    def history(self, folder):
+        """The lines of a folder's history without their times."""
+        return [line.split(",", 1)[1] for line in (folder / "tlm.txt").read_text(encoding="utf-8").splitlines()]
+
+    def test_both_ports_of_an_engine_come_to_the_same(self):
+        """The same audio: by AGWPE's text, by its raw frames too, and by KISS."""
+        with DirewolfAir() as engine:
+            folders = {name: rig.make_program_folder(self.scratch / name, engine.port) for name in ("text", "raw", "kiss")}
+            recordings = {name: self.scratch / f"{name}.kiss" for name in ("raw", "kiss")}
+            processes = {
+                "text": self.listen(folders["text"]),
+                "raw": self.listen(folders["raw"], "--record", recordings["raw"]),
+                "kiss": self.listen(folders["kiss"], "--record", recordings["kiss"],
+                                    "--kiss", f"localhost:{engine.kiss_port}")}
+            for name, process in processes.items():
+                self.until(process, lambda one: one.get("text", "").startswith(
+                    "*** KISS-Connected" if name == "kiss" else "*** Port1"))
+            lines = {key: calibration.line(10 + i, key[1], raw) for i, (key, raw) in enumerate(RAW.items())}
+            engine.play([f"{SIDES[side]}>APRS,QIRAN-1*,WIDE2-2:{lines[side, kind]}" for side, kind in RAW]
+                        + ["N0CALL-9>APRS:before<0x00>after", "N0CALL-9>APRS:the last one"])
+            read = {name: self.until(process, lambda one: one.get("text", "").startswith("the last one"))
+                    for name, process in processes.items()}
+            for process in processes.values():
+                self.assertEqual(rig.end(process), 0)
+
+        def told(name, *left_out):
+            return [{key: value for key, value in one.items() if key not in ("utc", *left_out)} for one in read[name]]
+
+        def frames(name):
+            return [one for one in told(name) if one["type"] == "frame"]
+
+        self.assertEqual(len(frames("kiss")), 10)
+        # Raw frames and KISS: everything but the text of the frame with a NUL, which AGWPE cuts; its bytes are whole.
+        self.assertEqual([{**one, "text": ""} for one in told("raw")], [{**one, "text": ""} for one in told("kiss")])
+        self.assertEqual([one for one in told("raw") if one.get("source") != "N0CALL-9"],
+                         [one for one in told("kiss") if one.get("source") != "N0CALL-9"])
+        self.assertEqual(frames("raw")[-2]["text"], "before")
+        self.assertTrue(bytes.fromhex(frames("raw")[-2]["hex"]).startswith(b"before\0after"))
+        self.assertEqual(frames("kiss")[0]["path"], ["QIRAN-1*", "WIDE2-2"])
+        # The text alone: no bytes and no marks besides.
+        marked = [{**one, "path": [each.rstrip("*") for each in one["path"]]} if "path" in one else one
+                  for one in told("raw", "hex")]
+        self.assertEqual(told("text"), marked)
+        self.assertEqual(len([one for one in read["text"] if one["type"] == "reading"]), 32)
+        self.assertEqual(self.history(folders["text"]), self.history(folders["kiss"]))
+        self.assertEqual(self.history(folders["raw"]), self.history(folders["kiss"]))
+        self.assertEqual(len(self.history(folders["kiss"])), 9)
+        # And the recordings are the same, and come to the same.
+        decoded = {name: subprocess.run([PROGRAM, "--folder", folders[name], "decode", "--format", "json", recording],
+                                        env=self.environment, capture_output=True, text=True, check=True).stdout
+                   for name, recording in recordings.items()}
+        for name, text in decoded.items():
+            self.assertEqual([json.loads(line) for line in text.splitlines()],
+                             [one for one in read[name] if one["type"] == "reading"])
 
 
 if __name__ == "__main__":

@@ -5,6 +5,7 @@
 #include "support/TemporaryProgramFolder.h"
 #include "support/TestClock.h"
 
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -17,6 +18,8 @@ const QString retry = QStringLiteral("Will automatically retry in 30 seconds tim
 const QString connectedLine = QStringLiteral("*** AGW-Connected to - 127.0.0.1\r\n");
 const QString disconnectedLine = QStringLiteral("*** AGW-Disconnected from - 127.0.0.1\r\n");
 const QString versionLine = QStringLiteral("*** AGWPE V2005.127\r\n");
+const AirFrame heardFrame{
+    .port = 3, .from = "XQ9ZZ-1", .to = "APRS", .via = {"QIRAN-1"}, .information = "hello"};
 const QString portLine = QStringLiteral("*** Port1 simulated radio\r\n");
 
 } // namespace
@@ -42,10 +45,22 @@ private Q_SLOTS:
     void stoppedItSaysNothingAndRetriesNothing();
     void textGoesOutInWindows1252();
     void whatCannotBeSentIsAStatusLine();
+    void bothFormsOfAFrameComeAsOne();
+    void aMonitoredFrameComesAtOnceThoughRawOnesAreOn();
+    void aRawFrameWaitsASecondForItsTextAndNoLonger();
+    void rawFramesThatWaitComeBeforeTheEndOfTheConnection();
+    void rawFramesThatNobodyAskedForArePassedOver();
 
 private:
+    void ConnectForRawFrames();
+
     bool RetryIsDue() const { return m_link->findChild<QTimer*>(QStringLiteral("timRetry"))->isActive(); }
 
+    struct Kept {
+        int port;
+        QByteArray raw, information, text;
+    };
+    QList<Kept> m_heard;
     QStringList m_lines;
     QList<bool> m_enabled;
     QByteArrayList m_received;
@@ -58,6 +73,7 @@ private:
 };
 
 void AgwLinkTest::init() {
+    m_heard.clear();
     m_lines.clear();
     m_enabled.clear();
     m_received.clear();
@@ -256,6 +272,71 @@ void AgwLinkTest::whatCannotBeSentIsAStatusLine() {
     m_link->SendUnproto(1, QStringLiteral("N0CALL"), QStringLiteral("CQ A,B,C,D,E,F,G,H"),
                         QStringLiteral("x\r"));
     QCOMPARE(m_lines.last(), QStringLiteral("4 At most 7 digipeaters can be used\r\n"));
+}
+
+// From here on `m_heard` has what is handed on: how, and what stands in it.
+void AgwLinkTest::ConnectForRawFrames() {
+    connect(m_link.get(), &PacketLink::Heard, this, [this](const HeardFrame& frame) {
+        m_heard.append({frame.port, frame.raw.toByteArray(), frame.information.toByteArray(),
+                        frame.engineText.toByteArray()});
+        m_lines.append(QStringLiteral("frame"));
+    });
+    m_link->SetWantsRawFrames(true);
+    m_link->Connect();
+    QTRY_COMPARE(m_received.size(), 4); // the last one asks for raw frames
+    m_lines.clear();
+}
+
+void AgwLinkTest::bothFormsOfAFrameComeAsOne() {
+    ConnectForRawFrames();
+    m_engine->SendHeard(heardFrame);
+    QTRY_COMPARE(m_heard.size(), 1);
+    QCOMPARE(m_heard[0].port, 3);
+    QVERIFY(m_heard[0].raw.endsWith("\x03\xF0hello"));
+    QVERIFY(m_heard[0].text.startsWith(" 3:Fm XQ9ZZ-1 To APRS Via QIRAN-1 <UI"));
+}
+
+void AgwLinkTest::aMonitoredFrameComesAtOnceThoughRawOnesAreOn() {
+    ConnectForRawFrames();
+    m_engine->SendRaw(EngineSimulator::HeardBytes(heardFrame, "12:00:00"));
+    QElapsedTimer time;
+    time.start();
+    QTRY_COMPARE(m_heard.size(), 1);
+    QVERIFY(time.elapsed() < 900);
+    QVERIFY(m_heard[0].raw.isEmpty());
+}
+
+void AgwLinkTest::aRawFrameWaitsASecondForItsTextAndNoLonger() {
+    ConnectForRawFrames();
+    m_engine->SendRaw(EngineSimulator::RawBytes(heardFrame));
+    auto* timer = m_link->findChild<QTimer*>(QStringLiteral("timRaw"));
+    QTRY_VERIFY(timer->isActive());
+    QVERIFY(timer->remainingTime() <= 1000 && timer->remainingTime() > 500);
+    QVERIFY(m_heard.isEmpty());
+    QTRY_COMPARE_WITH_TIMEOUT(m_heard.size(), 1, 3000);
+    QVERIFY(m_heard[0].raw.endsWith("hello"));
+    QVERIFY(m_heard[0].text.isEmpty() &&
+            m_heard[0].information.isEmpty()); // nothing is shown or decoded of it
+    QVERIFY(!timer->isActive());
+}
+
+void AgwLinkTest::rawFramesThatWaitComeBeforeTheEndOfTheConnection() {
+    m_link->SetRetryInterval(30000);
+    ConnectForRawFrames();
+    m_engine->SendRaw(EngineSimulator::RawBytes(heardFrame));
+    QTRY_VERIFY(m_link->findChild<QTimer*>(QStringLiteral("timRaw"))->isActive());
+    m_engine->DropConnections();
+    QTRY_COMPARE(m_lines, QStringList({QStringLiteral("frame"), disconnectedLine + retry}));
+}
+
+void AgwLinkTest::rawFramesThatNobodyAskedForArePassedOver() {
+    ConnectForRawFrames();
+    m_link->SetWantsRawFrames(false);
+    m_engine->SendRaw(EngineSimulator::RawBytes(heardFrame));
+    m_engine->SendRaw(EngineSimulator::HeardBytes(heardFrame, "12:00:00"));
+    QTRY_COMPARE(m_heard.size(), 1);
+    QVERIFY(m_heard[0].raw.isEmpty());
+    QVERIFY(!m_link->findChild<QTimer*>(QStringLiteral("timRaw"))->isActive());
 }
 
 QTEST_GUILESS_MAIN(AgwLinkTest)

@@ -67,12 +67,15 @@ void KissLink::Receive(KissReader& reader, QByteArrayView bytes, const bool& isA
 void KissLink::Hand(QByteArrayView raw, int port, bool isTransmitted) {
     const qint64 utc = m_clock.Milliseconds();
     const std::string_view time = m_time.At(utc);
-    // A receiver may run an event loop of its own in which the next frame comes: each has a reader to itself.
-    Ax25Heard reader;
-    Q_EMIT Heard(reader.Read(raw, {.utc = utc,
-                                   .port = static_cast<qint16>(port + 1),
-                                   .isTransmitted = isTransmitted,
-                                   .time = {time.data(), static_cast<qsizetype>(time.size())}}));
+    // A receiver may run an event loop of its own in which the next frame comes: that one makes a reader.
+    std::unique_ptr<Ax25Heard> reader = std::move(m_reader);
+    if (!reader)
+        reader = std::make_unique<Ax25Heard>();
+    Q_EMIT Heard(reader->Read(raw, {.utc = utc,
+                                    .port = static_cast<qint16>(port + 1),
+                                    .isTransmitted = isTransmitted,
+                                    .time = {time.data(), static_cast<qsizetype>(time.size())}}));
+    m_reader = std::move(reader);
 }
 
 void KissLink::SendUnproto(qint16 port, const QString& source, const QString& destination,

@@ -7,6 +7,7 @@
 #include "telemetry/monitor/ClockText.h"
 
 #include <functional>
+#include <memory>
 
 class Clock;
 class KissReader;
@@ -44,5 +45,6 @@ private:
     const Clock& m_clock;
     ClockText m_time;
     TcpClient m_client;
-    QString m_host; // of the latest attempt
+    QString m_host;                      // of the latest attempt
+    std::unique_ptr<Ax25Heard> m_reader; // keeps its room from frame to frame
 };

@@ -16,12 +16,12 @@ void AppendHex(unsigned byte, std::string& text) {
     (text += digits[byte >> 4U]) += digits[byte & 0x0FU];
 }
 
-std::string SupervisoryName(unsigned control) {
+const char* SupervisoryName(unsigned control) {
     constexpr std::array names{"RR", "RNR", "REJ", "SREJ"};
     return names[control >> 2U & 0x03U];
 }
 
-std::string UnnumberedName(unsigned control) {
+const char* UnnumberedName(unsigned control) {
     constexpr std::array names{std::pair{0x2FU, "SABM"}, std::pair{0x6FU, "SABME"}, std::pair{0x43U, "DISC"},
                                std::pair{0x0FU, "DM"},   std::pair{0x63U, "UA"},    std::pair{0x87U, "FRMR"},
                                std::pair{0xAFU, "XID"},  std::pair{0xE3U, "TEST"}};
@@ -31,36 +31,40 @@ std::string UnnumberedName(unsigned control) {
 }
 
 // A command of version 2 asks ("P"), a response ends ("F"); before version 2 nobody told which it was.
-std::string PollFinal(const Ax25Frame& frame) {
-    const std::string name = frame.destination.isMarked == frame.source.isMarked ? "PF"
-                             : frame.destination.isMarked                        ? "P"
-                                                                                 : "F";
-    return ' ' + name + ((frame.control & Ax25Frame::pollFinal) != 0 ? "=1" : "=0");
+void AppendPollFinal(const Ax25Frame& frame, std::string& text) {
+    text += frame.destination.isMarked == frame.source.isMarked ? " PF"
+            : frame.destination.isMarked                        ? " P"
+                                                                : " F";
+    text += (frame.control & Ax25Frame::pollFinal) != 0 ? "=1" : "=0";
 }
 
-std::string Length(const Ax25Frame& frame) {
-    return " Len=" + std::to_string(frame.information.size());
+void AppendLength(const Ax25Frame& frame, std::string& text) {
+    text.append(" Len=").append(std::to_string(frame.information.size()));
 }
 
 // What stands between "<" and " >".
-std::string ControlText(const Ax25Frame& frame) {
-    std::string pid = " pid=";
+void AppendControl(const Ax25Frame& frame, std::string& text) {
     const std::string next = std::to_string(frame.control >> 5U);
     switch (frame.FrameType()) {
     case Ax25Frame::Type::UI:
-        AppendHex(frame.pid, pid);
-        return "UI" + pid + Length(frame) + PollFinal(frame);
+        AppendHex(frame.pid, text += "UI pid=");
+        AppendLength(frame, text);
+        break;
     case Ax25Frame::Type::I:
-        AppendHex(frame.pid, pid += "0x");
-        return "I S" + std::to_string(frame.control >> 1U & 0x07U) + " R" + next + pid + Length(frame) +
-               PollFinal(frame);
+        text.append("I S").append(std::to_string(frame.control >> 1U & 0x07U)).append(" R").append(next);
+        AppendHex(frame.pid, text += " pid=0x");
+        AppendLength(frame, text);
+        break;
     case Ax25Frame::Type::Supervisory:
-        return SupervisoryName(frame.control) + " R" + next + PollFinal(frame);
+        text.append(SupervisoryName(frame.control)).append(" R").append(next);
+        break;
     case Ax25Frame::Type::Unnumbered:
+        text += UnnumberedName(frame.control);
         break;
     }
-    return UnnumberedName(frame.control) + PollFinal(frame) +
-           (frame.information.empty() ? "" : Length(frame));
+    AppendPollFinal(frame, text);
+    if (frame.FrameType() == Ax25Frame::Type::Unnumbered && !frame.information.empty())
+        AppendLength(frame, text);
 }
 
 HeardFrame::Kind KindOf(const Ax25Frame& frame, bool isTransmitted) {
@@ -86,7 +90,7 @@ HeardFrame Ax25Heard::Read(QByteArrayView raw, const Arrival& arrival) {
     m_source.clear();
     m_destination.clear();
     m_path.clear();
-    m_text = ' ' + std::to_string(arrival.port) + ':';
+    (m_text = ' ').append(std::to_string(arrival.port)) += ':';
     HeardFrame heard;
     heard.utc = arrival.utc;
     heard.origin = arrival.origin;
@@ -119,7 +123,8 @@ void Ax25Heard::ShowFrame(const Ax25Frame& frame, const Arrival& arrival) {
     m_text.append("Fm ").append(frame.source.callsign).append(" To ").append(frame.destination.callsign);
     for (const Ax25Address& digipeater : frame.digipeaters)
         m_text.append(&digipeater == &frame.digipeaters.front() ? " Via " : ",").append(digipeater.callsign);
-    m_text.append(" <").append(ControlText(frame)).append(" >[").append(ToView(arrival.time)).append("]\r");
+    AppendControl(frame, m_text += " <");
+    m_text.append(" >[").append(ToView(arrival.time)).append("]\r");
     m_text.append(frame.information).append("\r");
 }
 
