@@ -3,8 +3,10 @@
 #include "app/MainMenuView.h"
 #include "app/OpenDialogs.h"
 #include "app/StatusBarView.h"
+#include "app/framGuide.h"
 #include "app/frmAbout.h"
 #include "core/Texts.h"
+#include "foundation/messages/DesktopNotices.h"
 #include "foundation/messages/mb.h"
 #include "foundation/placement/PlaceWindow.h"
 #include "foundation/placement/Twips.h"
@@ -27,11 +29,14 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
+#include <QUrl>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -40,8 +45,9 @@ constexpr std::chrono::milliseconds closeRetry(10); // while dialogs close
 
 } // namespace
 
-frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages)
+frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages, DesktopNotices& notices)
     : m_messages(messages)
+    , m_notices(notices)
     , m_ground(folder, clock, messages, *this)
     , m_status(m_ground)
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
@@ -51,7 +57,13 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     m_ground.setParent(this); // its timers are found by name below the window
     m_timer1.setObjectName(QStringLiteral("Timer1"));
     m_timer1.setInterval(1000);
-    connect(&m_timer1, &QTimer::timeout, this, [this] { m_framLocation->Tick(); });
+    // One timer for all that changes with the second: what changes together is painted together.
+    connect(&m_timer1, &QTimer::timeout, this, [this] {
+        m_framLocation->Tick();
+        if (!staStatus->isHidden())
+            staStatus->Refresh();
+    });
+    connect(&m_running, &RunningWindow::Knocked, this, &frmQIRAN::ComeForward);
     LayOut();
     ConnectMenu(*m_menu);
 }
@@ -115,7 +127,18 @@ bool frmQIRAN::Load() {
     return true;
 }
 
+void frmQIRAN::FolderIsTaken() {
+    RunningWindow::Knock(m_ground.folder.Path());
+}
+
+void frmQIRAN::ComeForward() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    raise();
+    activateWindow();
+}
+
 void frmQIRAN::Announce() {
+    m_running.Listen(m_ground.folder.Path());
     setWindowTitle(Texts::Caption(windowTitle()));
     m_messages.SetUpHelp(this, m_ground.folder.Path());
     Label2->setText(Texts::CubeExplanation());
@@ -155,10 +178,64 @@ void frmQIRAN::PrepareTracking() {
         m_framLocation->ShowCaption();
         m_framLocation->Refresh();
     });
-    connect(&m_ground.link, &AgwLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
+    connect(&m_ground, &GroundStation::LimitCrossed, this, &frmQIRAN::TellOfEvent);
+    connect(&m_ground.link, &ChosenLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
     ApplyStationPosition();
     m_framLocation->ShowCaption();
     SetDueCaption();
+    if (!Settings::IsOn(m_ground.cIni, Settings::guideShow))
+        return;
+    m_guide = new framGuide;
+    m_guide->hide();
+    auto* layout = static_cast<QVBoxLayout*>(centralWidget()->layout());
+    layout->insertWidget(layout->indexOf(txtMon), m_guide);
+    connect(m_guide, &framGuide::Mend, this, &frmQIRAN::Mend);
+    connect(m_guide, &framGuide::CloseAsked, this, &frmQIRAN::EndGuide);
+    connect(&m_ground, &GroundStation::StatusLine, this, &frmQIRAN::ShowGuide);
+    connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ShowGuide);
+    connect(&m_ground, &GroundStation::ElementsChanged, this, &frmQIRAN::ShowGuide);
+}
+
+// The guide is there while anything is missing, and never again once nothing is.
+void frmQIRAN::ShowGuide() {
+    using StartGuide::State;
+    if (m_guide == nullptr)
+        return;
+    const auto lines = StartGuide::Of(m_ground);
+    const auto is = [](State state) {
+        return [state](const StartGuide::Line& line) { return line.state == state; };
+    };
+    if (std::ranges::all_of(lines, is(State::There))) {
+        EndGuide();
+        return;
+    }
+    m_guide->Show(lines);
+    if (std::ranges::any_of(lines, is(State::Missing)))
+        m_guide->show();
+}
+
+void frmQIRAN::EndGuide() {
+    Settings::Save(m_ground.cIni, Settings::guideShow, clsIni::TrueOrFalse(false));
+    m_guide->hide();
+    m_guide->deleteLater(); // its own button may be about it
+    m_guide = nullptr;
+}
+
+void frmQIRAN::Mend(StartGuide::Step step) {
+    switch (step) {
+    case StartGuide::Step::Formulae:
+        QDesktopServices::openUrl(QUrl::fromLocalFile(m_ground.folder.Path()));
+        break;
+    case StartGuide::Step::Engine:
+        ShowAgwpeSetup();
+        break;
+    case StartGuide::Step::Position:
+        ShowStationInformation();
+        break;
+    case StartGuide::Step::Elements:
+        DownloadKeps();
+        break;
+    }
 }
 
 void frmQIRAN::LoadTerminal() {
@@ -174,7 +251,8 @@ void frmQIRAN::Show() {
     QString showStatus = Settings::Peek(m_ground.cIni, Settings::statusShow);
     staStatus->setVisible(clsIni::IsItTrue(showStatus));
     if (!staStatus->isHidden())
-        staStatus->Start();
+        staStatus->Refresh();
+    ShowGuide();
     show();
 }
 
@@ -255,7 +333,7 @@ void frmQIRAN::ShowStationInformation() {
 }
 
 void frmQIRAN::ShowAgwpeSetup() {
-    frmAgwpeSetup(m_ground.agw, m_ground.link, m_messages, this).exec();
+    frmAgwpeSetup(m_ground.agw, m_ground.link.Agw(), m_messages, this).exec();
 }
 
 void frmQIRAN::ShowForwarding() {
@@ -271,9 +349,15 @@ void frmQIRAN::DownloadKeps() {
     if (!frmDownload(m_ground.folder, m_ground.cIni, m_messages, inet, this).DownloadKeps())
         return;
     m_ground.LoadElements();
+    ShowGuide();
     TellSky();
     m_framLocation->ShowCaption();
     m_framLocation->Refresh();
+}
+
+void frmQIRAN::TellOfEvent(const LimitEvent& event) {
+    if (Settings::IsOn(m_ground.cIni, Settings::noticeEvents))
+        m_notices.Show(Texts::Title(), Texts::Crossed(event));
 }
 
 void frmQIRAN::PurgeTelemetryFiles() {
@@ -295,7 +379,6 @@ void frmQIRAN::closeEvent(QCloseEvent* event) {
 
 void frmQIRAN::ReleaseWindows() {
     m_timer1.stop();
-    staStatus->Stop();
     m_terminal.reset();
     if (frmSky* sky = m_sky) {
         sky->close();

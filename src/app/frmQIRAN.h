@@ -1,7 +1,9 @@
 #pragma once
 
+#include "app/RunningWindow.h"
 #include "core/GroundStation.h"
 #include "core/Roof.h"
+#include "core/StartGuide.h"
 #include "core/StationStatus.h"
 #include "telemetry/grids/TipCell.h"
 
@@ -11,6 +13,8 @@
 
 #include <memory>
 
+class DesktopNotices;
+class framGuide;
 class framLocation;
 class frmMap;
 class frmSky;
@@ -28,7 +32,7 @@ class frmQIRAN : public QMainWindow, private Roof {
     Q_OBJECT
 public:
     /// All arguments must outlive the window.
-    frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages);
+    frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages, DesktopNotices& notices);
     ~frmQIRAN() override;
 
     /// Starts the program, shows the window and tells what is missing; false when the program cannot start,
@@ -44,6 +48,7 @@ protected:
 
 private:
     QObject* MessageOwner() override { return this; }
+    void FolderIsTaken() override;
     void Announce() override;
     void PlaceWindow() override;
     void PrepareTracking() override;
@@ -53,6 +58,10 @@ private:
     bool SaveWindowPlace() override;
 
     void LayOut();
+    void ShowGuide();
+    void EndGuide();
+    void Mend(StartGuide::Step step);
+    void ComeForward();
     void ConnectMenu(const MainMenuView& menu);
     void ApplyStationPosition();
     void SetDueCaption();
@@ -65,9 +74,15 @@ private:
     void ShowAgwpeSetup();
     void ShowForwarding();
     void ShowCallsigns();
+    void AddToCallsigns(const QString& callsign);
+    void PutInTo(const QString& callsign);
+    void OpenLogFolder();
+    void UseAsPosition(double latitude, double longitude);
     void DownloadKeps();
+    void TellOfEvent(const LimitEvent& event);
 
     mb& m_messages;
+    DesktopNotices& m_notices;
     GroundStation m_ground;
     StationStatus m_status;
     TipCell m_tipCell;
@@ -76,7 +91,9 @@ private:
     QPointer<frmMap> m_map;
     QPointer<frmSky> m_sky;
     QTimer m_timer1;
+    RunningWindow m_running;
     bool m_isClosing = false;
+    framGuide* m_guide = nullptr; // none once it has done its work
     MonitorPane* txtMon;
     QLabel* Label2;
     StatusBarView* staStatus;

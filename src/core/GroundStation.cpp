@@ -1,9 +1,11 @@
 #include "core/GroundStation.h"
 
+#include "core/LastStart.h"
 #include "core/Roof.h"
 #include "core/SidsIdentity.h"
 #include "core/Texts.h"
 #include "core/Version.h"
+#include "foundation/messages/HelpTopics.h"
 #include "foundation/messages/mb.h"
 #include "foundation/settings/Settings.h"
 #include "orbit/service/KVRSatLib.h"
@@ -12,6 +14,7 @@
 #include "telemetry/monitor/DisplayKind.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QRandomGenerator>
 
 #include <iostream>
@@ -28,7 +31,8 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , cSats(std::make_unique<KVRSatLib>(), clock)
     , station(cIni)
     , agw(cIni)
-    , link(agw, clock, this)
+    , kiss(cIni)
+    , link(agw, kiss, clock, this)
     , callsigns(cIni)
     , forwarder({.folder = folder,
                  .ini = cIni,
@@ -56,19 +60,27 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , m_intake(callsigns, monitor, [this](qint64 utc) { return m_frameTime.At(utc); })
     , m_gridValues(grids, [this](qint64 utc) { return m_frameTime.At(utc); })
     , m_events(folder.File(eventsFile),
-               [this](const QString& reason) { ShowStatus(Texts::CannotWrite(eventsFile, reason)); }) {
+               [this](const QString& reason) { ShowStatus(Texts::CannotWrite(eventsFile, reason)); })
+    , m_recorder([this](const QString& reason) {
+        ShowStatus(Texts::CannotWrite(QFileInfo(RecordingPath()).fileName(), reason));
+    }) {
+    for (const auto& grid : grids)
+        grid->ShowLimits(limits, [&clock] { return clock.Milliseconds(); });
     using Takes = FanOut<HeardFrame>::Takes;
     heard.Add([this](const HeardFrame& frame) { m_intake.Take(frame); });
     heard.Add([this](const HeardFrame& frame) { decoder.Take(frame); }, Takes::LiveAndReplayed);
+    heard.Add([this](const HeardFrame& frame) { m_recorder.Take(frame); });
     heard.Add([this](const HeardFrame& frame) { forwarder.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { m_gridValues.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { history.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { limits.Take(frame); });
     m_intake.SetTerminal([this](QByteArrayView text, qint16 kind) { terminal.Take(text, kind); });
 
-    connect(&link, &AgwLink::Heard, this, [this](const HeardFrame& frame) { heard.Hand(frame); });
-    connect(&link, &AgwLink::StatusText, this, &GroundStation::ShowStatus);
+    connect(&link, &ChosenLink::Heard, this, [this](const HeardFrame& frame) { heard.Hand(frame); });
+    connect(&link, &ChosenLink::StatusText, this, &GroundStation::ShowStatus);
     connect(&forwarder, &Forwarder::StatusText, this, &GroundStation::ShowStatus);
+    connect(&forwarder, &Forwarder::WantsRawFramesChanged, this,
+            [this](bool wants) { SetWantsRawFrames(RawTaker::Forwarding, wants); });
     connect(&m_elementsWatch, &ElementsWatch::Changed, this, [this] {
         LoadElements();
         Q_EMIT ElementsChanged();
@@ -85,16 +97,14 @@ GroundStation::~GroundStation() {
 GroundStation::Outcome GroundStation::Start() {
     if (!m_lock.TryLock()) {
         std::cerr << Texts::HeldBy(folder.Path(), m_lock.Holder()).toLocal8Bit().constData();
-        m_messages.MessageBox(m_roof.MessageOwner(), Texts::AlreadyRunning(), MessageStyle::Information);
+        m_roof.FolderIsTaken();
+        m_messages.MessageBox(m_roof.MessageOwner(), Texts::AlreadyRunning(), MessageStyle::Information,
+                              Texts::InFolder(folder.Path()));
         return Outcome::AlreadyRunning;
     }
     m_roof.Announce();
     channelMap.BuildChannelMap();
-    const QString formulaFile = folder.File(QStringLiteral("formula.txt"));
-    const FormulaLoad loaded = LoadFormulae(formulaFile, formulae, m_messages, m_roof.MessageOwner());
-    if (loaded == FormulaLoad::Failed && !QFile::exists(formulaFile))
-        std::cerr << Texts::WhereFormulaeBelong(formulaFile).toLocal8Bit().constData();
-    if (loaded != FormulaLoad::Loaded)
+    if (!LoadFormulaFile())
         return Outcome::NoFormulae;
     m_isRunning = true;
     m_messages.SetTitle(Texts::Title());
@@ -116,6 +126,25 @@ GroundStation::Outcome GroundStation::Start() {
     return Outcome::Started;
 }
 
+// A misspelt name ends the program without a message of its own; why waits for the next start to tell.
+bool GroundStation::LoadFormulaFile() {
+    const QString formulaFile = folder.File(QStringLiteral("formula.txt"));
+    QString halt;
+    const FormulaLoad loaded = LoadFormulae(formulaFile, formulae, m_messages, m_roof.MessageOwner(), &halt);
+    const QString before = LastStart::Reason(folder);
+    if (loaded == FormulaLoad::Halt) {
+        if (!before.isEmpty())
+            m_messages.MessageBox(m_roof.MessageOwner(), Texts::LastStartEnded(before),
+                                  MessageStyle::Critical, QStringLiteral("QiranDecode"),
+                                  HelpTopics::formulas);
+        LastStart::Keep(folder, halt);
+    } else if (!before.isEmpty())
+        LastStart::Forget(folder);
+    if (loaded == FormulaLoad::Failed && !QFile::exists(formulaFile))
+        std::cerr << Texts::WhereFormulaeBelong(formulaFile).toLocal8Bit().constData();
+    return loaded == FormulaLoad::Loaded;
+}
+
 void GroundStation::ShowNotices() {
     if (!station.PositionKnown())
         m_messages.MessageBox(m_roof.MessageOwner(), Texts::PositionUnknown(), MessageStyle::Information);
@@ -128,6 +157,7 @@ void GroundStation::Stop() {
         return;
     m_isRunning = false;
     link.Stop();
+    StopRecording();
     forwarder.Stop();
     m_elementsWatch.Stop();
     m_roof.ReleaseWindows();
@@ -150,6 +180,34 @@ void GroundStation::ShowStatus(const QString& text) {
         Q_EMIT StatusLine(line);
 }
 
+void GroundStation::UseKiss(bool isKiss) {
+    if (isKiss == kiss.IsUsed())
+        return;
+    kiss.SetUsed(isKiss);
+    link.Connect();
+}
+
+void GroundStation::SetWantsRawFrames(RawTaker taker, bool wants) {
+    if (wants)
+        m_rawTakers.insert(taker);
+    else
+        m_rawTakers.erase(taker);
+    link.Agw().SetWantsRawFrames(!m_rawTakers.empty());
+}
+
+bool GroundStation::StartRecording(const QString& path) {
+    const bool isRecording = m_recorder.Start(path);
+    SetWantsRawFrames(RawTaker::Recording, isRecording);
+    if (!isRecording)
+        ShowStatus(Texts::CannotWrite(QFileInfo(path).fileName(), QStringLiteral("it is no recording")));
+    return isRecording;
+}
+
+void GroundStation::StopRecording() {
+    m_recorder.Stop();
+    SetWantsRawFrames(RawTaker::Recording, false);
+}
+
 void GroundStation::OpenTerminal() {
     terminal.Open();
     m_roof.LoadTerminal();
@@ -162,6 +220,7 @@ void GroundStation::LoadOptions() {
     m_intake.SetOnlyShowQiran(clsIni::IsItTrue(onlyShow));
     station.Load();
     agw.Load();
+    kiss.Load();
 }
 
 void GroundStation::RemoveOldKeys() {

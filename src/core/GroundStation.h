@@ -1,11 +1,12 @@
 #pragma once
 
+#include "core/ChosenLink.h"
 #include "core/ElementsWatch.h"
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
 #include "foundation/system/FolderLock.h"
-#include "link/agwpe/AgwLink.h"
 #include "link/agwpe/AgwSettings.h"
+#include "link/kiss/KissSettings.h"
 #include "orbit/service/TrackedSatellites.h"
 #include "orbit/service/clsSats.h"
 #include "sharing/Forwarder.h"
@@ -20,8 +21,11 @@
 #include "telemetry/monitor/FrameIntake.h"
 #include "telemetry/monitor/MonitorText.h"
 #include "telemetry/monitor/SecondTime.h"
+#include "telemetry/replay/FrameRecorder.h"
 
 #include <QObject>
+
+#include <set>
 
 class Clock;
 class Roof;
@@ -67,6 +71,22 @@ public:
     bool ToggleLocalTime();
     bool ToggleOnlyShowQiran();
 
+    /// Connects by a KISS TNC from now on, or by AGWPE; saved.
+    void UseKiss(bool isKiss);
+
+    /// Who needs frames whole, with their raw bytes.
+    enum class RawTaker { Recording, Forwarding };
+
+    /// A packet engine is asked for raw frames as long as anybody needs them. A KISS TNC gives no others.
+    void SetWantsRawFrames(RawTaker taker, bool wants);
+
+    /// Appends what is heard from now on to a recording. False, with a status line, where the file is none.
+    bool StartRecording(const QString& path);
+    void StopRecording();
+
+    /// The recording, empty while nothing is recorded.
+    const QString& RecordingPath() const { return m_recorder.Path(); }
+
     /// Opens the terminal again after it was closed.
     void OpenTerminal();
 
@@ -76,7 +96,8 @@ public:
     TrackedSatellites satellites;
     Station station;
     AgwSettings agw;
-    AgwLink link;
+    KissSettings kiss;
+    ChosenLink link;
     CallsignList callsigns;
     HttpPost forwardPost;
     Forwarder forwarder;
@@ -104,6 +125,7 @@ Q_SIGNALS:
     void ElementsChanged();
 
 private:
+    bool LoadFormulaFile();
     void LoadOptions();
     void RemoveOldKeys();
     void LoadLimits();
@@ -117,6 +139,8 @@ private:
     FrameIntake m_intake;
     GridValues m_gridValues;
     EventFile m_events;
+    FrameRecorder m_recorder;
+    std::set<RawTaker> m_rawTakers;
     ElementsWatch m_elementsWatch;
     bool m_isRunning = false;
 };

@@ -1,6 +1,8 @@
 #include "core/Texts.h"
 
 #include "core/Version.h"
+#include "telemetry/calibration/GridLayout.h"
+#include "telemetry/limits/LimitJudge.h"
 
 namespace Texts {
 
@@ -52,6 +54,14 @@ QString WrongLine(const QString& file, std::size_t line, const QString& reason) 
     return QStringLiteral("*** %1: %2\r\n").arg(place, reason);
 }
 
+QString Crossed(const LimitEvent& event) {
+    return QStringLiteral("%1 %2 %3: %4")
+        .arg(event.cell.side == 0 ? QLatin1StringView("A") : QLatin1StringView("B"),
+             QLatin1StringView(GridLayout::Tag(event.cell.grid)),
+             QLatin1StringView(GridLayout::RowName(event.cell.grid, event.cell.row)),
+             QLatin1StringView(LevelName(event.to)));
+}
+
 QString WhereFormulaeBelong(const QString& path) {
     return QStringLiteral(
                "QiranDecode: put the satellite's calibration formulae into the file %1\n"
@@ -62,6 +72,17 @@ QString WhereFormulaeBelong(const QString& path) {
 
 QString AlreadyRunning() {
     return QStringLiteral("QiranDecode is already running. ");
+}
+
+QString InFolder(const QString& folder) {
+    return QStringLiteral("QiranDecode in %1").arg(folder);
+}
+
+QString LastStartEnded(const QString& reason) {
+    return QStringLiteral(
+               "The program ended at its last start because of %1. Mend the line, and start it again. "
+               "'qirandecode-cli decode --check' names every line that is wrong.")
+        .arg(reason);
 }
 
 QString HeldBy(const QString& folder, const QString& holder) {

@@ -101,7 +101,8 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
     };
     using namespace Qt::StringLiterals;
     row("", "frmQIRAN",
-        {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"cmdChangeSat"_s, u"cmdPassInfo"_s});
+        {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"labEvent"_s, u"cmdChangeSat"_s,
+         u"cmdPassInfo"_s});
     row("mnuTerminal", "frmTerm",
         {u"txtTo"_s, u"txtVia"_s, u"txtPort"_s, u"cmdAprs"_s, u"cmdLoc"_s, u"rtbMon"_s, u"txtTx"_s});
     row("mnuMap", "frmMap", {u"picMap"_s});

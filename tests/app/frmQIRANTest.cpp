@@ -263,7 +263,7 @@ void frmQIRANTest::aSecondStartInTheSameFolderSaysSoAndEnds() {
     QVERIFY(rig.Start());
     RecordingPresenter presenter;
     mb messages(presenter);
-    frmQIRAN second(rig.folder.Program(), rig.clock, messages);
+    frmQIRAN second(rig.folder.Program(), rig.clock, messages, rig.notices);
     QVERIFY(!second.Load());
     QVERIFY(!second.isVisible());
     QCOMPARE(presenter.Texts(), QStringList{u"QiranDecode is already running. "_s});
@@ -278,7 +278,7 @@ void frmQIRANTest::withoutFormulaeTheProgramEnds() {
     QCOMPARE(rig.presenter.messages.size(), 1);
     QVERIFY(rig.presenter.messages[0].text.startsWith(
         u"An error occurred loading the formulae. The error message is '"_s));
-    QCOMPARE(rig.presenter.messages[0].style, MessageStyle::Critical);
+    QCOMPARE(rig.presenter.messages[0].style, MessageStyle::Critical | MessageStyle::HelpButton);
 }
 
 void frmQIRANTest::aMisspeltGridEndsTheProgramWithoutAMessage() {

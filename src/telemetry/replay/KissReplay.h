@@ -15,7 +15,7 @@ public:
     using Take = std::function<void(const HeardFrame& frame)>;
 
     /// Whether a file that begins like this is such a recording.
-    static bool IsRecording(QByteArrayView start) { return start.startsWith('\xC0'); }
+    static bool IsRecording(QByteArrayView start) { return start.startsWith(RecordedFrame::mark); }
 
     explicit KissReplay(Take take)
         : m_take(std::move(take)) {}
