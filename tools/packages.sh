@@ -16,7 +16,7 @@ test_packages=(
     direwolf openbox xdotool imagemagick poppler-utils iproute2
     python3-sgp4 python3-ephem python3-skyfield python3-astropy python3-icalendar
     appstream dbus-daemon desktop-file-utils dpkg-dev fakeroot file lintian man-db openssl systemd
-    mosquitto mosquitto-clients
+    curl jq mosquitto mosquitto-clients
 )
 
 # missing_packages PACKAGE... : prints those that are not installed.
