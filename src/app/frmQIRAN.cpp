@@ -1,5 +1,6 @@
 #include "app/frmQIRAN.h"
 
+#include "app/LinkMenu.h"
 #include "app/MainMenuView.h"
 #include "app/OpenDialogs.h"
 #include "app/StatusBarView.h"
@@ -14,6 +15,7 @@
 #include "keps/HttpTransfer.h"
 #include "keps/frmDownload.h"
 #include "link/agwpe/frmAgwpeSetup.h"
+#include "link/kiss/frmKissSetup.h"
 #include "orbit/map/frmMap.h"
 #include "orbit/panel/framLocation.h"
 #include "orbit/predictions/frmPass.h"
@@ -24,6 +26,7 @@
 #include "telemetry/callsigns/frmCalls.h"
 #include "telemetry/grids/TelemetryGridView.h"
 #include "telemetry/history/TelemetryFiles.h"
+#include "telemetry/imports/frmImport.h"
 #include "telemetry/monitor/MonitorPane.h"
 
 #include <QAction>
@@ -95,6 +98,11 @@ void frmQIRAN::LayOut() {
     setCentralWidget(centre);
     staStatus = new StatusBarView(m_status);
     setStatusBar(staStatus);
+    auto* linkMenu = new LinkMenu(m_ground, this);
+    staStatus->SetLinkMenu(linkMenu);
+    connect(linkMenu, &LinkMenu::AgwpeSetupRequested, this, &frmQIRAN::ShowAgwpeSetup);
+    connect(linkMenu, &LinkMenu::KissSetupRequested, this, &frmQIRAN::ShowKissSetup);
+    connect(linkMenu, &LinkMenu::ForwardingRequested, this, &frmQIRAN::ShowForwarding);
 }
 
 void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
@@ -109,7 +117,7 @@ void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
     entry(menu.mnuDownloadKeps, &frmQIRAN::DownloadKeps);
     connect(menu.mnuUseLocalTime, &QAction::triggered, this, [this] {
         m_ground.ToggleLocalTime();
-        TellSky();
+        TellWindows();
         SetDueCaption();
         m_framLocation->Refresh();
     });
@@ -169,12 +177,11 @@ void frmQIRAN::PrepareTracking() {
     });
     connect(m_framLocation, &framLocation::SkyRequested, this, &frmQIRAN::ShowSky);
     connect(staStatus, &StatusBarView::SkyRequested, this, &frmQIRAN::ShowSky);
-    connect(staStatus, &StatusBarView::ForwardingRequested, this, &frmQIRAN::ShowForwarding);
-    connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::TellSky);
+    connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::TellWindows);
     connect(m_framLocation, &framLocation::PassInfoRequested, this, &frmQIRAN::ShowPassPredictions);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
     connect(&m_ground, &GroundStation::ElementsChanged, this, [this] {
-        TellSky();
+        TellWindows();
         m_framLocation->ShowCaption();
         m_framLocation->Refresh();
     });
@@ -266,7 +273,13 @@ void frmQIRAN::SetDueCaption() {
 }
 
 void frmQIRAN::ShowPassPredictions() {
-    frmPass passes(m_ground.cSats, m_ground.satellites, this);
+    PassServices services{.messages = &m_messages};
+    if (const auto place = PlaceOfStation())
+        services.calendar = {.latitude = place->latitude,
+                             .longitude = place->longitude,
+                             .alarmMinutes = Settings::NumberOf(m_ground.cIni, Settings::noticeMinutes),
+                             .program = Texts::CalendarMaker()};
+    frmPass passes(m_ground.cSats, m_ground.satellites, this, std::move(services));
     std::optional<DateTime> chosen;
     connect(&passes, &frmPass::PassChosen, this, [&](DateTime startUtc) {
         chosen = startUtc;
@@ -279,14 +292,15 @@ void frmQIRAN::ShowPassPredictions() {
     m_sky->ShowPassAt(*chosen);
 }
 
+std::optional<PassSteps::Place> frmQIRAN::PlaceOfStation() const {
+    const Station& station = m_ground.station;
+    return station.PositionKnown() ? std::optional(PassSteps::Place{station.dblLat(), station.dblLong()})
+                                   : std::nullopt;
+}
+
 void frmQIRAN::ShowSky() {
     if (!m_sky) {
-        const auto place = [this]() -> std::optional<PassSteps::Place> {
-            const Station& station = m_ground.station;
-            return station.PositionKnown()
-                       ? std::optional(PassSteps::Place{station.dblLat(), station.dblLong()})
-                       : std::nullopt;
-        };
+        const auto place = [this] { return PlaceOfStation(); };
         const auto simulated = [this] { return m_map ? m_map->SimulatedTime() : std::nullopt; };
         m_sky =
             new frmSky(m_ground.cSats, m_ground.satellites, place, simulated, m_ground.cIni, m_ground.folder);
@@ -299,7 +313,9 @@ void frmQIRAN::ShowSky() {
     m_sky->activateWindow();
 }
 
-void frmQIRAN::TellSky() {
+void frmQIRAN::TellWindows() {
+    if (m_map)
+        m_map->DataHaveChanged();
     if (m_sky)
         m_sky->DataHaveChanged();
 }
@@ -313,7 +329,8 @@ void frmQIRAN::ShowTerminal() {
 
 void frmQIRAN::ShowMap() {
     if (!m_map) {
-        m_map = new frmMap(m_ground.cSats, m_ground.satellites, m_ground.cIni, m_messages, m_ground.folder);
+        m_map = new frmMap(m_ground.cSats, m_ground.satellites, m_ground.cIni, m_messages, m_ground.folder,
+                           [this] { return PlaceOfStation(); });
         m_map->setAttribute(Qt::WA_DeleteOnClose);
         connect(m_map, &frmMap::ChangeSatRequested, m_framLocation, &framLocation::ChangeSat);
         connect(m_map, &frmMap::TimeShown, this, [this] {
@@ -340,6 +357,10 @@ void frmQIRAN::ShowForwarding() {
     frmForward(m_ground.forwarder, m_messages, this).exec();
 }
 
+void frmQIRAN::ShowKissSetup() {
+    frmKissSetup(m_ground.kiss, m_ground.link.Kiss(), m_messages, this).exec();
+}
+
 void frmQIRAN::ShowCallsigns() {
     frmCalls(m_ground.callsigns, m_messages, this).DoCalls();
 }
@@ -350,7 +371,7 @@ void frmQIRAN::DownloadKeps() {
         return;
     m_ground.LoadElements();
     ShowGuide();
-    TellSky();
+    TellWindows();
     m_framLocation->ShowCaption();
     m_framLocation->Refresh();
 }
@@ -358,6 +379,13 @@ void frmQIRAN::DownloadKeps() {
 void frmQIRAN::TellOfEvent(const LimitEvent& event) {
     if (Settings::IsOn(m_ground.cIni, Settings::noticeEvents))
         m_notices.Show(Texts::Title(), Texts::Crossed(event));
+}
+
+void frmQIRAN::ImportHistory(QWidget* owner) {
+    frmImport(
+        m_ground.folder.File(QStringLiteral("tlm.txt")), SidesOf(m_ground.callsigns),
+        [this] { return m_ground.history.Settle(); }, m_messages, owner)
+        .exec();
 }
 
 void frmQIRAN::PurgeTelemetryFiles() {

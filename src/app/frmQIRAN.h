@@ -5,6 +5,7 @@
 #include "core/Roof.h"
 #include "core/StartGuide.h"
 #include "core/StationStatus.h"
+#include "orbit/skyview/PassSteps.h"
 #include "telemetry/grids/TipCell.h"
 
 #include <QMainWindow>
@@ -40,6 +41,9 @@ public:
     /// be dismissed when the program is asked to end.
     bool Load();
 
+    /// Lets the user bring logs and recordings into the history, over this window.
+    void ImportHistory(QWidget* owner);
+
     /// Housekeeping of the telemetry files, made ready for a history of decoded values.
     void PurgeTelemetryFiles();
 
@@ -68,11 +72,13 @@ private:
     void ShowPassPredictions();
     void ShowTerminal();
     void ShowMap();
+    std::optional<PassSteps::Place> PlaceOfStation() const;
     void ShowSky();
-    void TellSky();
+    void TellWindows();
     void ShowStationInformation();
     void ShowAgwpeSetup();
     void ShowForwarding();
+    void ShowKissSetup();
     void ShowCallsigns();
     void AddToCallsigns(const QString& callsign);
     void PutInTo(const QString& callsign);

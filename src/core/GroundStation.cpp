@@ -22,6 +22,7 @@
 namespace {
 
 const QString eventsFile = QStringLiteral("events.txt");
+const QString elementsFile = QStringLiteral("elements-history.txt");
 
 } // namespace
 
@@ -63,7 +64,11 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
                [this](const QString& reason) { ShowStatus(Texts::CannotWrite(eventsFile, reason)); })
     , m_recorder([this](const QString& reason) {
         ShowStatus(Texts::CannotWrite(QFileInfo(RecordingPath()).fileName(), reason));
+    })
+    , m_elementsRecorder(folder.File(elementsFile), cSats, satellites, clock, [this](const QString& reason) {
+        ShowStatus(Texts::CannotWrite(elementsFile, reason));
     }) {
+    m_elementsRecorder.setParent(this);
     for (const auto& grid : grids)
         grid->ShowLimits(limits, [&clock] { return clock.Milliseconds(); });
     using Takes = FanOut<HeardFrame>::Takes;
@@ -160,6 +165,7 @@ void GroundStation::Stop() {
     StopRecording();
     forwarder.Stop();
     m_elementsWatch.Stop();
+    m_elementsRecorder.Stop();
     m_roof.ReleaseWindows();
     terminal.Close();
     if (m_roof.SaveWindowPlace())
@@ -172,6 +178,7 @@ void GroundStation::LoadElements() {
     satellites.FindInKeps(folder.KepsFolder());
     for (const QString& line : satellites.UntrackedMessages(cSats))
         ShowStatus(line);
+    m_elementsRecorder.Note();
 }
 
 void GroundStation::ShowStatus(const QString& text) {
@@ -231,7 +238,9 @@ void GroundStation::RemoveOldKeys() {
 
 void GroundStation::LoadLimits() {
     QString keep = Settings::Peek(cIni, Settings::historyKeep);
-    history.SetKept(clsIni::IsItTrue(keep));
+    const bool isKept = clsIni::IsItTrue(keep);
+    history.SetKept(isKept);
+    m_elementsRecorder.SetKept(isKept);
     const QString name = QStringLiteral("channels.txt");
     const ChannelsFile file = ChannelsFile::Read(folder.File(name));
     for (const ChannelsFile::Fault& fault : file.Faults())

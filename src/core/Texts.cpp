@@ -23,6 +23,10 @@ QString VersionNumber() {
     return QStringLiteral("%1.%2.%3").arg(::Version::major).arg(::Version::minor).arg(::Version::revision);
 }
 
+QString CalendarMaker() {
+    return QStringLiteral("qirandecode-cli ") + VersionNumber();
+}
+
 QString Version() {
     return QStringLiteral("Version %1.%2 revision %3")
         .arg(::Version::major)

@@ -17,6 +17,9 @@ QString Caption(const QString& title);
 /// The version as "2.4.2".
 QString VersionNumber();
 
+/// The product that calendars name as their maker: the same for both programs, as is what they write.
+QString CalendarMaker();
+
 /// The version for people, as in the about box.
 QString Version();
 

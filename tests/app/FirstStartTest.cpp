@@ -274,7 +274,7 @@ void FirstStartTest::aSecondStartBringsTheFirstForwardAndNamesTheFolder() {
     QTRY_VERIFY(rig.window->isMinimized());
     RecordingPresenter presenter;
     mb messages(presenter);
-    frmQIRAN second(rig.folder.Program(), rig.clock, messages);
+    frmQIRAN second(rig.folder.Program(), rig.clock, messages, rig.notices);
     QVERIFY(!second.Load());
     QTRY_VERIFY(!rig.window->isMinimized());
     QVERIFY(QTest::qWaitForWindowActive(rig.window.get()));

@@ -1,5 +1,6 @@
 #include "cli/output/RecordWriter.h"
 #include "cli/output/Records.h"
+#include "orbit/service/PassRecords.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -117,7 +118,7 @@ void RecordTextTest::aListIsAnArrayInJsonAndOneCellInCsv() {
 }
 
 void RecordTextTest::namesOfFieldsAreTheContract() {
-    QCOMPARE(Names(Records::pass),
+    QCOMPARE(Names(PassRecords::type),
              QByteArray("satellite,number,rise,culmination,set,rise_azimuth,set_azimuth,"
                         "max_elevation,duration_s"));
     QCOMPARE(Names(Records::position),

@@ -34,6 +34,7 @@ struct Fixture {
     FakeLibrary* library = new FakeLibrary;
     clsSats sats{std::unique_ptr<OrbitLibrary>(library), clock};
     TrackedSatellites satellites;
+    std::optional<PassSteps::Place> place;
     std::unique_ptr<frmMap> map;
 
     explicit Fixture(const QByteArray& world = ShippedWorld()) {
@@ -44,7 +45,8 @@ struct Fixture {
         Open();
     }
     void Open() {
-        map = std::make_unique<frmMap>(sats, satellites, ini, messages, folder.Program());
+        map = std::make_unique<frmMap>(sats, satellites, ini, messages, folder.Program(),
+                                       [this] { return place; });
         map->show();
     }
     QAction* Entry(const char* name) const { return map->findChild<QAction*>(QString::fromLatin1(name)); }

@@ -1,12 +1,18 @@
 #include "orbit/predictions/frmPass.h"
 
+#include "foundation/text/UtcTime.h"
 #include "orbit/FakeLibrary.h"
+#include "orbit/SkyRig.h"
+#include "support/RecordingPresenter.h"
 #include "support/Screenshots.h"
 #include "support/TemporaryProgramFolder.h"
 #include "support/TestClock.h"
 
+#include <QAction>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QGuiApplication>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPrinter>
 #include <QProcess>
@@ -57,11 +63,11 @@ QString TextOfPdf(const QString& path) {
 // The pages of the PDF that the window prints.
 QStringList PrintedPages(Fixture& f) {
     const QString path = f.folder.File(QStringLiteral("out.pdf"));
-    frmPass window(f.sats, f.satellites, nullptr, [&](QPrinter& printer, QWidget*) {
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(path);
-        return true;
-    });
+    frmPass window(f.sats, f.satellites, nullptr, {.choosePrinter = [&](QPrinter& printer, QWidget*) {
+                       printer.setOutputFormat(QPrinter::PdfFormat);
+                       printer.setOutputFileName(path);
+                       return true;
+                   }});
     window.show();
     QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdPrint")), Qt::LeftButton);
     return TextOfPdf(path).split(u'\f', Qt::SkipEmptyParts);
@@ -84,6 +90,12 @@ private Q_SLOTS:
     void decliningPrintsNothing();
     void escapeAndFinishedClose();
     void aNewWindowStartsFresh();
+    void theContextMenuCopiesAndPrints();
+    void itSavesWhatTheCommandLineWrites();
+    void ctrlSSavesCsv();
+    void aFileThatCannotBeWrittenIsSaid();
+    void withoutAPlaceNothingIsSaved();
+    void theContextMenuShowsThePassOfItsLine();
     void pictures();
 };
 
@@ -170,10 +182,10 @@ void frmPassTest::longTablesTakeMorePages() {
 void frmPassTest::decliningPrintsNothing() {
     Fixture f;
     const QString path = f.folder.File(QStringLiteral("out.pdf"));
-    frmPass window(f.sats, f.satellites, nullptr, [&](QPrinter& printer, QWidget*) {
-        printer.setOutputFileName(path);
-        return false;
-    });
+    frmPass window(f.sats, f.satellites, nullptr, {.choosePrinter = [&](QPrinter& printer, QWidget*) {
+                       printer.setOutputFileName(path);
+                       return false;
+                   }});
     window.show();
     QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdPrint")), Qt::LeftButton);
     QVERIFY(!QFile::exists(path));
@@ -200,6 +212,146 @@ void frmPassTest::aNewWindowStartsFresh() {
     const QString second =
         frmPass(f.sats, f.satellites).findChild<QPlainTextEdit*>(QStringLiteral("txtInfo"))->toPlainText();
     QVERIFY(first != second);
+}
+
+void frmPassTest::theContextMenuCopiesAndPrints() {
+    Fixture f;
+    int printed = 0;
+    frmPass window(f.sats, f.satellites, nullptr, {.choosePrinter = [&](QPrinter&, QWidget*) {
+                       ++printed;
+                       return false;
+                   }});
+    window.show();
+    auto* txtInfo = window.findChild<QPlainTextEdit*>(QStringLiteral("txtInfo"));
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), txtInfo->mapToGlobal(QPoint(5, 5)));
+    QCoreApplication::sendEvent(txtInfo->viewport(), &event);
+    auto* menu = window.findChild<QMenu*>(QStringLiteral("mnuPass"));
+    QVERIFY(menu->isVisible());
+    QStringList captions;
+    for (const QAction* entry : menu->actions())
+        if (!entry->isSeparator())
+            captions += QString(entry->text()).remove(u'&');
+    QCOMPARE(captions,
+             QStringList({QStringLiteral("Copy"), QStringLiteral("Print"), QStringLiteral("Save as CSV"),
+                          QStringLiteral("Save as calendar"), QStringLiteral("Show in the sky")}));
+    menu->close();
+    window.findChild<QAction*>(QStringLiteral("mnuPrint"))->trigger();
+    QCOMPARE(printed, 1);
+    auto* mnuCopy = window.findChild<QAction*>(QStringLiteral("mnuCopy"));
+    mnuCopy->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), f.Table());
+    txtInfo->moveCursor(QTextCursor::Start);
+    txtInfo->moveCursor(QTextCursor::EndOfWord, QTextCursor::KeepAnchor);
+    mnuCopy->trigger(); // what is marked
+    QVERIFY(QGuiApplication::clipboard()->text().size() < 20);
+}
+
+void frmPassTest::itSavesWhatTheCommandLineWrites() {
+    const SkyRig rig;
+    QStringList proposals;
+    const QString path = rig.folder.File(QStringLiteral("saved"));
+    const PassRecords::CalendarMaking making{
+        .latitude = 52, .longitude = 11, .alarmMinutes = 7, .program = QStringLiteral("maker"), .now = 0};
+    frmPass window(rig.sats, rig.satellites, nullptr,
+                   {.chooseFile =
+                        [&](QWidget*, const QString&, const QString& proposal) {
+                            proposals += proposal;
+                            return path;
+                        },
+                    .calendar = making});
+    window.show();
+    const SatPasses found = rig.sats.PassesOf(
+        {.object = "90417", .latitude = 52, .longitude = 11, .startUtc = SkyRig::day, .days = 3, .most = 30});
+    std::vector<NamedPass> passes;
+    for (const SatPass& pass : found.passes)
+        passes.push_back({QStringLiteral("QIRAN"), 90417, pass});
+    QVERIFY(passes.size() > 10);
+    QCOMPARE(window.findChild<QPlainTextEdit*>(QStringLiteral("txtInfo"))
+                 ->toPlainText()
+                 .count(QStringLiteral("2026-Nov")),
+             qsizetype(passes.size()));
+
+    window.findChild<QAction*>(QStringLiteral("mnuSaveCsv"))->trigger();
+    const QByteArray csv = rig.folder.Read(QStringLiteral("saved"));
+    QCOMPARE(csv, PassRecords::Csv(passes));
+    QVERIFY(csv.startsWith("satellite,number,rise,culmination,set,rise_azimuth,set_azimuth,max_elevation,"
+                           "duration_s\r\nQIRAN,90417,2026-11-17T"));
+    window.findChild<QAction*>(QStringLiteral("mnuSaveCalendar"))->trigger();
+    PassRecords::CalendarMaking made = making;
+    made.now = UtcTime::FromDateTime(SkyRig::day);
+    const QByteArray calendar = rig.folder.Read(QStringLiteral("saved"));
+    QCOMPARE(calendar, PassRecords::Calendar(passes, made));
+    QCOMPARE(calendar.count("BEGIN:VEVENT"), qsizetype(passes.size()));
+    QVERIFY(calendar.contains("TRIGGER:-PT7M") && calendar.contains("DTSTAMP:20261117T000000Z"));
+    QCOMPARE(proposals, QStringList({QStringLiteral("passes.csv"), QStringLiteral("passes.ics")}));
+}
+
+void frmPassTest::ctrlSSavesCsv() {
+    const SkyRig rig;
+    QStringList proposals;
+    frmPass window(rig.sats, rig.satellites, nullptr,
+                   {.chooseFile =
+                        [&](QWidget*, const QString&, const QString& proposal) {
+                            proposals += proposal;
+                            return QString(); // does not want to
+                        },
+                    .calendar = PassRecords::CalendarMaking{.latitude = 52, .longitude = 11}});
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    auto* txtInfo = window.findChild<QPlainTextEdit*>(QStringLiteral("txtInfo"));
+    auto* cmdCopy = window.findChild<QPushButton*>(QStringLiteral("cmdCopy"));
+    for (QWidget* focus : {static_cast<QWidget*>(txtInfo), static_cast<QWidget*>(cmdCopy)}) {
+        focus->setFocus();
+        QTest::keyClick(focus, Qt::Key_S, Qt::ControlModifier);
+    }
+    QCOMPARE(proposals, QStringList({QStringLiteral("passes.csv"), QStringLiteral("passes.csv")}));
+}
+
+void frmPassTest::aFileThatCannotBeWrittenIsSaid() {
+    const SkyRig rig;
+    RecordingPresenter presenter;
+    const mb messages(presenter);
+    const QString path = rig.folder.File(QStringLiteral("no/such/folder/passes.csv"));
+    frmPass window(rig.sats, rig.satellites, nullptr,
+                   {.chooseFile = [&](QWidget*, const QString&, const QString&) { return path; },
+                    .messages = &messages,
+                    .calendar = PassRecords::CalendarMaking{.latitude = 52, .longitude = 11}});
+    window.show();
+    window.findChild<QAction*>(QStringLiteral("mnuSaveCsv"))->trigger();
+    QCOMPARE(presenter.messages.size(), 1);
+    QVERIFY(
+        presenter.Texts().first().startsWith(QStringLiteral("The passes cannot be saved in %1: ").arg(path)));
+}
+
+void frmPassTest::withoutAPlaceNothingIsSaved() {
+    Fixture f;
+    const frmPass window(f.sats, f.satellites);
+    QVERIFY(!window.findChild<QAction*>(QStringLiteral("mnuSaveCsv"))->isEnabled());
+    QVERIFY(!window.findChild<QAction*>(QStringLiteral("mnuSaveCalendar"))->isEnabled());
+}
+
+void frmPassTest::theContextMenuShowsThePassOfItsLine() {
+    Fixture f;
+    frmPass window(f.sats, f.satellites);
+    QList<DateTime> chosen;
+    connect(&window, &frmPass::PassChosen, &window, [&](DateTime start) { chosen += start; });
+    window.show();
+    auto* txtInfo = window.findChild<QPlainTextEdit*>(QStringLiteral("txtInfo"));
+    auto* entry = window.findChild<QAction*>(QStringLiteral("mnuShowInSky"));
+    const auto openAt = [&](int line) {
+        const QTextCursor cursor(txtInfo->document()->findBlockByNumber(line));
+        const QPoint place = txtInfo->cursorRect(cursor).center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, txtInfo->viewport()->mapToGlobal(place));
+        QCoreApplication::sendEvent(txtInfo->viewport(), &event);
+        window.findChild<QMenu*>(QStringLiteral("mnuPass"))->close();
+    };
+    openAt(2);
+    QVERIFY(!entry->isEnabled());
+    openAt(5);
+    QVERIFY(entry->isEnabled());
+    entry->trigger();
+    QCOMPARE(chosen.size(), 1);
+    QVERIFY(std::abs(chosen.first() - (DateOf(2026, 11, 21) + 0.71)) * secondsPerDay < 0.6);
 }
 
 void frmPassTest::pictures() {

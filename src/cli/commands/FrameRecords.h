@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/output/Record.h"
+#include "foundation/records/Record.h"
 #include "telemetry/limits/ChannelLimits.h"
 
 struct HeardFrame;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/output/Record.h"
+#include "foundation/records/Record.h"
 #include "foundation/settings/Settings.h"
 
 #include <QString>

@@ -1,6 +1,5 @@
 #include "cli/commands/Answers.h"
 #include "cli/commands/Sky.h"
-#include "cli/output/Calendar.h"
 #include "cli/output/Console.h"
 #include "cli/output/Records.h"
 #include "cli/table/Options.h"
@@ -9,9 +8,8 @@
 #include "foundation/settings/Settings.h"
 #include "foundation/text/Clock.h"
 #include "foundation/text/UtcTime.h"
+#include "orbit/service/PassRecords.h"
 #include "orbit/service/PassTable.h"
-
-#include <QCryptographicHash>
 
 #include <algorithm>
 #include <limits>
@@ -25,11 +23,6 @@ namespace {
 constexpr int usualDays = 3;
 constexpr int usualDaysOfAll = 1;
 constexpr int usualPassesPerDay = 10;
-
-struct FoundPass {
-    Satellite satellite;
-    SatPass pass;
-};
 
 struct Question {
     DateTime fromUtc = 0;
@@ -52,7 +45,7 @@ Question QuestionOf(const Session& session, const Sky& sky) {
 
 // False when the elements give no passes.
 bool Search(const Sky& sky, const Satellite& satellite, const Question& question,
-            std::vector<FoundPass>& found) {
+            std::vector<NamedPass>& found) {
     // What stays too low is found and dropped, so that the others are as many as were asked for.
     const bool takesAll = question.minElevation > 0.0;
     const SatPasses answer =
@@ -68,73 +61,33 @@ bool Search(const Sky& sky, const Satellite& satellite, const Question& question
             continue;
         if (taken++ == question.most)
             break;
-        found.push_back({satellite, pass});
+        found.push_back({satellite.name, satellite.number, pass});
     }
     return answer.fault == SatPasses::Fault::None;
 }
 
-// The same to the second for all programs: from rise to set it lasts as long as is printed.
-struct WholeSeconds {
-    qint64 rise;
-    qint64 culmination;
-    qint64 set;
-};
-
-WholeSeconds SecondsOf(const SatPass& pass) {
-    const auto rounded = [](DateTime utc) { return UtcTime::ToNearestSecond(UtcTime::FromDateTime(utc)); };
-    return {rounded(pass.riseUtc), rounded(pass.culminationUtc), rounded(pass.setUtc)};
-}
-
-void PrintRecords(const Session& session, const std::vector<FoundPass>& found) {
-    RecordWriter writer(session.console, Records::pass, Answers::FormatOf(session, Options::passFormat));
+void PrintRecords(const Session& session, const std::vector<NamedPass>& found) {
+    RecordWriter writer(session.console, PassRecords::type, Answers::FormatOf(session, Options::passFormat));
     writer.Head();
-    for (const auto& [satellite, pass] : found) {
-        const WholeSeconds time = SecondsOf(pass);
-        writer.Write({satellite.name, qint64{satellite.number}, time.rise, time.culmination, time.set,
-                      pass.riseAzimuth, pass.setAzimuth, pass.maxElevation, (time.set - time.rise) / 1000});
-    }
+    for (const NamedPass& pass : found)
+        writer.Write(PassRecords::Of(pass));
 }
 
-void PrintTable(const Session& session, const Sky& sky, const std::vector<FoundPass>& found) {
+void PrintTable(const Session& session, const Sky& sky, const std::vector<NamedPass>& found) {
     PassTable table(session.call.Has(Options::local) ? PassTable::Zone::Local : PassTable::Zone::Utc,
                     sky.AllAreAsked() ? PassTable::Names::Shown : PassTable::Names::None);
-    for (const auto& [satellite, pass] : found)
-        sky.Service().AddToTable(table, satellite.object, PassList::ToWholeSeconds(pass), satellite.name);
+    for (const auto& [satellite, number, pass] : found)
+        sky.Service().AddToTable(table, QString::number(number), PassList::ToWholeSeconds(pass), satellite);
     session.console.Print(table.Text());
 }
 
-// The same whenever it is asked for: newer elements move a pass by seconds, and two passes of a satellite are
-// an orbit apart.
-QString UidOf(const Satellite& satellite, const WholeSeconds& time, const PlaceOnEarth& place) {
-    constexpr qint64 halfAnHour = 1800 * 1000;
-    const qint64 slot = (time.culmination + halfAnHour / 2) / halfAnHour;
-    // A calendar may be shown to others, who need not read from it where the station is.
-    const QByteArray where =
-        QByteArray::number(place.latitude, 'f', 2) + ',' + QByteArray::number(place.longitude, 'f', 2);
-    const QByteArray hash = QCryptographicHash::hash(where, QCryptographicHash::Sha256).first(4).toHex();
-    return QStringLiteral("%1-%2-%3@qirandecode")
-        .arg(satellite.number)
-        .arg(slot)
-        .arg(QString::fromLatin1(hash));
-}
-
-void PrintCalendar(const Session& session, const Sky& sky, const std::vector<FoundPass>& found) {
-    const int alarm = Settings::NumberOf(clsIni(session.folder.IniFile()), Settings::noticeMinutes);
-    QList<CalendarEvent> events;
-    for (const auto& [satellite, pass] : found) {
-        const WholeSeconds time = SecondsOf(pass);
-        events.append({.uid = UidOf(satellite, time, *sky.Place()),
-                       .start = time.rise,
-                       .end = time.set,
-                       .summary = QStringLiteral("%1 %2° (rise %3°, set %4°)")
-                                      .arg(satellite.name)
-                                      .arg(pass.maxElevation, 0, 'f', 0)
-                                      .arg(pass.riseAzimuth, 0, 'f', 0)
-                                      .arg(pass.setAzimuth, 0, 'f', 0),
-                       .alarmMinutes = alarm});
-    }
-    session.console.Print(Calendar(events, QStringLiteral("qirandecode-cli ") + Texts::VersionNumber(),
-                                   session.clock.Milliseconds()));
+void PrintCalendar(const Session& session, const Sky& sky, const std::vector<NamedPass>& found) {
+    session.console.Print(PassRecords::Calendar(
+        found, {.latitude = sky.Place()->latitude,
+                .longitude = sky.Place()->longitude,
+                .alarmMinutes = Settings::NumberOf(clsIni(session.folder.IniFile()), Settings::noticeMinutes),
+                .program = Texts::CalendarMaker(),
+                .now = session.clock.Milliseconds()}));
 }
 
 } // namespace
@@ -147,13 +100,13 @@ int Passes(const Session& session) {
     if (satellites.empty())
         return ExitCode::Failed;
     const Question question = QuestionOf(session, sky);
-    std::vector<FoundPass> found;
+    std::vector<NamedPass> found;
     std::vector<Satellite> lost;
     for (const Satellite& satellite : satellites)
         if (!Search(sky, satellite, question, found))
             lost.push_back(satellite);
     sky.SayLost(lost);
-    std::ranges::stable_sort(found, {}, [](const FoundPass& one) { return one.pass.riseUtc; });
+    std::ranges::stable_sort(found, {}, [](const NamedPass& one) { return one.pass.riseUtc; });
     const QString format = session.call.Get<QString>(Options::passFormat).value_or(QString());
     if (format == u"ical")
         PrintCalendar(session, sky, found);

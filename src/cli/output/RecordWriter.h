@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/output/Record.h"
+#include "foundation/records/RecordText.h"
 
 class Console;
 
@@ -8,7 +8,7 @@ class Console;
 class RecordWriter {
 public:
     enum class Format { Text, Csv, Json };
-    enum class Zone { Utc, Local }; ///< of times in text; elsewhere they are UTC
+    using Zone = RecordText::Zone;
 
     /// All must outlive the writer.
     RecordWriter(Console& console, const RecordType& type, Format format, Zone zone = Zone::Utc)
@@ -31,25 +31,3 @@ private:
     const Format m_format;
     const Zone m_zone;
 };
-
-/// Records as the formats write them, each without its line end.
-namespace RecordText {
-
-/// An object with "type" first; fields without a value are absent.
-QByteArray Json(const RecordType& type, const Record& record);
-
-/// Cells between commas, quoted where they need it (RFC 4180); fields without a value are empty.
-QByteArray Csv(const RecordType& type, const Record& record);
-QByteArray CsvHead(const RecordType& type);
-
-/// A field as text, empty without a value.
-QString Cell(const Column& column, const FieldValue& value,
-             RecordWriter::Zone zone = RecordWriter::Zone::Utc);
-
-/// A text for terminals, which would obey its control characters: they become "<0x1b>".
-QString Shown(const QString& text);
-
-/// A text as JSON writes it, in double quotes.
-QByteArray JsonString(const QString& text);
-
-} // namespace RecordText

@@ -1,5 +1,7 @@
 #include "cli/output/Records.h"
 
+#include "orbit/service/PassRecords.h"
+
 #include <array>
 
 namespace Records {
@@ -64,22 +66,6 @@ const RecordType event{
     },
 };
 
-const RecordType pass{
-    "pass",
-    u"A pass over the station.",
-    {
-        {"satellite", Kind::Text, 0, 12, u"QIRAN, ISS, or the name in the element file"},
-        {"number", Kind::Whole, 0, 9, u"its catalogue number"},
-        {"rise", Kind::Seconds, 0, 20, u"when it comes over the horizon"},
-        {"culmination", Kind::Seconds, 0, 20, u"when it stands highest"},
-        {"set", Kind::Seconds, 0, 20, u"when it goes under the horizon"},
-        {"rise_azimuth", Kind::Decimal, 2, 12, u"degrees from north over east"},
-        {"set_azimuth", Kind::Decimal, 2, 11, u"degrees from north over east"},
-        {"max_elevation", Kind::Decimal, 2, 13, u"degrees"},
-        {"duration_s", Kind::Whole, 0, 10, u"seconds from rise to set"},
-    },
-};
-
 const RecordType position{
     "position",
     u"Where a satellite is.",
@@ -137,7 +123,7 @@ const RecordType setting{
 // NOLINTEND(cert-err58-cpp)
 
 std::span<const RecordType* const> All() {
-    static constexpr std::array all{&status,   &frame,    &reading, &event,  &pass,
+    static constexpr std::array all{&status,   &frame,    &reading, &event,  &PassRecords::type,
                                     &position, &elements, &forward, &setting};
     return all;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/output/Record.h"
+#include "foundation/records/Record.h"
 
 #include <span>
 
@@ -11,7 +11,6 @@ extern const RecordType status;
 extern const RecordType frame;
 extern const RecordType reading;
 extern const RecordType event;
-extern const RecordType pass;
 extern const RecordType position;
 extern const RecordType elements;
 extern const RecordType forward;

@@ -118,7 +118,15 @@ constexpr Setting top{u"SETUP", u"TOP", u""};
 constexpr Setting mapLeft{u"SETUP", u"MAP_LEFT", u""}; // default: where the window system puts the map
 constexpr Setting mapTop{u"SETUP", u"MAP_TOP", u""};
 
-// How the sky is drawn: chosen in its window.
+// What the map shows over its drawing, and how the sky is drawn: chosen in their windows.
+inline constexpr Setting mapNight{u"SETUP", u"MAP_NIGHT",        u"FALSE", SettingType::Boolean, 0,
+                                  0,        FirstWrite::OnChange};
+inline constexpr Setting mapStation{u"SETUP", u"MAP_STATION",      u"FALSE", SettingType::Boolean, 0,
+                                    0,        FirstWrite::OnChange};
+inline constexpr Setting mapOther{u"SETUP", u"MAP_OTHER",        u"FALSE", SettingType::Boolean, 0,
+                                  0,        FirstWrite::OnChange};
+inline constexpr Setting mapPass{u"SETUP", u"MAP_PASS",         u"FALSE", SettingType::Boolean, 0,
+                                 0,        FirstWrite::OnChange};
 inline constexpr Setting skyEastLeft{u"SETUP", u"SKY_EAST_LEFT",    u"FALSE", SettingType::Boolean, 0,
                                      0,        FirstWrite::OnChange};
 

@@ -1,5 +1,8 @@
 #include "orbit/map/MapPicture.h"
 
+#include "orbit/map/NightLevels.h"
+#include "orbit/sky/Sun.h"
+
 #include <QPainter>
 #include <QPolygonF>
 
@@ -13,6 +16,14 @@ constexpr QColor footprintColour(0, 0, 192);
 constexpr QColor satelliteColour(0, 0, 255);
 constexpr QColor plainColour(201, 219, 232);
 constexpr QColor graticuleColour(140, 160, 174);
+constexpr QColor otherTrackColour(176, 80, 0);
+constexpr QColor otherFootprintColour(208, 112, 0);
+constexpr QColor passColour(208, 0, 112);
+constexpr QColor stationColour(208, 0, 0);
+constexpr QColor terminatorColour(255, 216, 120);
+constexpr QColor nightColour(0, 0, 32);
+constexpr std::array<int, 5> nightAlpha{0, 56, 84, 112, 140}; // by day, in the twilights, at night
+constexpr QSize finestNight(1080, 540);
 constexpr double lineWidth = 2.0;
 constexpr QSize plainSize(1080, 540);
 constexpr int leastWidth = 360;
@@ -50,6 +61,48 @@ void DrawPieces(QPainter& painter, const std::vector<MapGeometry::Piece>& pieces
     }
 }
 
+QImage NightImage(const orbitmath::Vector3& sun, const QSize& size) {
+    QImage image(size, QImage::Format_ARGB32);
+    const std::vector<std::uint8_t> levels = MapGeometry::NightLevels(sun, size.width(), size.height());
+    auto level = levels.begin();
+    for (int y = 0; y < size.height(); ++y) {
+        auto* const line = reinterpret_cast<QRgb*>(image.scanLine(y));
+        std::transform(level, level + size.width(), line, [](std::uint8_t dark) {
+            return qRgba(nightColour.red(), nightColour.green(), nightColour.blue(), nightAlpha.at(dark));
+        });
+        level += size.width();
+    }
+    return image;
+}
+
+void DrawSatellite(QPainter& painter, const QPointF& place, const QColor& colour) {
+    painter.save();
+    painter.translate(place);
+    painter.setPen(QPen(colour, lineWidth));
+    QPolygonF body;
+    for (const auto& [from, to] : MapGeometry::SatMark()) {
+        painter.drawLine(QPointF(from.x, from.y), QPointF(to.x, to.y));
+        if (std::hypot(to.x, to.y) < 4.0)
+            body.append(QPointF(to.x, to.y));
+    }
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawPolygon(body);
+    painter.restore();
+}
+
+// A triangle that stands on its place; close to the upper edge it hangs below. What lies beyond an edge at
+// the side comes in at the other.
+void DrawStation(QPainter& painter, const QPointF& place, const MapGeometry::MapSize& size) {
+    constexpr double width = 6;
+    const double height = place.y() > 12 ? -12 : 12;
+    painter.setPen(QPen(Qt::white, 1.5));
+    painter.setBrush(stationColour);
+    const QPolygonF mark{place, place + QPointF(-width, height), place + QPointF(width, height)};
+    for (const double turn : {-size.width, 0.0, size.width})
+        painter.drawPolygon(mark.translated(turn, 0));
+}
+
 } // namespace
 
 MapPicture::MapPicture(QWidget* parent)
@@ -62,12 +115,18 @@ void MapPicture::SetWorld(const QImage& world) {
     m_world = world.isNull() ? PlainWorld() : world;
     m_worldSize = m_world.size();
     m_background = {};
+    m_ground = {};
     updateGeometry();
     update();
 }
 
 void MapPicture::SetTrack(GroundTrack track) {
     m_track = std::move(track);
+    update();
+}
+
+void MapPicture::SetOverlay(MapOverlay overlay) {
+    m_overlay = std::move(overlay);
     update();
 }
 
@@ -92,18 +151,61 @@ const QPixmap& MapPicture::Background(const QRectF& place) {
     return m_background;
 }
 
+// Made anew only when the minute or the size is another one.
+const QPixmap& MapPicture::Ground(const QRectF& place) {
+    const QPixmap& world = Background(place);
+    if (!m_overlay.night)
+        return world;
+    if (m_ground.size() == world.size() && m_groundUtc == m_overlay.night)
+        return m_ground;
+    m_groundUtc = m_overlay.night;
+    m_ground = world;
+    m_ground.setDevicePixelRatio(1);
+    const orbitmath::Vector3 sun = orbitmath::Sun::At(*m_groundUtc).OverEarth();
+    QPainter painter(&m_ground);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.drawImage(m_ground.rect(), NightImage(sun, m_ground.size().boundedTo(finestNight)));
+    painter.setPen(QPen(terminatorColour, 1.5 * devicePixelRatioF()));
+    DrawPieces(painter, MapGeometry::Terminator(sun),
+               {static_cast<double>(m_ground.width()), static_cast<double>(m_ground.height())});
+    painter.end();
+    m_ground.setDevicePixelRatio(devicePixelRatioF());
+    return m_ground;
+}
+
+// Under the selected satellite.
+void MapPicture::DrawOverlay(QPainter& painter, const MapGeometry::MapSize& size) const {
+    if (const GroundTrack& other = m_overlay.other; !other.points.empty()) {
+        painter.setPen(QPen(otherFootprintColour, lineWidth));
+        DrawPieces(painter, MapGeometry::Footprint(other.points.front(), other.altitude, size), size);
+        painter.setPen(QPen(otherTrackColour, lineWidth, Qt::DashLine));
+        DrawPieces(painter, MapGeometry::TrackPieces(other.points), size);
+        DrawSatellite(painter, PointAt(other.points.front(), size), otherTrackColour);
+    }
+    if (!m_overlay.passOver.empty()) {
+        painter.setPen(QPen(passColour, 2 * lineWidth));
+        DrawPieces(painter, MapGeometry::TrackPieces(m_overlay.passOver), size);
+    }
+    if (m_overlay.station)
+        DrawStation(painter, PointAt(*m_overlay.station, size), size);
+}
+
 void MapPicture::paintEvent(QPaintEvent*) {
     const QRectF place = MapPlace();
     const MapGeometry::MapSize size{place.width(), place.height()};
     QPainter painter(this);
     if (place.size() != QSizeF(this->size()))
         painter.fillRect(rect(), palette().color(QPalette::Window));
-    painter.drawPixmap(place.topLeft(), Background(place));
-    if (m_track.points.empty() || place.isEmpty())
+    painter.drawPixmap(place.topLeft(), Ground(place));
+    if (place.isEmpty())
         return;
     painter.setClipRect(place);
     painter.translate(place.topLeft());
     painter.setRenderHint(QPainter::Antialiasing);
+
+    DrawOverlay(painter, size);
+    if (m_track.points.empty())
+        return;
 
     const MapGeometry::GeoPoint& satellite = m_track.points.front();
     painter.setPen(QPen(footprintColour, lineWidth));
@@ -112,15 +214,5 @@ void MapPicture::paintEvent(QPaintEvent*) {
     const QPointF centre = PointAt(satellite, size);
     painter.drawPoint(centre);
     DrawPieces(painter, MapGeometry::TrackPieces(m_track.points), size);
-    painter.translate(centre);
-    painter.setPen(QPen(satelliteColour, lineWidth));
-    QPolygonF body;
-    for (const auto& [from, to] : MapGeometry::SatMark()) {
-        painter.drawLine(QPointF(from.x, from.y), QPointF(to.x, to.y));
-        if (std::hypot(to.x, to.y) < 4.0)
-            body.append(QPointF(to.x, to.y));
-    }
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(satelliteColour);
-    painter.drawPolygon(body);
+    DrawSatellite(painter, centre, satelliteColour);
 }

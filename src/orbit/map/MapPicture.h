@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orbit/map/GroundTrack.h"
+#include "orbit/map/MapLayers.h"
 
 #include <QImage>
 #include <QPixmap>
@@ -17,6 +17,9 @@ public:
 
     void SetTrack(GroundTrack track);
 
+    /// What is shown beside the satellite and its track.
+    void SetOverlay(MapOverlay overlay);
+
     /// The place of the map inside the widget. Its shape is that of the world map.
     QRectF MapPlace() const;
 
@@ -28,9 +31,14 @@ protected:
 
 private:
     const QPixmap& Background(const QRectF& place);
+    const QPixmap& Ground(const QRectF& place);
+    void DrawOverlay(QPainter& painter, const MapGeometry::MapSize& size) const;
 
     QImage m_world;
     QSize m_worldSize;
     QPixmap m_background; // the world at the size and sharpness in which it is shown
+    QPixmap m_ground;     // the same with day and night
+    std::optional<DateTime> m_groundUtc;
     GroundTrack m_track;
+    MapOverlay m_overlay;
 };

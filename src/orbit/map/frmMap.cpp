@@ -75,10 +75,11 @@ bool IsCutOff(const QString& path) {
 } // namespace
 
 frmMap::frmMap(const clsSats& cSats, const TrackedSatellites& satellites, clsIni& cIni, const mb& messages,
-               const ProgramFolder& folder)
+               const ProgramFolder& folder, PassSteps::PlaceOfStation placeOfStation)
     : m_cSats(cSats)
     , m_satellites(satellites)
     , m_cIni(cIni)
+    , m_layers(cSats, satellites, std::move(placeOfStation))
     , picMap(new MapPicture(this))
     , picTime(new TimeBox(picMap))
     , mnuSpeed(new QMenu(this))
@@ -93,6 +94,7 @@ frmMap::frmMap(const clsSats& cSats, const TrackedSatellites& satellites, clsIni
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(picMap);
     MakeMenu();
+    MakeLayers();
 
     LoadWorld(folder, messages);
     FitPicture();
@@ -128,6 +130,25 @@ void frmMap::MakeMenu() {
     });
     connect(mnuSpeedReset, &QAction::triggered, this, &frmMap::Reset);
     connect(mnuChangeSat, &QAction::triggered, this, &frmMap::ChangeSatRequested);
+}
+
+void frmMap::MakeLayers() {
+    mnuSpeed->addSeparator()->setObjectName(QStringLiteral("mnuLayersBar"));
+    const auto add = [this](const char* name, const QString& caption, MapLayer layer,
+                            const Setting& setting) {
+        QAction* entry = AddEntry(QString::fromLatin1(name), caption, true);
+        m_layers.Show(layer, Settings::IsOn(m_cIni, setting));
+        entry->setChecked(m_layers.IsShown(layer));
+        connect(entry, &QAction::triggered, this, [this, layer, &setting](bool isShown) {
+            m_layers.Show(layer, isShown);
+            Settings::Save(m_cIni, setting, clsIni::TrueOrFalse(isShown));
+            DataHaveChanged();
+        });
+    };
+    add("mnuNight", tr("&Day and night"), MapLayer::Night, Settings::mapNight);
+    add("mnuStation", tr("&My station"), MapLayer::Station, Settings::mapStation);
+    add("mnuOtherSat", tr("&Other satellite"), MapLayer::Other, Settings::mapOther);
+    add("mnuPassTrack", tr("Ground &track of the next pass"), MapLayer::Pass, Settings::mapPass);
 }
 
 QAction* frmMap::AddEntry(const QString& name, const QString& caption, bool checkable) {
@@ -198,6 +219,10 @@ void frmMap::SatHasChanged() {
     Reset();
 }
 
+void frmMap::DataHaveChanged() {
+    picMap->SetOverlay(m_layers.At(m_shown));
+}
+
 std::optional<DateTime> frmMap::SimulatedTime() const {
     return m_clock.IsSimulated() ? std::optional(m_shown) : std::nullopt;
 }
@@ -208,6 +233,7 @@ void frmMap::Tick() {
     picTime->SetText(
         FormatDateTime(m_cSats.ToDisplayTime(start), u"yyyy-mmm-dd hh:nn:ss", MonthNames::English));
     m_shown = start;
+    DataHaveChanged();
     Q_EMIT TimeShown();
     m_clock.Step();
 }

@@ -20,10 +20,13 @@ class frmMap : public QWidget {
     Q_OBJECT
 public:
     frmMap(const clsSats& cSats, const TrackedSatellites& satellites, clsIni& cIni, const mb& messages,
-           const ProgramFolder& folder);
+           const ProgramFolder& folder, PassSteps::PlaceOfStation placeOfStation);
 
     /// The other satellite has been selected.
     void SatHasChanged();
+
+    /// Other elements have been read, or the station's position has changed.
+    void DataHaveChanged();
 
     /// The time that the map shows, UTC, while it does not follow the real clock.
     std::optional<DateTime> SimulatedTime() const;
@@ -49,6 +52,7 @@ protected:
 
 private:
     void MakeMenu();
+    void MakeLayers();
     QAction* AddEntry(const QString& name, const QString& caption, bool checkable);
     void LoadWorld(const ProgramFolder& folder, const mb& messages);
     void FitPicture();
@@ -64,6 +68,7 @@ private:
     const TrackedSatellites& m_satellites;
     clsIni& m_cIni;
     SimulatedClock m_clock;
+    MapLayers m_layers;
     DateTime m_shown = 0.0; // by the last tick, UTC
     MapPicture* picMap;
     TimeBox* picTime;

@@ -1,16 +1,21 @@
 #include "orbit/predictions/frmPass.h"
 
 #include "foundation/fields/FixedFont.h"
+#include "foundation/messages/mb.h"
 #include "foundation/placement/PlaceWindow.h"
 #include "foundation/placement/WindowTitle.h"
+#include "foundation/settings/ReplaceFile.h"
+#include "foundation/text/UtcTime.h"
 #include "orbit/predictions/PrintLines.h"
 #include "orbit/service/PassList.h"
 
+#include <QAction>
 #include <QClipboard>
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPrintDialog>
 #include <QPrinter>
@@ -29,17 +34,21 @@ constexpr int headingLines = 4; // of the table
 } // namespace
 
 frmPass::frmPass(const clsSats& cSats, const TrackedSatellites& satellites, QWidget* parent,
-                 ChoosePrinter choosePrinter)
+                 PassServices services)
     : QDialog(parent)
-    , m_choosePrinter(std::move(choosePrinter))
+    , m_cSats(cSats)
+    , m_satellite(satellites.Selected())
+    , m_services(std::move(services))
+    , mnuPass(new QMenu(this))
     , txtInfo(new QPlainTextEdit(this)) {
     setObjectName(QStringLiteral("frmPass"));
     setModal(true);
 
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    clsSats::PassInfo info = cSats.PassInfoOf(satellites.Selected().strObjNum);
+    clsSats::PassInfo info = cSats.PassInfoOf(m_satellite.strObjNum);
     m_table = std::move(info.table);
     m_starts = std::move(info.starts);
+    m_fromUtc = info.fromUtc;
     QGuiApplication::restoreOverrideCursor();
     m_caption = satellites.DisplayName() + QStringLiteral(" Pass Predictions");
     SetPlainTitle(*this, m_caption);
@@ -82,6 +91,7 @@ frmPass::frmPass(const clsSats& cSats, const TrackedSatellites& satellites, QWid
     resize(sizeHint().width(), metrics.lineSpacing() * lines + layout->sizeHint().height() -
                                    txtInfo->sizeHint().height() + frame);
     cmdFinished->setFocus();
+    MakeMenu();
 }
 
 void frmPass::showEvent(QShowEvent* event) {
@@ -106,32 +116,115 @@ bool frmPass::eventFilter(QObject* watched, QEvent* event) {
 }
 
 // The passes are the lines under the heading that are not empty.
-bool frmPass::ChoosePass(const QTextCursor& cursor) {
+std::optional<DateTime> frmPass::StartAt(const QTextCursor& cursor) const {
     const int line = cursor.blockNumber();
     if (line < headingLines || cursor.block().text().isEmpty())
-        return false;
+        return std::nullopt;
     std::size_t pass = 0;
     for (QTextBlock block = txtInfo->document()->findBlockByNumber(headingLines);
          block.isValid() && block.blockNumber() < line; block = block.next())
         pass += block.text().isEmpty() ? 0 : 1;
-    if (pass >= m_starts.size())
-        return false;
-    Q_EMIT PassChosen(m_starts[pass]);
-    return true;
+    return pass < m_starts.size() ? std::optional(m_starts[pass]) : std::nullopt;
 }
 
-void frmPass::Copy() const {
+bool frmPass::ChoosePass(const QTextCursor& cursor) {
+    const std::optional<DateTime> start = StartAt(cursor);
+    if (start)
+        Q_EMIT PassChosen(*start);
+    return start.has_value();
+}
+
+void frmPass::MakeMenu() {
+    mnuPass->setObjectName(QStringLiteral("mnuPass"));
+    AddEntry(QStringLiteral("mnuCopy"), tr("&Copy"), &frmPass::CopyMarked);
+    AddEntry(QStringLiteral("mnuPrint"), tr("&Print"), &frmPass::Print);
+    mnuPass->addSeparator()->setObjectName(QStringLiteral("mnuPassBar0"));
+    QAction* mnuSaveCsv = AddEntry(QStringLiteral("mnuSaveCsv"), tr("&Save as CSV"), &frmPass::SaveCsv);
+    QAction* mnuSaveCalendar =
+        AddEntry(QStringLiteral("mnuSaveCalendar"), tr("Save as c&alendar"), &frmPass::SaveCalendar);
+    mnuSaveCsv->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
+    addAction(mnuSaveCsv); // so that its key works while the menu is shut
+    for (QAction* entry : {mnuSaveCsv, mnuSaveCalendar})
+        entry->setEnabled(m_services.calendar.has_value() && !m_table.isEmpty());
+    mnuPass->addSeparator()->setObjectName(QStringLiteral("mnuPassBar1"));
+    mnuShowInSky = AddEntry(QStringLiteral("mnuShowInSky"), tr("Show in the s&ky"), &frmPass::ShowInSky);
+    txtInfo->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(txtInfo, &QWidget::customContextMenuRequested, this, &frmPass::ShowMenu);
+}
+
+QAction* frmPass::AddEntry(const QString& name, const QString& caption, void (frmPass::*operation)()) {
+    QAction* entry = mnuPass->addAction(caption);
+    entry->setObjectName(name);
+    connect(entry, &QAction::triggered, this, operation);
+    return entry;
+}
+
+// The cursor goes to the line under the mouse, unless something is marked that is to be copied.
+void frmPass::ShowMenu(const QPoint& place) {
+    if (!txtInfo->textCursor().hasSelection())
+        txtInfo->setTextCursor(txtInfo->cursorForPosition(place));
+    mnuShowInSky->setEnabled(StartAt(txtInfo->textCursor()).has_value());
+    mnuPass->popup(txtInfo->viewport()->mapToGlobal(place));
+}
+
+void frmPass::ShowInSky() {
+    ChoosePass(txtInfo->textCursor());
+}
+
+void frmPass::CopyMarked() {
+    if (txtInfo->textCursor().hasSelection())
+        txtInfo->copy();
+    else
+        Copy();
+}
+
+std::vector<NamedPass> frmPass::Passes() const {
+    const SatPasses answer =
+        m_cSats.PassesOf({.object = m_satellite.strObjNum.toStdString(),
+                          .latitude = m_services.calendar->latitude,
+                          .longitude = m_services.calendar->longitude,
+                          .startUtc = m_fromUtc,
+                          .days = clsSats::daysOfTable,
+                          .most = static_cast<std::size_t>(clsSats::daysOfTable) * clsSats::passesPerDay});
+    std::vector<NamedPass> passes;
+    for (const SatPass& pass : answer.passes)
+        passes.push_back({m_satellite.strBaseName, m_satellite.strObjNum.toUInt(), pass});
+    return passes;
+}
+
+void frmPass::Save(const QString& name, QByteArray (*write)(std::span<const NamedPass>, const Making&)) {
+    const QString path = m_services.chooseFile(this, tr("Save Pass Predictions"), name);
+    if (path.isEmpty())
+        return;
+    Making making = *m_services.calendar;
+    making.now = UtcTime::FromDateTime(m_cSats.datGmtTime());
+    const QString reason = ReplaceFile(path, write(Passes(), making));
+    if (!reason.isEmpty() && m_services.messages != nullptr)
+        m_services.messages->MessageBox(this, tr("The passes cannot be saved in %1: %2").arg(path, reason),
+                                        MessageStyle::Exclamation);
+}
+
+void frmPass::SaveCsv() {
+    Save(QStringLiteral("passes.csv"),
+         [](std::span<const NamedPass> passes, const Making&) { return PassRecords::Csv(passes); });
+}
+
+void frmPass::SaveCalendar() {
+    Save(QStringLiteral("passes.ics"), PassRecords::Calendar);
+}
+
+void frmPass::Copy() {
     QGuiApplication::clipboard()->setText(m_table);
 }
 
-bool frmPass::AskForPrinter(QPrinter& printer, QWidget* window) {
+bool AskForPrinter(QPrinter& printer, QWidget* window) {
     QPrintDialog dialog(&printer, window);
     return dialog.exec() == QDialog::Accepted;
 }
 
 void frmPass::Print() {
     QPrinter printer(QPrinter::HighResolution); // the default printer
-    if (!m_choosePrinter(printer, this))
+    if (!m_services.choosePrinter(printer, this))
         return;
     QFont font(QStringLiteral("courier new"), 12);
     font.setStyleHint(QFont::TypeWriter);

@@ -13,8 +13,6 @@ namespace {
 
 constexpr double degreesPerRadian = 180.0 / std::numbers::pi;
 
-constexpr int passesPerDay = 10;
-constexpr int daysOfTable = 3;
 constexpr int daysOfNextPass = 2;
 
 } // namespace
@@ -137,8 +135,9 @@ std::optional<qint16> clsSats::AzimuthAt(const QString& strSat, DateTime datT) c
 }
 
 clsSats::PassInfo clsSats::PassInfoOf(const QString& strObject) const {
+    const DateTime now = datGmtTime();
     const std::optional<std::string> passes =
-        m_library->ListPasses(strObject.toStdString(), datGmtTime(), passesPerDay, daysOfTable, 0, 0);
+        m_library->ListPasses(strObject.toStdString(), now, passesPerDay, daysOfTable, 0, 0);
     if (!passes)
         return {};
     std::vector<DateTime> starts;
@@ -149,7 +148,7 @@ clsSats::PassInfo clsSats::PassInfoOf(const QString& strObject) const {
             return {};
         starts.push_back(pass->startUtc);
     }
-    return {table.Text(), std::move(starts)};
+    return {table.Text(), std::move(starts), now};
 }
 
 bool clsSats::AddToTable(PassTable& table, const QString& strObject, const Pass& pass,
@@ -165,6 +164,10 @@ bool clsSats::AddToTable(PassTable& table, const QString& strObject, const Pass&
 
 std::optional<ElementSource> clsSats::ElementsOf(const QString& strSat) const {
     return m_library->ElementsOf(strSat.toStdString());
+}
+
+QByteArray clsSats::ElementTextOf(const QString& strSat) const {
+    return QByteArray::fromStdString(m_library->ElementTextOf(strSat.toStdString()));
 }
 
 QString clsSats::WhyNoPosition(const QString& strSat) const {

@@ -75,7 +75,11 @@ public:
     struct PassInfo {
         QString table;
         std::vector<DateTime> starts;
+        DateTime fromUtc = 0; ///< the passes that begin from here on
     };
+
+    static constexpr int daysOfTable = 3;
+    static constexpr int passesPerDay = 10; ///< at most; the table may hold all of them in one day
     PassInfo PassInfoOf(const QString& strObject) const;
 
     /// The table alone.
@@ -88,6 +92,9 @@ public:
 
     /// Which elements an object is tracked by.
     std::optional<ElementSource> ElementsOf(const QString& strSat) const;
+
+    /// The set it is tracked by as it came: see OrbitLibrary::ElementTextOf.
+    QByteArray ElementTextOf(const QString& strSat) const;
 
     /// Why an object that has elements has no position now, with their file and line; empty when it has one.
     QString WhyNoPosition(const QString& strSat) const;

@@ -2,6 +2,8 @@
 
 #include "orbit/service/clsSats.h"
 
+#include <functional>
+
 /// From pass to pass of one satellite over one station.
 class PassSteps {
 public:
@@ -10,6 +12,9 @@ public:
         double longitude = 0; ///< degrees, east positive
         bool operator==(const Place&) const = default;
     };
+
+    /// Asked for the station's place; nothing while that is not known.
+    using PlaceOfStation = std::function<std::optional<Place>()>;
 
     /// How far is searched, in days.
     static constexpr double farthest = 128;

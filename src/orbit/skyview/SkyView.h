@@ -36,7 +36,7 @@ struct SkyRow {
 /// shows what this answers.
 class SkyView {
 public:
-    using PlaceOfStation = std::function<std::optional<PassSteps::Place>()>;
+    using PlaceOfStation = PassSteps::PlaceOfStation;
 
     /// The time of the map's clock (UTC) while the map simulates, nothing while it follows the real one.
     using SimulatedTime = std::function<std::optional<DateTime>()>;

@@ -1,4 +1,4 @@
-#include "cli/output/Calendar.h"
+#include "foundation/records/Calendar.h"
 
 #include <QDateTime>
 

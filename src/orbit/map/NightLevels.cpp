@@ -1,0 +1,52 @@
+#include "orbit/map/NightLevels.h"
+
+#include "orbit/geometry/SinCos.h"
+#include "orbit/sky/Sun.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace MapGeometry {
+
+using orbitmath::radiansPerDegree;
+using orbitmath::SinCos;
+using orbitmath::Vector3;
+
+// sin(elevation) = sin(latitude) z + cos(latitude) (cos(longitude) x + sin(longitude) y) of the sun's
+// direction: one factor a line and one a column.
+std::vector<std::uint8_t> NightLevels(const Vector3& sun, int width, int height) {
+    const Vector3 towards = (1 / Length(sun)) * sun;
+    std::array<double, orbitmath::twilights.size()> sines{};
+    std::ranges::transform(orbitmath::twilights, sines.begin(),
+                           [](double degrees) { return std::sin(degrees * radiansPerDegree); });
+    std::vector<double> columns;
+    for (int x = 0; x < width; ++x) {
+        const SinCos longitude = SinCos::Of(((x + 0.5) / width * 360 - 180) * radiansPerDegree);
+        columns.push_back(longitude.cos * towards.x + longitude.sin * towards.y);
+    }
+    std::vector<std::uint8_t> levels;
+    levels.reserve(columns.size() * static_cast<std::size_t>(height));
+    for (int y = 0; y < height; ++y) {
+        const SinCos latitude = SinCos::Of((90 - (y + 0.5) / height * 180) * radiansPerDegree);
+        for (const double column : columns) {
+            const double sine = latitude.sin * towards.z + latitude.cos * column;
+            int level = 0;
+            for (const double limit : sines)
+                level += sine < limit ? 1 : 0;
+            levels.push_back(static_cast<std::uint8_t>(level));
+        }
+    }
+    return levels;
+}
+
+std::vector<Piece> Terminator(const Vector3& sun) {
+    constexpr std::size_t points = 360;
+    std::vector<GeoPoint> curve;
+    for (const orbitmath::Geodetic& place : orbitmath::SunElevationCurve(sun, 0, points))
+        curve.push_back({place.longitude / radiansPerDegree, place.latitude / radiansPerDegree});
+    curve.push_back(curve.front());
+    return TrackPieces(curve);
+}
+
+} // namespace MapGeometry
