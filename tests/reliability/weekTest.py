@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """A week of a receiver without a screen, its silences skipped: the frames of all passes of seven days, an engine and a
-server that come and go, and a station that keeps what it hears and sends it on.
+server that come and go, and a station that keeps and records what it hears and sends it on.
 
 Usage: weekTest.py COMMANDS. Each pass has one frame; five where QIRAN_LOOPS is 50 or more, and with QIRAN_LONG one every
 ten seconds of it. QIRAN_SEED is what chance starts from.
@@ -58,6 +58,8 @@ class Week(unittest.TestCase):
         self.folder = rig.make_program_folder(pathlib.Path(scratch.name) / "folder", 1, settings={
             ("KISS", "USE"): "TRUE", ("KISS", "HOST_ADDRESS"): "127.0.0.1", ("KISS", "HOST_PORT"): str(self.tnc.port),
             ("FORWARD", "USE"): "TRUE", ("FORWARD", "URL"): self.server.url})
+        self.recording = self.folder / "week.kiss"
+        self.heard = []
         self.sent = []
         self.troubles = {"server gone": 0, "engine gone": 0, "answers of trouble": 0}
 
@@ -99,6 +101,7 @@ class Week(unittest.TestCase):
             frame, fields = telemetry(len(self.sent))
             others = kiss.ax25(f"N{self.random.randrange(10)}CALL", "APRS", b">the band is not empty")
             self.tnc.send(others, frame, others)
+            self.heard += [others, frame, others]
             self.sent.append((frame, fields))
             time.sleep(0.01)
 
@@ -108,7 +111,7 @@ class Week(unittest.TestCase):
         losses = set(self.random.sample(range(len(passes)), 8 if IS_WHOLE else 1))
         memory = []
         began = time.monotonic()
-        with rig.running(self.command("listen", "--quiet"), stderr=subprocess.DEVNULL) as process:
+        with rig.running(self.command("listen", "--quiet", "--record", self.recording), stderr=subprocess.DEVNULL) as process:
             self.connected(process)
             for number, (day, frames) in enumerate(passes):
                 if number in losses:
@@ -137,6 +140,9 @@ class Week(unittest.TestCase):
         repeats = len(bodies) - len(arrived)
         self.assertEqual([sids.frame(body) for body in arrived], [frame for frame, _ in self.sent], f"seed {SEED}")
         self.assertEqual(self.server.at_once, 1)
+        recorded = list(kiss.unframed(self.recording.read_bytes()))
+        self.assertEqual([data for command, data in recorded if command == 0], self.heard)
+        self.assertEqual(sum(command == 9 for command, _ in recorded), len(self.heard))
         self.assertEqual(self.counts(), {"waiting": 0, "sent": len(self.sent), "discarded": 0, "dropped": 0})
         troubles = ", ".join(f"{what} {times} times" for what, times in self.troubles.items())
         print(f"{len(passes)} passes, {len(self.sent)} frames, {seconds:.0f} s; {troubles}; {repeats} requests repeated; "
