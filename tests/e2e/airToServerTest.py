@@ -64,7 +64,7 @@ class AirToServer(unittest.TestCase):
         by_agwpe = self.a_pass("agwpe", lambda engine: {})
         by_kiss = self.a_pass("kiss", lambda engine: {
             ("KISS", "USE"): "TRUE", ("KISS", "HOST_ADDRESS"): "127.0.0.1", ("KISS", "HOST_PORT"): str(engine.kiss_port)})
-        self.assertEqual([frame[23:] for frame in by_kiss], [line.encode() for line in self.lines])  # behind three addresses
+        self.assertEqual([frame[23:] for frame in by_kiss], [line.encode() + b"\n" for line in self.lines])  # behind the addresses
         self.assertEqual(by_kiss, by_agwpe)
 
 
