@@ -15,7 +15,8 @@ test_packages=(
     clang clang-format clang-tidy clang-tools cppcheck shellcheck libclang-rt-14-dev binutils
     direwolf openbox xdotool imagemagick poppler-utils iproute2
     python3-sgp4 python3-ephem python3-skyfield python3-astropy python3-icalendar
-    appstream dbus-daemon desktop-file-utils dpkg-dev fakeroot file lintian man-db openssl
+    appstream dbus-daemon desktop-file-utils dpkg-dev fakeroot file lintian man-db openssl systemd
+    curl jq mosquitto mosquitto-clients
 )
 
 # missing_packages PACKAGE... : prints those that are not installed.

@@ -13,6 +13,8 @@
 
 namespace {
 
+const QString earlierWaits = QStringLiteral("an earlier request waits for the station");
+
 constexpr std::array<QByteArrayView, 3> words{"retry", "discard", "queue"};
 
 QString PathIn(const ProgramFolder& folder) {
@@ -35,8 +37,7 @@ QString ForwardRequest::Leave(const ProgramFolder& folder) const {
     QString reason = file.write(text) == text.size() ? SyncToDisk(file) : file.errorString();
     file.close();
     if (reason.isEmpty() && !file.rename(PathIn(folder)))
-        reason =
-            IsLeft(folder) ? QStringLiteral("an earlier request waits for the station") : file.errorString();
+        reason = earlierWaits; // though it may be carried out by now
     if (!reason.isEmpty())
         file.remove();
     return reason;
@@ -85,6 +86,7 @@ ForwardRequest::Outcome ForwardRequest::DoOrLeave(const ProgramFolder& folder, q
     if (!lock.TryLock()) {
         outcome.error = Leave(folder);
         outcome.isLeft = outcome.error.isEmpty();
+        outcome.isBusy = outcome.error == earlierWaits;
         return outcome;
     }
     ForwardQueue queue(folder, {});

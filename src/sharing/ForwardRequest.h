@@ -42,6 +42,7 @@ struct ForwardRequest {
 
     struct Outcome {
         bool isLeft = false;  ///< to the station that runs in the folder
+        bool isBusy = false;  ///< an earlier request waits for that station: to be tried again
         qsizetype frames = 0; ///< it was about, where it was done here
         QString error{};      ///< why it was neither done nor left
     };

@@ -28,6 +28,14 @@ def recorded(utc, data):
     return framed(struct.pack(">Q", utc), 9) + framed(data)
 
 
+def unframed(stream):
+    """The frames of a stream, each with its command."""
+    for piece in stream.split(FEND):
+        if piece:
+            plain = piece.replace(FESC + TFEND, FEND).replace(FESC + TFESC, FESC)
+            yield plain[0], plain[1:]
+
+
 class Tnc:
     """Sends whoever is connected what the test says."""
 

@@ -70,6 +70,9 @@ class SidsServer:
             self._server.socket = self._context.wrap_socket(self._server.socket, server_side=True)
         threading.Thread(target=self._server.serve_forever, args=(0.05,), daemon=True).start()
 
+    def is_up(self):
+        return self._server is not None
+
     def stop(self):
         """Nothing listens any more, and what is connected is cut off."""
         if self._server:

@@ -8,13 +8,16 @@
 #include "sharing/ForwardRequest.h"
 #include "station/identity/Station.h"
 
+#include <QDeadlineTimer>
 #include <QThread>
+
+#include <chrono>
 
 namespace Forwarding {
 namespace {
 
-constexpr int mostTries = 30;
-constexpr unsigned long triesApart = 100; // milliseconds
+constexpr std::chrono::seconds longestWait(10);
+constexpr unsigned long looksApart = 50; // milliseconds
 
 } // namespace
 
@@ -30,10 +33,10 @@ int DoOrLeave(const Session& session, const ForwardRequest& request, const QStri
     const auto keepAtMost = static_cast<qsizetype>(Setup(session).settings.keepAtMost);
     ForwardRequest::Outcome outcome = request.DoOrLeave(session.folder, keepAtMost);
     // The station is about to carry out what another program left.
-    for (int i = 1; i < mostTries && !outcome.error.isEmpty() && ForwardRequest::IsLeft(session.folder);
-         ++i) {
-        QThread::msleep(triesApart);
-        outcome = request.DoOrLeave(session.folder, keepAtMost);
+    for (const QDeadlineTimer deadline(longestWait); outcome.isBusy && !deadline.hasExpired();) {
+        QThread::msleep(looksApart);
+        if (!ForwardRequest::IsLeft(session.folder))
+            outcome = request.DoOrLeave(session.folder, keepAtMost);
     }
     if (!outcome.error.isEmpty())
         return Answers::Fail(session, outcome.error);

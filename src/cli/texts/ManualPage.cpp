@@ -81,7 +81,11 @@ QString FilesText() {
                  Plain(QStringLiteral(
                      "The program folder, the same as that of qirandecode(1); where XDG_DATA_HOME is not "
                      "set, ~/.local/share/QiranDecode. In it: QiranDecode.INI, the settings; formula.txt, "
-                     "the calibration formulae; Keps, the orbital elements; LOGS, the traffic logs.")));
+                     "the calibration formulae; Keps, the orbital elements; LOGS, the traffic logs."))) +
+           Entry(
+               QStringLiteral("/var/lib/qirandecode"),
+               Plain(QStringLiteral("The program folder of the service qirandecode-listen, which runs as the "
+                                    "user qirandecode; --folder names it.")));
 }
 
 } // namespace
