@@ -28,6 +28,7 @@ HistoryPlot::HistoryPlot(LimitTable limits, QWidget* parent)
     setAutoAddPlottableToLegend(false);
     setInteractions(QCP::iRangeDrag);
     setNoAntialiasingOnDrag(true);
+    setPlottingHint(QCP::phFastPolylines);
     layer(QStringLiteral("overlay"))->setMode(QCPLayer::lmBuffered);
     plotLayout()->clear();
     m_fields.Colour();

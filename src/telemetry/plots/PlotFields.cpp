@@ -240,6 +240,8 @@ void PlotFields::SetPoints(std::size_t channel, const std::vector<PlotPoints::Po
     for (const PlotPoints::Point& point : points)
         data.append(QCPGraphData(point.seconds, point.value));
     Curve(channel)->data()->set(data, true);
+    // Smoothing dense lines costs more than all the rest, and nobody sees it.
+    Curve(channel)->setAntialiased(static_cast<int>(points.size()) < m_plot.width());
     Curve(channel)->setScatterSkip(static_cast<int>(points.size()) / symbolsOnACurve);
 }
 

@@ -66,12 +66,13 @@ void RangeBar::SetRange(const HistoryRange& range) {
 }
 
 void RangeBar::ShowTimes(qint64 from, qint64 to) {
-    const auto show = [this](QLineEdit* field, qint64 utc) {
-        if (!field->isModified() || !field->hasFocus()) // somebody types there
-            field->setText(FormatDateTime(m_services.displayTime(utc), u"yyyy-mm-dd hh:nn:ss"));
+    if ((txtFrom->hasFocus() || txtTo->hasFocus()) && (txtFrom->isModified() || txtTo->isModified()))
+        return; // somebody types there
+    const auto text = [this](qint64 utc) {
+        return FormatDateTime(m_services.displayTime(utc), u"yyyy-mm-dd hh:nn:ss");
     };
-    show(txtFrom, from);
-    show(txtTo, to);
+    txtFrom->setText(text(from));
+    txtTo->setText(text(to));
 }
 
 void RangeBar::TakeTyped() {

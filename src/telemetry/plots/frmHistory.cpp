@@ -354,22 +354,26 @@ void frmHistory::TellCursor() {
 }
 
 void frmHistory::TellReading(const QString& sequence) {
+    const QString text = ReadingText(sequence);
+    labReading->setText(text);
+    pltHistory->setAccessibleDescription(text);
+}
+
+QString frmHistory::ReadingText(const QString& sequence) const {
     const auto nearest = pltHistory->Nearest();
-    if (!nearest) {
-        labReading->setText(
-            tr("Point at a curve, or press Ctrl and an arrow key in it, to read its values."));
-        return;
-    }
+    if (!nearest)
+        return tr("Point at a curve, or press Ctrl and an arrow key in it, to read its values.");
     const HistoryChannel& channel = pltHistory->Channels()[nearest->channel];
     const HistoryColumns& readings = pltHistory->Readings()[nearest->channel];
-    QString text = QStringLiteral("%1: %2, raw %3, ")
-                       .arg(ChannelTable::NameOf(channel),
-                            ChannelTable::ValueText(channel, readings.value[nearest->at], m_services.limits),
-                            Text::GeneralNumber(readings.raw[nearest->at]));
+    QStringList parts{QStringLiteral("%1: %2").arg(
+                          ChannelTable::NameOf(channel),
+                          ChannelTable::ValueText(channel, readings.value[nearest->at], m_services.limits)),
+                      tr("raw %1").arg(Text::GeneralNumber(readings.raw[nearest->at]))};
     if (!sequence.isEmpty())
-        text += Text::OneLine(sequence, longestSequence) + QStringLiteral(", ");
-    labReading->setText(text + TimeText(readings.utc[nearest->at]) +
-                        (m_services.isLocalTime() ? QStringLiteral(" local time") : QStringLiteral(" UTC")));
+        parts += Text::OneLine(sequence, longestSequence);
+    parts += TimeText(readings.utc[nearest->at]) + u' ' +
+             (m_services.isLocalTime() ? tr("local time") : tr("UTC"));
+    return parts.join(u", ");
 }
 
 void frmHistory::ReadSettings() {

@@ -72,6 +72,7 @@ private:
     void TellView();
     void TellCursor();
     void TellReading(const QString& sequence);
+    QString ReadingText(const QString& sequence) const;
     qint64 CursorTime() const;
     QString TimeText(qint64 utc) const;
     void ReadSettings();
