@@ -5,9 +5,9 @@
 
 #include <QTest>
 
-#include <algorithm>
+#include <array>
 #include <cstdio>
-#include <numeric>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -48,11 +48,10 @@ QByteArrayList HistoryFaultsTest::Kept() const {
     TelemetryHistory history(m_rig->folder.File(u"tlm.txt"_s), map, {}, {{"XQ9ZZ-1", 0}});
     if (history.Open() != TelemetryHistory::Opened::Done)
         return {"unreadable"};
-    // What was heard at one time stands in the order of its lines.
-    std::vector<quint32> frames(history.Frames());
-    std::iota(frames.begin(), frames.end(), 0U);
-    std::ranges::stable_sort(frames, {}, [&history](quint32 frame) { return history.Frame(frame).utc; });
-    const std::vector<QByteArray> sequences = history.Sequences(frames);
+    const HistoryChannel channel{.side = 0, .grid = 2, .row = 1};
+    const std::vector<HistoryColumns> read =
+        history.Readings(std::array{channel}, 0, std::numeric_limits<qint64>::max());
+    const std::vector<QByteArray> sequences = history.Sequences(read[0].frame);
     return {sequences.begin(), sequences.end()};
 }
 
