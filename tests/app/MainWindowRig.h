@@ -54,6 +54,14 @@ public:
         return window->Load();
     }
 
+    /// The station hears a telemetry frame of side A, type 2, whose first channel (TEMP X+) is the raw value.
+    void Hear(int sequence, int raw) const {
+        const QByteArray line =
+            "T#" + QByteArray::number(sequence) + ',' + QByteArray::number(raw) + ",20,30,40,0,0,00101111,0";
+        window->findChild<GroundStation*>()->heard.Hand(
+            {.utc = clock.Milliseconds(), .source = "XQ9ZZ-1", .information = line});
+    }
+
     template <class Type>
     Type* Find(const char* name) const {
         return window->findChild<Type*>(QLatin1StringView(name));

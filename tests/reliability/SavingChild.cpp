@@ -7,6 +7,11 @@
 // fails;
 //                                         prints what the download's status box and messages say
 // SavingChild FOLDER fetch ADDRESS once   does it once
+// SavingChild FOLDER hear FIRST           hears telemetry frames, numbered from FIRST, until it is killed;
+// prints each
+//                                         number as soon as the history has it
+// SavingChild FOLDER import FIRST FILE    the same, and brings FILE into the history and takes it back, over
+// and over
 
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
@@ -15,13 +20,18 @@
 #include "keps/DownloadSequence.h"
 #include "keps/HttpTransfer.h"
 #include "station/log/TrafficLog.h"
+#include "telemetry/frames/ByteViews.h"
+#include "telemetry/history/HistoryWriter.h"
+#include "telemetry/imports/HistoryImport.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QFile>
 #include <QTimer>
 
 #include <csignal>
 #include <cstdio>
+#include <string>
 
 namespace {
 
@@ -74,6 +84,44 @@ int Fetch(const ProgramFolder& folder, clsIni& ini, const QString& address, bool
     return QCoreApplication::exec();
 }
 
+void Hear(HistoryWriter& history, int number) {
+    const std::string line = "T#" + std::to_string(number) + ",1,2,3,4,0,0,00111111,0";
+    const auto fields = *SplitAtCommas<TelemetryFrame::fieldsInLine>(line);
+    TelemetryFrame frame{.utc = QDateTime::currentMSecsSinceEpoch(), .source = "QIRAN-3", .side = 1};
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        frame.fields[i] = QByteArrayView(fields[i].data(), static_cast<qsizetype>(fields[i].size()));
+    history.Take(frame);
+    Say(QByteArray::number(number));
+    QCoreApplication::processEvents();
+}
+
+int HearAll(const ProgramFolder& folder, int number) {
+    HistoryWriter history(folder.File(QStringLiteral("tlm.txt")),
+                          [](const QString& reason) { Say(reason.toUtf8()); });
+    while (true)
+        Hear(history, number++);
+}
+
+int ImportAll(const ProgramFolder& folder, int number, const QString& file) {
+    const QString path = folder.File(QStringLiteral("tlm.txt"));
+    HistoryWriter history(path, [](const QString& reason) { Say(reason.toUtf8()); });
+    const auto hear = [&](qint64, qint64) {
+        Hear(history, number++);
+        return true;
+    };
+    while (true) {
+        HistoryImport import(path, {{"QIRAN-3", 1}});
+        using Result = HistoryImport::Result;
+        if (import.Count({file}, {}, hear) != Result::Done || import.Prepare(hear) != Result::Done ||
+            import.Commit() != Result::Done)
+            qFatal("%s", qPrintable(import.Reason()));
+        hear(0, 0);
+        if (const QString reason = HistoryImport::Undo(path); !reason.isEmpty())
+            qFatal("%s", qPrintable(reason));
+        hear(0, 0);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -87,6 +135,10 @@ int main(int argc, char** argv) {
     ini.SetWriteFailed([](const QString&, const QString& reason) { Say("settings: " + reason.toUtf8()); });
     if (arguments.value(2) == u"fetch")
         return Fetch(folder, ini, arguments.value(3), once);
+    if (arguments.value(2) == u"hear")
+        return HearAll(folder, arguments.value(3).toInt());
+    if (arguments.value(2) == u"import")
+        return ImportAll(folder, arguments.value(3).toInt(), arguments.value(4));
     TrafficLog log(ini, clock, folder);
     if (!once)
         log.ToggleLogging();

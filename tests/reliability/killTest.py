@@ -8,6 +8,7 @@ instead of 10, and QIRAN_SEED what chance starts from.
 import os
 import pathlib
 import random
+import re
 import shutil
 import subprocess
 import sys
@@ -24,6 +25,8 @@ CHILD, PROGRAM = sys.argv[1:3]
 MOMENTS = int(os.environ.get("QIRAN_LOOPS", 10))
 SEED = int(os.environ.get("QIRAN_SEED", 1))
 KEYS = 40
+IMPORTED = 10**8  # frames that come in are numbered from here on
+FRAMES = 5000
 FETCHED = {stored(number) for number in range(26)}
 # What a kill may leave in the program folder while it downloads; the help names them all.
 DOWNLOAD_FILES = r"(QiranDecode\.INI(\.\w{6})?|Keps\.lock|Keps|Keps/amateur\.txt|tempkeps\.\$\$\$|Keps/TEMPKEPS\.\$\$\$)"
@@ -95,6 +98,52 @@ class KillTest(unittest.TestCase):
             self.assertEqual({name for name in self.names() if not name.startswith("QiranDecode.INI")},
                              {"Keps", "Keps/amateur.txt"})
             print(f"{MOMENTS} kills while downloading, {server.cut} of them with a file on its way, seed {SEED}")
+
+    def kill_while_it_hears(self, *mode):
+        """Starts the child, lets it hear, kills it, and so on; answers how many frames have been heard."""
+        heard = 0
+        for moment in range(MOMENTS):
+            with subprocess.Popen([CHILD, self.folder, mode[0], str(heard), *mode[1:]], stdout=subprocess.PIPE) as child:
+                said = child.stdout.readline()  # it is about its work
+                time.sleep(self.random.uniform(0.0, 0.15))
+                child.kill()
+                said += child.stdout.read()
+            numbers = [int(line) for line in said.split(b"\n")[:-1]]
+            self.assertEqual(numbers, list(range(heard, heard + len(numbers))), f"moment {moment}, seed {SEED}")
+            heard = numbers[-1] + 1
+            self.check_history(heard, moment)
+        return heard
+
+    def check_history(self, heard, moment):
+        """Every frame that was said to be kept stands there, once; beside them there is one torn line for each kill, at
+        most. One more frame, which was not said any more, may be there from each kill."""
+        where = f"moment {moment}, seed {SEED}"
+        lines = (self.folder / "tlm.txt").read_bytes().split(b"\n")
+        whole = [re.fullmatch(rb"[^,]*Z,QIRAN-3,B,T#(\d+),1,2,3,4,0,0,00111111,0", line) for line in lines]
+        numbers = [int(match[1]) for match in whole if match]
+        own = [number for number in numbers if number < IMPORTED]
+        self.assertLessEqual(set(range(heard)), set(own), where)
+        self.assertLessEqual(set(own), set(range(heard + 1)), where)
+        self.assertLessEqual(len(own) - len(set(own)), moment + 1, where)  # of a number said by nobody, used again
+        foreign = [line for line, match in zip(lines, whole) if not match and line and not line.startswith(b"utc,")]
+        self.assertLessEqual(len(foreign), moment + 1, where)
+        imported = [number for number in numbers if number >= IMPORTED]
+        self.assertIn(imported, ([], list(range(IMPORTED, IMPORTED + FRAMES))), where)
+        for name in self.names():
+            self.assertIn(name, ("tlm.txt", "tlm.before-import.txt", "tlm.before-import.txt.new", "tlm.importing.txt"), where)
+
+    def test_a_process_that_records_leaves_all_but_the_line_it_was_writing(self):
+        heard = self.kill_while_it_hears("hear")
+        print(f"{MOMENTS} kills while recording {heard} frames, seed {SEED}")
+
+    def test_a_process_that_imports_leaves_all_of_it_or_nothing_and_what_it_heard(self):
+        with tempfile.TemporaryDirectory() as elsewhere:
+            other = pathlib.Path(elsewhere, "other.txt")
+            other.write_text("utc,source,side,sequence,raw1,raw2,raw3,raw4,field5,field6,field7,field8\n" + "".join(
+                f"2020-01-01T{i // 3600:02}:{i // 60 % 60:02}:{i % 60:02}.000Z,QIRAN-3,B,T#{IMPORTED + i},1,2,3,4,0,0,00111111,0\n"
+                for i in range(FRAMES)), encoding="ascii")
+            heard = self.kill_while_it_hears("import", other)
+        print(f"{MOMENTS} kills while importing, {heard} frames heard meanwhile, seed {SEED}")
 
     def test_the_program_leaves_settings_and_log_whole_and_starts_again(self):
         port = rig.free_port()

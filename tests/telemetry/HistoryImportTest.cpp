@@ -64,6 +64,8 @@ private Q_SLOTS:
     void linesOfAnotherLayoutStayReadable();
     void aTornLastLineIsEnded();
     void whatIsHeardMeanwhileGoesAlong();
+    void aLineThatWasTornWhenItWasReadHoldsTheImportOff();
+    void anUndoThatWasEndedBeforeTheOldFileWasGoneMayBeRepeated();
     void theOldHistoryStaysBeside();
     void undoPutsItBackWithWhatWasHeardSince();
     void undoOfAFirstImportLeavesNoFrames();
@@ -287,6 +289,37 @@ void HistoryImportTest::whatIsHeardMeanwhileGoesAlong() {
     frame.fields[1] = "88";
     writer.Take(frame);
     QCOMPARE(Raws(), (QList<int>{0, 2, 77, 88}));
+    QCOMPARE(HistoryImport::Undo(History()), QString());
+    QCOMPARE(Raws(), (QList<int>{0, 77, 88}));
+}
+
+void HistoryImportTest::aLineThatWasTornWhenItWasReadHoldsTheImportOff() {
+    m_folder->Write(u"tlm.txt"_s, header + Line(midnight, 1) + "2026-11-21T03");
+    HistoryImport import(History(), Sides());
+    QCOMPARE(import.Count({Input("other.txt", header + Line(midnight + hour, 2))}, {}), Result::Done);
+    QCOMPARE(import.Prepare(), Result::Done);
+    QFile file(History());
+    QVERIFY(file.open(QIODevice::Append));
+    file.write(":00:00.000Z,XQ9ZZ-1,A,T#001,5,2,3,4,0,0,00111111,0\n"); // its rest
+    file.close();
+    const QByteArray old = m_folder->Read(u"tlm.txt"_s);
+    QCOMPARE(import.Commit(), Result::Failed);
+    QCOMPARE(m_folder->Read(u"tlm.txt"_s), old);
+}
+
+void HistoryImportTest::anUndoThatWasEndedBeforeTheOldFileWasGoneMayBeRepeated() {
+    m_folder->Write(u"tlm.txt"_s, header + Line(midnight, 1));
+    Import(Input("other.txt", header + Line(midnight + hour, 2)));
+    const QByteArray backup = BeforeImport();
+    QFile file(History());
+    QVERIFY(file.open(QIODevice::Append));
+    file.write(Line(midnight + 5 * hour, 5));
+    file.close();
+    QCOMPARE(HistoryImport::Undo(History()), QString());
+    const QByteArray undone = m_folder->Read(u"tlm.txt"_s);
+    m_folder->Write(u"tlm.before-import.txt"_s, backup);
+    QCOMPARE(HistoryImport::Undo(History()), QString());
+    QCOMPARE(m_folder->Read(u"tlm.txt"_s), undone);
 }
 
 void HistoryImportTest::theOldHistoryStaysBeside() {

@@ -23,6 +23,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int patience = 60000;        // milliseconds, on a busy machine
 constexpr qint64 noon = 1795262400000; // 2026-11-21 12:00 UTC
 
 QByteArray Information(int number) {
@@ -112,14 +113,14 @@ void frmImportTest::filesAreCountedThenComeInThenAreTakenBack() {
     QVERIFY(!Find<QPushButton>("cmdImport")->isEnabled());
     QSignalSpy changed(m_window.get(), &frmImport::HistoryChanged);
     Press("cmdCount");
-    QTRY_VERIFY(IsIdle());
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
     QVERIFY2(Shown().startsWith(u"frames that come in: 2\n  from 2026-11-21T03:00:01.000Z to "),
              qPrintable(Shown()));
     QVERIFY(Shown().endsWith(u"not understood: 1\n  what is this?"));
     QCOMPARE(History(), before);
     Screenshots::Take(*m_window, u"frmImport"_s);
     Press("cmdImport");
-    QTRY_VERIFY(IsIdle());
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
     QCOMPARE(Shown(), u"Frames that have come in: 2"_s);
     QVERIFY(History().contains("2026-11-21T03:00:01.000Z,XQ9ZZ-1,A,T#7,"));
     QCOMPARE(changed.size(), 1);
@@ -145,14 +146,14 @@ void frmImportTest::aPlainRecordingComesInAtTheTimeGiven() {
     m_folder->Write(u"pass.kss"_s, QByteArray("\xC0\x00", 2) + bytes + "\xC0");
     m_window->AddFiles({m_folder->File(u"pass.kss"_s)});
     Press("cmdCount");
-    QTRY_VERIFY(IsIdle());
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
     QVERIFY2(Shown().startsWith(u"frames that come in: 0\n"), qPrintable(Shown()));
     QVERIFY(!Find<QPushButton>("cmdImport")->isEnabled());
     QTest::keyClicks(Find<QLineEdit>("txtTime"), u"2026-11-21T15:00Z"_s);
     Press("cmdCount");
-    QTRY_VERIFY(IsIdle());
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
     Press("cmdImport");
-    QTRY_VERIFY(IsIdle());
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
     QVERIFY2(History().contains("2026-11-21T15:00:00.000Z,XQ9ZZ-1,A,T#5,"), History());
 }
 
@@ -161,7 +162,8 @@ void frmImportTest::whatWasCountedIsForgottenWhenAnythingChanges() {
     const auto count = [this] {
         m_window->AddFiles({m_folder->File(u"20261121.TXT"_s)});
         Press("cmdCount");
-        return QTest::qWaitFor([this] { return IsIdle(); }) && Find<QPushButton>("cmdImport")->isEnabled();
+        return QTest::qWaitFor([this] { return IsIdle(); }, patience) &&
+               Find<QPushButton>("cmdImport")->isEnabled();
     };
     const auto isForgotten = [this] {
         return !Find<QPushButton>("cmdImport")->isEnabled() && Shown().isEmpty();
@@ -197,13 +199,13 @@ void frmImportTest::aWrongZoneOrTimeIsSaid() {
 
 void frmImportTest::whatIsHeardDuringAnImportIsKept() {
     QByteArray log;
-    for (int number = 0; number < 20000; ++number)
-        log += Logged(100000 + number);
+    for (int number = 0; number < 5000; ++number)
+        log += Logged(900000000 + number);
     m_folder->Write(u"20261121.TXT"_s, log);
     Hear(0);
     m_window->AddFiles({m_folder->File(u"20261121.TXT"_s)});
     Press("cmdCount");
-    QTRY_VERIFY(IsIdle());
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
     Press("cmdImport");
     int heard = 0;
     while (!IsIdle()) {
@@ -211,10 +213,10 @@ void frmImportTest::whatIsHeardDuringAnImportIsKept() {
         QCoreApplication::processEvents();
     }
     Hear(++heard);
-    QCOMPARE(Shown(), u"Frames that have come in: 20000"_s);
+    QCOMPARE(Shown(), u"Frames that have come in: 5000"_s);
     QVERIFY(heard > 1);
     const QByteArray history = History();
-    QCOMPARE(history.count("T#1000"), 100);
+    QCOMPARE(history.count("T#90000"), 5000);
     for (int number = 0; number <= heard; ++number)
         QCOMPARE(history.count(",XQ9ZZ-1,A," + Information(number) + '\n'), 1);
 }
@@ -223,26 +225,32 @@ void frmImportTest::whatWaitsForRoomHoldsTheImportOff() {
     Hear(1);
     m_folder->Write(u"20261121.TXT"_s, Logged(7));
     m_window->AddFiles({m_folder->File(u"20261121.TXT"_s)});
-    Press("cmdCount");
-    QTRY_VERIFY(IsIdle());
-    Press("cmdImport");
     const QByteArray before = History();
     {
+        Press("cmdCount");
+        QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
         const SmallDisk full(static_cast<rlim_t>(before.size()) + 10);
         Hear(2); // its start is in the file now
-        QTRY_VERIFY(IsIdle());
+        Press("cmdImport");
+        QVERIFY(IsIdle());
+        QCOMPARE(m_presenter.Texts(), QStringList(u"what was heard last cannot be written to the history"_s));
     }
     QVERIFY(!History().contains("T#7,"));
-    QVERIFY(m_presenter.Texts().size() == 1);
-    Hear(3);
+    // There is room again, and the history is replaced before the station writes by itself.
+    Press("cmdCount");
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
+    Press("cmdImport");
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
+    QVERIFY(History().contains("T#7,"));
     QVERIFY(History().contains(",XQ9ZZ-1,A," + Information(2) + '\n'));
+    QCOMPARE(History().count('\n'), 5); // with two headers
 }
 
 void frmImportTest::aCancelledImportChangesNothing() {
     Hear(1);
     const QByteArray before = History();
     QByteArray log;
-    for (int number = 0; number < 20000; ++number)
+    for (int number = 0; number < 5000; ++number)
         log += Logged(number);
     m_folder->Write(u"20261121.TXT"_s, log);
     m_window->AddFiles({m_folder->File(u"20261121.TXT"_s)});
@@ -251,14 +259,14 @@ void frmImportTest::aCancelledImportChangesNothing() {
     QVERIFY(!Find<QListWidget>("lstFiles")->isEnabled());
     QVERIFY(Find<QProgressBar>("barProgress")->isVisible());
     QTest::keyClick(m_window.get(), Qt::Key_Escape);
-    QTRY_VERIFY(IsIdle());
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
     QVERIFY(m_window->isVisible());
     QVERIFY(!Find<QPushButton>("cmdImport")->isEnabled());
     Press("cmdCount");
-    QTRY_VERIFY(IsIdle());
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
     Press("cmdImport");
     Press("cmdClose");
-    QTRY_VERIFY(IsIdle());
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
     QCOMPARE(History(), before);
     QVERIFY(m_presenter.messages.isEmpty());
     QVERIFY(Find<QPushButton>("cmdImport")->isEnabled()); // what was counted still holds
@@ -277,7 +285,7 @@ void frmImportTest::filesCanBeDropped() {
 void frmImportTest::aFileThatCannotBeReadIsNamed() {
     m_window->AddFiles({m_folder->File(u"missing.txt"_s)});
     Press("cmdCount");
-    QTRY_VERIFY(IsIdle());
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
     QCOMPARE(m_presenter.messages.size(), 1);
     QVERIFY(m_presenter.Texts().first().contains(u"missing.txt"));
     QVERIFY(!Find<QPushButton>("cmdImport")->isEnabled());
