@@ -12,6 +12,7 @@
 
 #include <memory>
 
+class DesktopNotices;
 class framLocation;
 class frmMap;
 class frmSky;
@@ -29,7 +30,7 @@ class frmQIRAN : public QMainWindow, private Roof {
     Q_OBJECT
 public:
     /// All arguments must outlive the window.
-    frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages);
+    frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages, DesktopNotices& notices);
     ~frmQIRAN() override;
 
     /// Starts the program, shows the window and tells what is missing; false when the program cannot start,
@@ -65,10 +66,13 @@ private:
     void TellWindows();
     void ShowStationInformation();
     void ShowAgwpeSetup();
+    void ShowForwarding();
     void ShowCallsigns();
     void DownloadKeps();
+    void TellOfEvent(const LimitEvent& event);
 
     mb& m_messages;
+    DesktopNotices& m_notices;
     GroundStation m_ground;
     StationStatus m_status;
     TipCell m_tipCell;

@@ -13,6 +13,7 @@ extern const RecordType reading;
 extern const RecordType event;
 extern const RecordType position;
 extern const RecordType elements;
+extern const RecordType forward;
 extern const RecordType setting;
 
 std::span<const RecordType* const> All();
