@@ -10,10 +10,12 @@
 #include "foundation/placement/PlaceWindow.h"
 #include "foundation/placement/Twips.h"
 #include "foundation/settings/Settings.h"
+#include "foundation/text/UtcTime.h"
 #include "keps/HttpTransfer.h"
 #include "keps/frmDownload.h"
 #include "link/agwpe/frmAgwpeSetup.h"
 #include "orbit/map/frmMap.h"
+#include "orbit/panel/TrackingDisplay.h"
 #include "orbit/panel/framLocation.h"
 #include "orbit/predictions/frmPass.h"
 #include "orbit/skyview/frmSky.h"
@@ -46,6 +48,7 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     , m_notices(notices)
     , m_ground(folder, clock, messages, *this)
     , m_status(m_ground)
+    , m_heardTimes(m_ground)
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
     , m_timer1(this) {
     setObjectName(QStringLiteral("frmQIRAN"));
@@ -56,8 +59,7 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     // One timer for all that changes with the second: what changes together is painted together.
     connect(&m_timer1, &QTimer::timeout, this, [this] {
         m_framLocation->Tick();
-        if (!staStatus->isHidden())
-            staStatus->Refresh();
+        ShowStatus();
     });
     LayOut();
     ConnectMenu(*m_menu);
@@ -181,9 +183,18 @@ void frmQIRAN::Show() {
     m_timer1.start();
     QString showStatus = Settings::Peek(m_ground.cIni, Settings::statusShow);
     staStatus->setVisible(clsIni::IsItTrue(showStatus));
-    if (!staStatus->isHidden())
-        staStatus->Refresh();
+    ShowStatus();
     show();
+}
+
+// A rise is told of with the status bar hidden, too.
+void frmQIRAN::ShowStatus() {
+    staStatus->Refresh();
+    const QString rise = m_status.TakeRiseNotice();
+    if (rise.isEmpty())
+        return;
+    QApplication::alert(this);
+    m_notices.Show(Texts::Title(), rise);
 }
 
 void frmQIRAN::ApplyStationPosition() {
@@ -221,12 +232,32 @@ std::optional<PassSteps::Place> frmQIRAN::PlaceOfStation() const {
                                    : std::nullopt;
 }
 
+SkyHearing frmQIRAN::HearingOfSky() {
+    const auto between = [this](DateTime from, DateTime to) {
+        std::vector<DateTime> times;
+        for (const qint64 utc : m_heardTimes.Between(UtcTime::FromDateTime(from), UtcTime::FromDateTime(to)))
+            times.push_back(UtcTime::ToDateTime(utc));
+        return times;
+    };
+    const auto direction = [this](DateTime utc) -> std::optional<SkyPoint> {
+        const QString& object = m_ground.satellites.At(0).strObjNum;
+        const auto elements = m_ground.cSats.ElementsOf(object);
+        if (!elements || std::abs(elements->epochUtc - utc) > TrackingDisplay::maxElementDays)
+            return std::nullopt;
+        const auto position = m_ground.cSats.PositionAt(object, utc);
+        return position ? std::optional(SkyPoint{utc, position->dblAz, position->dblEl}) : std::nullopt;
+    };
+    return {.between = between, .directionAt = direction, .messages = &m_messages};
+}
+
 void frmQIRAN::ShowSky() {
     if (!m_sky) {
         const auto place = [this] { return PlaceOfStation(); };
         const auto simulated = [this] { return m_map ? m_map->SimulatedTime() : std::nullopt; };
-        m_sky =
-            new frmSky(m_ground.cSats, m_ground.satellites, place, simulated, m_ground.cIni, m_ground.folder);
+        m_sky = new frmSky(m_ground.cSats, m_ground.satellites, place, simulated, m_ground.cIni,
+                           m_ground.folder, HearingOfSky());
+        m_heardTimes.Load();
+        connect(&m_heardTimes, &HeardTimes::Loaded, m_sky, &frmSky::HeardHasChanged);
         m_sky->setAttribute(Qt::WA_DeleteOnClose);
         connect(m_sky, &frmSky::ImUnloading, this, [this] { m_sky.clear(); });
     }

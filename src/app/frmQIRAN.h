@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/GroundStation.h"
+#include "core/HeardTimes.h"
 #include "core/Roof.h"
 #include "core/StationStatus.h"
 #include "orbit/skyview/PassSteps.h"
@@ -23,6 +24,7 @@ class QLabel;
 class QVBoxLayout;
 class StatusBarView;
 struct MainMenuView;
+struct SkyHearing;
 
 /// The main window: the roof of windows over the station. Loading it starts the program, closing it ends the
 /// program.
@@ -58,10 +60,12 @@ private:
     void ConnectMenu(const MainMenuView& menu);
     void ApplyStationPosition();
     void SetDueCaption();
+    void ShowStatus();
     void ShowPassPredictions();
     void ShowTerminal();
     void ShowMap();
     std::optional<PassSteps::Place> PlaceOfStation() const;
+    SkyHearing HearingOfSky();
     void ShowSky();
     void TellWindows();
     void ShowStationInformation();
@@ -75,6 +79,7 @@ private:
     DesktopNotices& m_notices;
     GroundStation m_ground;
     StationStatus m_status;
+    HeardTimes m_heardTimes;
     TipCell m_tipCell;
     std::unique_ptr<MainMenuView> m_menu;
     std::unique_ptr<frmTerm> m_terminal;
