@@ -27,7 +27,7 @@ using orbitmath::Vector3;
 
 void CheckElements(const Elements& elements) {
     const auto isAngle = [](double angle, double most) { return angle >= 0 && angle <= most * 1.0000001; };
-    Require(elements.number <= 339'999, "a catalogue number is in its range");
+    Require(elements.number <= 999'999'999, "a catalogue number is in its range");
     Require(isAngle(elements.inclination, twoPi / 2) && isAngle(elements.node, twoPi) &&
                 isAngle(elements.argumentOfPerigee, twoPi) && isAngle(elements.meanAnomaly, twoPi),
             "angles are in their ranges");

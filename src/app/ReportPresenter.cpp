@@ -76,8 +76,8 @@ void ReportPresenter::Report(QMainWindow& window) {
     Save(window);
     for (const QString& name :
          {QStringLiteral("mnuTerminal"), QStringLiteral("mnuMap"), QStringLiteral("mnuLocation"),
-          QStringLiteral("mnuAGWPESetup"), QStringLiteral("mnuCallsigns"), QStringLiteral("mnuDownloadKeps"),
-          QStringLiteral("mnuHelpContents"), QStringLiteral("mnuAbout")})
+          QStringLiteral("mnuAGWPESetup"), QStringLiteral("mnuLinkKissSetup"), QStringLiteral("mnuCallsigns"),
+          QStringLiteral("mnuDownloadKeps"), QStringLiteral("mnuHelpContents"), QStringLiteral("mnuAbout")})
         OpenAndSave([&] { window.findChild<QAction*>(name)->trigger(); });
     OpenAndSave([&] { window.findChild<QPushButton*>(QStringLiteral("cmdPassInfo"))->click(); });
     PrintLine(QStringLiteral("Terminal:"));

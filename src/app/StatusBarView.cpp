@@ -1,5 +1,6 @@
 #include "app/StatusBarView.h"
 
+#include "app/LinkButton.h"
 #include "app/SteadyBox.h"
 
 #include <QKeyEvent>
@@ -31,7 +32,7 @@ void StandOut(QLabel* label, bool isMarked) {
 StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     : QStatusBar(parent)
     , m_status(status)
-    , labLink(Add(QStringLiteral("labLink"), tr("Link"), 0))
+    , labLink(new LinkButton(this))
     , labLastFrame(Add(QStringLiteral("labLastFrame"), tr("Last frame heard"), 0))
     , labToday(Add(QStringLiteral("labToday"), tr("Frames of the satellite today"), 0))
     , labElements(Add(QStringLiteral("labElements"), tr("Age of the elements"), 0))
@@ -39,6 +40,7 @@ StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     , labEvent(new QToolButton(this)) {
     setObjectName(QStringLiteral("staStatus"));
     setSizeGripEnabled(false);
+    insertWidget(0, new SteadyBox(labLink));
     AddEvent();
     auto* cmdSky = new QToolButton(this);
     cmdSky->setObjectName(QStringLiteral("cmdSky"));
@@ -97,6 +99,10 @@ bool StatusBarView::eventFilter(QObject* watched, QEvent* event) {
     return QStatusBar::eventFilter(watched, event);
 }
 
+void StatusBarView::SetLinkMenu(QMenu* menu) {
+    labLink->setMenu(menu);
+}
+
 void StatusBarView::Refresh() {
     const StatusTexts texts = m_status.Now();
     const auto show = [](QLabel* label, const QString& text) {
@@ -105,7 +111,8 @@ void StatusBarView::Refresh() {
         label->setText(text);
         label->setAccessibleDescription(text);
     };
-    show(labLink, texts.link);
+    if (texts.link != m_shown.link)
+        labLink->ShowLink(texts.link);
     show(labLastFrame, texts.lastFrame);
     show(labToday, texts.today);
     show(labElements, texts.elements);

@@ -4,7 +4,10 @@
 
 #include <QStatusBar>
 
+class LinkButton;
+class LinkButton;
 class QLabel;
+class QMenu;
 class QToolButton;
 
 /// The line at the foot of the main window. Its labels change when what they say does, at most once a second.
@@ -13,6 +16,9 @@ class StatusBarView : public QStatusBar {
 public:
     /// `status` must outlive the view.
     explicit StatusBarView(StationStatus& status, QWidget* parent = nullptr);
+
+    /// What opens at how the link stands.
+    void SetLinkMenu(QMenu* menu);
 
     /// Shows the status as it is now; called once a second.
     void Refresh();
@@ -25,9 +31,6 @@ Q_SIGNALS:
     /// 00:00 UTC.
     void EventRequested(qint64 utc);
 
-    /// The user asks for the dialog of forwarding.
-    void ForwardingRequested();
-
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -38,7 +41,7 @@ private:
 
     StationStatus& m_status;
     StatusTexts m_shown;
-    QLabel* labLink;
+    LinkButton* labLink;
     QLabel* labLastFrame;
     QLabel* labToday;
     QLabel* labElements;

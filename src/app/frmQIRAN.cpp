@@ -1,8 +1,11 @@
 #include "app/frmQIRAN.h"
 
+#include "app/HearingOfSky.h"
+#include "app/LinkMenu.h"
 #include "app/MainMenuView.h"
 #include "app/OpenDialogs.h"
 #include "app/StatusBarView.h"
+#include "app/framGuide.h"
 #include "app/frmAbout.h"
 #include "core/Texts.h"
 #include "foundation/messages/DesktopNotices.h"
@@ -10,12 +13,11 @@
 #include "foundation/placement/PlaceWindow.h"
 #include "foundation/placement/Twips.h"
 #include "foundation/settings/Settings.h"
-#include "foundation/text/UtcTime.h"
 #include "keps/HttpTransfer.h"
 #include "keps/frmDownload.h"
 #include "link/agwpe/frmAgwpeSetup.h"
+#include "link/kiss/frmKissSetup.h"
 #include "orbit/map/frmMap.h"
-#include "orbit/panel/TrackingDisplay.h"
 #include "orbit/panel/framLocation.h"
 #include "orbit/predictions/frmPass.h"
 #include "orbit/skyview/frmSky.h"
@@ -25,16 +27,20 @@
 #include "telemetry/callsigns/frmCalls.h"
 #include "telemetry/grids/TelemetryGridView.h"
 #include "telemetry/history/TelemetryFiles.h"
+#include "telemetry/imports/frmImport.h"
 #include "telemetry/monitor/MonitorPane.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
+#include <QUrl>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -61,6 +67,7 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
         m_framLocation->Tick();
         ShowStatus();
     });
+    connect(&m_running, &RunningWindow::Knocked, this, &frmQIRAN::ComeForward);
     LayOut();
     ConnectMenu(*m_menu);
 }
@@ -92,6 +99,11 @@ void frmQIRAN::LayOut() {
     setCentralWidget(centre);
     staStatus = new StatusBarView(m_status);
     setStatusBar(staStatus);
+    auto* linkMenu = new LinkMenu(m_ground, this);
+    staStatus->SetLinkMenu(linkMenu);
+    connect(linkMenu, &LinkMenu::AgwpeSetupRequested, this, &frmQIRAN::ShowAgwpeSetup);
+    connect(linkMenu, &LinkMenu::KissSetupRequested, this, &frmQIRAN::ShowKissSetup);
+    connect(linkMenu, &LinkMenu::ForwardingRequested, this, &frmQIRAN::ShowForwarding);
 }
 
 void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
@@ -124,7 +136,18 @@ bool frmQIRAN::Load() {
     return true;
 }
 
+void frmQIRAN::FolderIsTaken() {
+    RunningWindow::Knock(m_ground.folder.Path());
+}
+
+void frmQIRAN::ComeForward() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    raise();
+    activateWindow();
+}
+
 void frmQIRAN::Announce() {
+    m_running.Listen(m_ground.folder.Path());
     setWindowTitle(Texts::Caption(windowTitle()));
     m_messages.SetUpHelp(this, m_ground.folder.Path());
     Label2->setText(Texts::CubeExplanation());
@@ -155,7 +178,6 @@ void frmQIRAN::PrepareTracking() {
     });
     connect(m_framLocation, &framLocation::SkyRequested, this, &frmQIRAN::ShowSky);
     connect(staStatus, &StatusBarView::SkyRequested, this, &frmQIRAN::ShowSky);
-    connect(staStatus, &StatusBarView::ForwardingRequested, this, &frmQIRAN::ShowForwarding);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::TellWindows);
     connect(m_framLocation, &framLocation::PassInfoRequested, this, &frmQIRAN::ShowPassPredictions);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
@@ -169,6 +191,59 @@ void frmQIRAN::PrepareTracking() {
     ApplyStationPosition();
     m_framLocation->ShowCaption();
     SetDueCaption();
+    if (!Settings::IsOn(m_ground.cIni, Settings::guideShow))
+        return;
+    m_guide = new framGuide;
+    m_guide->hide();
+    auto* layout = static_cast<QVBoxLayout*>(centralWidget()->layout());
+    layout->insertWidget(layout->indexOf(txtMon), m_guide);
+    connect(m_guide, &framGuide::Mend, this, &frmQIRAN::Mend);
+    connect(m_guide, &framGuide::CloseAsked, this, &frmQIRAN::EndGuide);
+    connect(&m_ground, &GroundStation::StatusLine, this, &frmQIRAN::ShowGuide);
+    connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ShowGuide);
+    connect(&m_ground, &GroundStation::ElementsChanged, this, &frmQIRAN::ShowGuide);
+}
+
+// The guide is there while anything is missing, and never again once nothing is.
+void frmQIRAN::ShowGuide() {
+    using StartGuide::State;
+    if (m_guide == nullptr)
+        return;
+    const auto lines = StartGuide::Of(m_ground);
+    const auto is = [](State state) {
+        return [state](const StartGuide::Line& line) { return line.state == state; };
+    };
+    if (std::ranges::all_of(lines, is(State::There))) {
+        EndGuide();
+        return;
+    }
+    m_guide->Show(lines);
+    if (std::ranges::any_of(lines, is(State::Missing)))
+        m_guide->show();
+}
+
+void frmQIRAN::EndGuide() {
+    Settings::Save(m_ground.cIni, Settings::guideShow, clsIni::TrueOrFalse(false));
+    m_guide->hide();
+    m_guide->deleteLater(); // its own button may be about it
+    m_guide = nullptr;
+}
+
+void frmQIRAN::Mend(StartGuide::Step step) {
+    switch (step) {
+    case StartGuide::Step::Formulae:
+        QDesktopServices::openUrl(QUrl::fromLocalFile(m_ground.folder.Path()));
+        break;
+    case StartGuide::Step::Engine:
+        ShowAgwpeSetup();
+        break;
+    case StartGuide::Step::Position:
+        ShowStationInformation();
+        break;
+    case StartGuide::Step::Elements:
+        DownloadKeps();
+        break;
+    }
 }
 
 void frmQIRAN::LoadTerminal() {
@@ -184,6 +259,7 @@ void frmQIRAN::Show() {
     QString showStatus = Settings::Peek(m_ground.cIni, Settings::statusShow);
     staStatus->setVisible(clsIni::IsItTrue(showStatus));
     ShowStatus();
+    ShowGuide();
     show();
 }
 
@@ -232,30 +308,12 @@ std::optional<PassSteps::Place> frmQIRAN::PlaceOfStation() const {
                                    : std::nullopt;
 }
 
-SkyHearing frmQIRAN::HearingOfSky() {
-    const auto between = [this](DateTime from, DateTime to) {
-        std::vector<DateTime> times;
-        for (const qint64 utc : m_heardTimes.Between(UtcTime::FromDateTime(from), UtcTime::FromDateTime(to)))
-            times.push_back(UtcTime::ToDateTime(utc));
-        return times;
-    };
-    const auto direction = [this](DateTime utc) -> std::optional<SkyPoint> {
-        const QString& object = m_ground.satellites.At(0).strObjNum;
-        const auto elements = m_ground.cSats.ElementsOf(object);
-        if (!elements || std::abs(elements->epochUtc - utc) > TrackingDisplay::maxElementDays)
-            return std::nullopt;
-        const auto position = m_ground.cSats.PositionAt(object, utc);
-        return position ? std::optional(SkyPoint{utc, position->dblAz, position->dblEl}) : std::nullopt;
-    };
-    return {.between = between, .directionAt = direction, .messages = &m_messages};
-}
-
 void frmQIRAN::ShowSky() {
     if (!m_sky) {
         const auto place = [this] { return PlaceOfStation(); };
         const auto simulated = [this] { return m_map ? m_map->SimulatedTime() : std::nullopt; };
         m_sky = new frmSky(m_ground.cSats, m_ground.satellites, place, simulated, m_ground.cIni,
-                           m_ground.folder, HearingOfSky());
+                           m_ground.folder, HearingOfSky(m_ground, m_heardTimes, m_messages));
         m_heardTimes.Load();
         connect(&m_heardTimes, &HeardTimes::Loaded, m_sky, &frmSky::HeardHasChanged);
         m_sky->setAttribute(Qt::WA_DeleteOnClose);
@@ -311,6 +369,10 @@ void frmQIRAN::ShowForwarding() {
     frmForward(m_ground.forwarder, m_messages, this).exec();
 }
 
+void frmQIRAN::ShowKissSetup() {
+    frmKissSetup(m_ground.kiss, m_ground.link.Kiss(), m_messages, this).exec();
+}
+
 void frmQIRAN::ShowCallsigns() {
     frmCalls(m_ground.callsigns, m_messages, this).DoCalls();
 }
@@ -320,6 +382,7 @@ void frmQIRAN::DownloadKeps() {
     if (!frmDownload(m_ground.folder, m_ground.cIni, m_messages, inet, this).DownloadKeps())
         return;
     m_ground.LoadElements();
+    ShowGuide();
     TellWindows();
     m_framLocation->ShowCaption();
     m_framLocation->Refresh();
@@ -328,6 +391,13 @@ void frmQIRAN::DownloadKeps() {
 void frmQIRAN::TellOfEvent(const LimitEvent& event) {
     if (Settings::IsOn(m_ground.cIni, Settings::noticeEvents))
         m_notices.Show(Texts::Title(), Texts::Crossed(event));
+}
+
+void frmQIRAN::ImportHistory(QWidget* owner) {
+    frmImport(
+        m_ground.folder.File(QStringLiteral("tlm.txt")), SidesOf(m_ground.callsigns),
+        [this] { return m_ground.history.Settle(); }, m_messages, owner)
+        .exec();
 }
 
 void frmQIRAN::PurgeTelemetryFiles() {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "app/RunningWindow.h"
 #include "core/GroundStation.h"
 #include "core/HeardTimes.h"
 #include "core/Roof.h"
+#include "core/StartGuide.h"
 #include "core/StationStatus.h"
 #include "orbit/skyview/PassSteps.h"
 #include "telemetry/grids/TipCell.h"
@@ -14,6 +16,7 @@
 #include <memory>
 
 class DesktopNotices;
+class framGuide;
 class framLocation;
 class frmMap;
 class frmSky;
@@ -24,7 +27,6 @@ class QLabel;
 class QVBoxLayout;
 class StatusBarView;
 struct MainMenuView;
-struct SkyHearing;
 
 /// The main window: the roof of windows over the station. Loading it starts the program, closing it ends the
 /// program.
@@ -40,6 +42,9 @@ public:
     /// be dismissed when the program is asked to end.
     bool Load();
 
+    /// Lets the user bring logs and recordings into the history, over this window.
+    void ImportHistory(QWidget* owner);
+
     /// Housekeeping of the telemetry files, made ready for a history of decoded values.
     void PurgeTelemetryFiles();
 
@@ -48,6 +53,7 @@ protected:
 
 private:
     QObject* MessageOwner() override { return this; }
+    void FolderIsTaken() override;
     void Announce() override;
     void PlaceWindow() override;
     void PrepareTracking() override;
@@ -57,6 +63,10 @@ private:
     bool SaveWindowPlace() override;
 
     void LayOut();
+    void ShowGuide();
+    void EndGuide();
+    void Mend(StartGuide::Step step);
+    void ComeForward();
     void ConnectMenu(const MainMenuView& menu);
     void ApplyStationPosition();
     void SetDueCaption();
@@ -65,13 +75,17 @@ private:
     void ShowTerminal();
     void ShowMap();
     std::optional<PassSteps::Place> PlaceOfStation() const;
-    SkyHearing HearingOfSky();
     void ShowSky();
     void TellWindows();
     void ShowStationInformation();
     void ShowAgwpeSetup();
     void ShowForwarding();
+    void ShowKissSetup();
     void ShowCallsigns();
+    void AddToCallsigns(const QString& callsign);
+    void PutInTo(const QString& callsign);
+    void OpenLogFolder();
+    void UseAsPosition(double latitude, double longitude);
     void DownloadKeps();
     void TellOfEvent(const LimitEvent& event);
 
@@ -86,7 +100,9 @@ private:
     QPointer<frmMap> m_map;
     QPointer<frmSky> m_sky;
     QTimer m_timer1;
+    RunningWindow m_running;
     bool m_isClosing = false;
+    framGuide* m_guide = nullptr; // none once it has done its work
     MonitorPane* txtMon;
     QLabel* Label2;
     StatusBarView* staStatus;

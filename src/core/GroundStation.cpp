@@ -1,9 +1,11 @@
 #include "core/GroundStation.h"
 
+#include "core/LastStart.h"
 #include "core/Roof.h"
 #include "core/SidsIdentity.h"
 #include "core/Texts.h"
 #include "core/Version.h"
+#include "foundation/messages/HelpTopics.h"
 #include "foundation/messages/mb.h"
 #include "foundation/settings/Settings.h"
 #include "orbit/service/KVRSatLib.h"
@@ -20,6 +22,7 @@
 namespace {
 
 const QString eventsFile = QStringLiteral("events.txt");
+const QString elementsFile = QStringLiteral("elements-history.txt");
 
 } // namespace
 
@@ -61,7 +64,11 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
                [this](const QString& reason) { ShowStatus(Texts::CannotWrite(eventsFile, reason)); })
     , m_recorder([this](const QString& reason) {
         ShowStatus(Texts::CannotWrite(QFileInfo(RecordingPath()).fileName(), reason));
+    })
+    , m_elementsRecorder(folder.File(elementsFile), cSats, satellites, clock, [this](const QString& reason) {
+        ShowStatus(Texts::CannotWrite(elementsFile, reason));
     }) {
+    m_elementsRecorder.setParent(this);
     for (const auto& grid : grids)
         grid->ShowLimits(limits, [&clock] { return clock.Milliseconds(); });
     using Takes = FanOut<HeardFrame>::Takes;
@@ -95,16 +102,14 @@ GroundStation::~GroundStation() {
 GroundStation::Outcome GroundStation::Start() {
     if (!m_lock.TryLock()) {
         std::cerr << Texts::HeldBy(folder.Path(), m_lock.Holder()).toLocal8Bit().constData();
-        m_messages.MessageBox(m_roof.MessageOwner(), Texts::AlreadyRunning(), MessageStyle::Information);
+        m_roof.FolderIsTaken();
+        m_messages.MessageBox(m_roof.MessageOwner(), Texts::AlreadyRunning(), MessageStyle::Information,
+                              Texts::InFolder(folder.Path()));
         return Outcome::AlreadyRunning;
     }
     m_roof.Announce();
     channelMap.BuildChannelMap();
-    const QString formulaFile = folder.File(QStringLiteral("formula.txt"));
-    const FormulaLoad loaded = LoadFormulae(formulaFile, formulae, m_messages, m_roof.MessageOwner());
-    if (loaded == FormulaLoad::Failed && !QFile::exists(formulaFile))
-        std::cerr << Texts::WhereFormulaeBelong(formulaFile).toLocal8Bit().constData();
-    if (loaded != FormulaLoad::Loaded)
+    if (!LoadFormulaFile())
         return Outcome::NoFormulae;
     m_isRunning = true;
     m_messages.SetTitle(Texts::Title());
@@ -126,6 +131,25 @@ GroundStation::Outcome GroundStation::Start() {
     return Outcome::Started;
 }
 
+// A misspelt name ends the program without a message of its own; why waits for the next start to tell.
+bool GroundStation::LoadFormulaFile() {
+    const QString formulaFile = folder.File(QStringLiteral("formula.txt"));
+    QString halt;
+    const FormulaLoad loaded = LoadFormulae(formulaFile, formulae, m_messages, m_roof.MessageOwner(), &halt);
+    const QString before = LastStart::Reason(folder);
+    if (loaded == FormulaLoad::Halt) {
+        if (!before.isEmpty())
+            m_messages.MessageBox(m_roof.MessageOwner(), Texts::LastStartEnded(before),
+                                  MessageStyle::Critical, QStringLiteral("QiranDecode"),
+                                  HelpTopics::formulas);
+        LastStart::Keep(folder, halt);
+    } else if (!before.isEmpty())
+        LastStart::Forget(folder);
+    if (loaded == FormulaLoad::Failed && !QFile::exists(formulaFile))
+        std::cerr << Texts::WhereFormulaeBelong(formulaFile).toLocal8Bit().constData();
+    return loaded == FormulaLoad::Loaded;
+}
+
 void GroundStation::ShowNotices() {
     if (!station.PositionKnown())
         m_messages.MessageBox(m_roof.MessageOwner(), Texts::PositionUnknown(), MessageStyle::Information);
@@ -141,6 +165,7 @@ void GroundStation::Stop() {
     StopRecording();
     forwarder.Stop();
     m_elementsWatch.Stop();
+    m_elementsRecorder.Stop();
     m_roof.ReleaseWindows();
     terminal.Close();
     if (m_roof.SaveWindowPlace())
@@ -153,6 +178,7 @@ void GroundStation::LoadElements() {
     satellites.FindInKeps(folder.KepsFolder());
     for (const QString& line : satellites.UntrackedMessages(cSats))
         ShowStatus(line);
+    m_elementsRecorder.Note();
 }
 
 void GroundStation::ShowStatus(const QString& text) {
@@ -212,7 +238,9 @@ void GroundStation::RemoveOldKeys() {
 
 void GroundStation::LoadLimits() {
     QString keep = Settings::Peek(cIni, Settings::historyKeep);
-    history.SetKept(clsIni::IsItTrue(keep));
+    const bool isKept = clsIni::IsItTrue(keep);
+    history.SetKept(isKept);
+    m_elementsRecorder.SetKept(isKept);
     const QString name = QStringLiteral("channels.txt");
     const ChannelsFile file = ChannelsFile::Read(folder.File(name));
     for (const ChannelsFile::Fault& fault : file.Faults())

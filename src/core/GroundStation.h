@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/ChosenLink.h"
+#include "core/ElementsRecorder.h"
 #include "core/ElementsWatch.h"
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
@@ -125,6 +126,7 @@ Q_SIGNALS:
     void ElementsChanged();
 
 private:
+    bool LoadFormulaFile();
     void LoadOptions();
     void RemoveOldKeys();
     void LoadLimits();
@@ -141,5 +143,6 @@ private:
     FrameRecorder m_recorder;
     std::set<RawTaker> m_rawTakers;
     ElementsWatch m_elementsWatch;
+    ElementsRecorder m_elementsRecorder;
     bool m_isRunning = false;
 };

@@ -14,6 +14,9 @@ public:
     /// The window over which messages appear, or none.
     virtual QObject* MessageOwner() { return nullptr; }
 
+    /// Another program holds the folder, of which the user is about to be told.
+    virtual void FolderIsTaken() {}
+
     /// The folder is ours: time for captions and help.
     virtual void Announce() {}
 

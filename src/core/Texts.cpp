@@ -78,6 +78,17 @@ QString AlreadyRunning() {
     return QStringLiteral("QiranDecode is already running. ");
 }
 
+QString InFolder(const QString& folder) {
+    return QStringLiteral("QiranDecode in %1").arg(folder);
+}
+
+QString LastStartEnded(const QString& reason) {
+    return QStringLiteral(
+               "The program ended at its last start because of %1. Mend the line, and start it again. "
+               "'qirandecode-cli decode --check' names every line that is wrong.")
+        .arg(reason);
+}
+
 QString HeldBy(const QString& folder, const QString& holder) {
     return QStringLiteral("QiranDecode: the folder %1 is held by %2\n").arg(folder, holder);
 }

@@ -47,6 +47,12 @@ QString WhereFormulaeBelong(const QString& path);
 /// The notice of a second start in the same folder.
 QString AlreadyRunning();
 
+/// The caption of that notice, which names the folder.
+QString InFolder(const QString& folder);
+
+/// Why the last start ended at once, and how to find every such line.
+QString LastStartEnded(const QString& reason);
+
 /// For standard error: who keeps the program folder for itself.
 QString HeldBy(const QString& folder, const QString& holder);
 

@@ -1,7 +1,8 @@
 #include "keps/ConvertKepsFile.h"
 
-#include "foundation/system/SyncToDisk.h"
+#include "foundation/system/FileSync.h"
 #include "keps/KepsText.h"
+#include "orbit/elements/ElementFile.h"
 
 #include <QDir>
 #include <QFile>
@@ -32,6 +33,28 @@ QString WriteWorkFile(QFile& source, const QString& path, KepsText& text) {
             return work.errorString();
     }
     return SyncToDisk(work); // before it takes another file's place, where a power cut must not find it empty
+}
+
+// Why a file of elements does not count as one; empty when it does. What has none of the known forms is the
+// user's own business.
+QString WhyRefused(const QString& path) {
+    using namespace orbitmath;
+    std::size_t sets = 0;
+    QString fault;
+    const ElementFileKind kind =
+        ReadElementFile(QFile::encodeName(path).toStdString(), [&](const ElementRecord& record) {
+            if (std::holds_alternative<Elements>(record.content))
+                ++sets;
+            else if (fault.isEmpty())
+                fault =
+                    QString::fromStdString(": " + FaultText(record, std::get<ElementFault>(record.content)));
+            return true;
+        });
+    if (kind.isCut)
+        return QStringLiteral("The file is cut: it ends within a set of elements");
+    if (kind.format != ElementFormat::TwoLines && sets == 0)
+        return QStringLiteral("The file holds no elements") + fault;
+    return {};
 }
 
 // Moves a finished file to where another may be, which is replaced in one step; the reason when that fails.
@@ -89,6 +112,11 @@ KepsConversion ConvertKepsFile(const ProgramFolder& folder, const QString& sourc
     const QString htmlCopy = KepsFiles::HtmlCopy(folder, index);
     KepsText text;
     QString reason = WriteWorkFile(file, work, text);
+    if (const QString refusal = reason.isEmpty() && !text.IsHtml() ? WhyRefused(work) : QString();
+        !refusal.isEmpty()) {
+        QFile::remove(work);
+        return {false, refusal};
+    }
     if (reason.isEmpty())
         reason = text.IsHtml() ? PutAside(work, htmlCopy) : Install(work, KepsFiles::Result(folder, name));
     QFile::remove(work); // where it could not be moved

@@ -24,6 +24,7 @@ void RemoveWork(const ProgramFolder& folder);
 /// Stores the fetched file `source` as `name`, a plain file name, in the Keps folder, which is made where it
 /// is missing. All line ends become CR LF; an older file is replaced whole or left as it is. A page in HTML
 /// becomes "File1.HTML" or "File2.HTML" (by `index`, 0 or 1) in the program's folder instead. A source
-/// shorter than 80 bytes is no element file: nothing happens.
+/// shorter than 80 bytes is no element file: nothing happens. Nor does an older file give way to one that
+/// ends within a set of elements, or that is JSON, XML or CSV and holds none.
 KepsConversion ConvertKepsFile(const ProgramFolder& folder, const QString& source, const QString& name,
                                qint16 index);

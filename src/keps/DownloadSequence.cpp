@@ -121,8 +121,11 @@ void DownloadSequence::ShowProgress(qint64 received, qint64 total) {
 void DownloadSequence::ShowError() {
     QString& error = m_errors[static_cast<std::size_t>(m_index)];
     error = QString::number(m_inet.ResponseCode()) + u' ' + m_inet.ResponseInfo();
+    const QString words = m_inet.RefusalText();
     Cancel();
     Q_EMIT Status(QStringLiteral("Error - ") + error);
+    if (!words.isEmpty())
+        Q_EMIT Status(words);
 }
 
 void DownloadSequence::StoreResponse() {

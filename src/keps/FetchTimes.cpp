@@ -2,8 +2,8 @@
 
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/ReplaceFile.h"
+#include "foundation/text/IsoTime.h"
 
-#include <QDateTime>
 #include <QFile>
 
 #include <algorithm>
@@ -31,8 +31,7 @@ QString FetchTimes::Note(const QString& url, qint64 utc) const {
     times.append({utc, url.simplified()});
     QByteArray text;
     for (const auto& [time, address] : times.last(std::min(times.size(), mostRemembered)))
-        text += QDateTime::fromMSecsSinceEpoch(time, Qt::UTC).toString(Qt::ISODate).toLatin1() + ' ' +
-                address.toUtf8() + '\n';
+        text += IsoTime::Seconds(time) + ' ' + address.toUtf8() + '\n';
     return ReplaceFile(m_path, text);
 }
 
@@ -44,10 +43,11 @@ QList<std::pair<qint64, QString>> FetchTimes::Read() const {
         return times;
     for (const QByteArray& line : file.read(largestFile).split('\n')) {
         const qsizetype blank = line.indexOf(' ');
-        const QDateTime time = QDateTime::fromString(QString::fromLatin1(line.left(blank)), Qt::ISODate);
+        const std::optional<qint64> time =
+            blank > 0 ? IsoTime::Read({line.constData(), static_cast<std::size_t>(blank)}) : std::nullopt;
         const QString url = QString::fromUtf8(line.mid(blank + 1)).simplified();
-        if (blank > 0 && time.isValid() && !url.isEmpty())
-            times.append({time.toMSecsSinceEpoch(), url});
+        if (time && !url.isEmpty())
+            times.append({*time, url});
     }
     return times;
 }

@@ -1,10 +1,10 @@
 #include "keps/KepsFetch.h"
 
 #include "foundation/text/Clock.h"
+#include "foundation/text/IsoTime.h"
 #include "keps/InternetTransfer.h"
 #include "keps/StoreResponse.h"
 
-#include <QDateTime>
 #include <QFile>
 
 #include <algorithm>
@@ -18,8 +18,8 @@ constexpr qint64 pauseAfterSuccess =
 constexpr int forbidden = 403;
 constexpr int firstRefusal = 400;
 
-QString IsoTime(qint64 utc) {
-    return QDateTime::fromMSecsSinceEpoch(utc, Qt::UTC).toString(Qt::ISODate);
+QString TimeText(qint64 utc) {
+    return QString::fromLatin1(IsoTime::Seconds(utc));
 }
 
 } // namespace
@@ -89,7 +89,7 @@ bool KepsFetch::AskOrSettle() {
     const qint64 age = m_clock.Milliseconds() - last.value_or(0); // below 0: one of the times is wrong
     if (!m_isForced && last && age >= 0 && age < pauseAfterSuccess) {
         Settle(Outcome::NotYet, QStringLiteral("fetched at %1, not asked again before %2")
-                                    .arg(IsoTime(*last), IsoTime(*last + pauseAfterSuccess)));
+                                    .arg(TimeText(*last), TimeText(*last + pauseAfterSuccess)));
         return false;
     }
     m_isAsking = true;

@@ -2,7 +2,7 @@
 
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/system/FolderLock.h"
-#include "foundation/system/SyncToDisk.h"
+#include "foundation/system/FileSync.h"
 #include "sharing/ForwardQueue.h"
 
 #include <QCoreApplication>

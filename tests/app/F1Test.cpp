@@ -1,5 +1,4 @@
 #include "app/MainWindowRig.h"
-#include "app/StatusBarView.h"
 #include "foundation/messages/HelpKey.h"
 #include "foundation/messages/HelpTopics.h"
 #include "foundation/messages/HelpWindow.h"
@@ -101,7 +100,7 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
     };
     using namespace Qt::StringLiterals;
     row("", "frmQIRAN",
-        {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"labEvent"_s, u"cmdChangeSat"_s,
+        {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"labEvent"_s, u"labLink"_s, u"cmdChangeSat"_s,
          u"cmdPassInfo"_s});
     row("mnuTerminal", "frmTerm",
         {u"txtTo"_s, u"txtVia"_s, u"txtPort"_s, u"cmdAprs"_s, u"cmdLoc"_s, u"rtbMon"_s, u"txtTx"_s});
@@ -110,13 +109,17 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
     row("mnuLocation", "frmLocation", {u"txtCallsign"_s, u"txtLat"_s, u"txtLong"_s, u"txtComment"_s});
     row("mnuAGWPESetup", "frmAgwpeSetup",
         {u"txtHostAddr"_s, u"txtPort"_s, u"txtLoginId"_s, u"txtPassword"_s});
+    row("mnuLinkKissSetup", "frmKissSetup", {u"txtHostAddr"_s, u"txtPort"_s});
+    row("mnuLinkRecord", "frmRecord", {});
     row("mnuCallsigns", "frmCalls",
         {u"txtCall"_s, u"optA"_s, u"optB"_s, u"cmdAdd"_s, u"lstCalls"_s, u"cmdDefaults"_s});
     row("mnuDownloadKeps", "frmDownload", {u"txtFile0"_s, u"txtFile1"_s, u"txtTerm"_s, u"cmdDownload"_s});
-    row("staStatus", "frmForward",
+    row("mnuLinkForwarding", "frmForward",
         {u"chkUse"_s, u"chkDryRun"_s, u"txtUrl"_s, u"txtToken"_s, u"txtExample"_s, u"lstParked"_s,
          u"cmdRetry"_s, u"cmdDiscard"_s});
     row("mnuAbout", "frmAbout", {});
+    row("import", "frmImport",
+        {u"lstFiles"_s, u"cmdAdd"_s, u"cboZone"_s, u"txtTime"_s, u"txtCount"_s, u"cmdClose"_s});
 }
 
 void F1Test::inEveryWindowAndFieldItOpensTheTopic() {
@@ -137,10 +140,10 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic() {
             expect(shown->findChild<QWidget*>(field), {window + u'.' + field, field});
     };
     const auto open = [&] {
-        if (auto* button = m_rig->window->findChild<QPushButton*>(opener))
+        if (opener == u"import")
+            m_rig->window->ImportHistory(m_rig->window.get());
+        else if (auto* button = m_rig->window->findChild<QPushButton*>(opener))
             button->click();
-        else if (opener == u"staStatus")
-            Q_EMIT m_rig->Find<StatusBarView>("staStatus")->ForwardingRequested();
         else
             m_rig->window->findChild<QAction*>(opener)->trigger();
     };

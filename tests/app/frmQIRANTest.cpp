@@ -278,7 +278,7 @@ void frmQIRANTest::withoutFormulaeTheProgramEnds() {
     QCOMPARE(rig.presenter.messages.size(), 1);
     QVERIFY(rig.presenter.messages[0].text.startsWith(
         u"An error occurred loading the formulae. The error message is '"_s));
-    QCOMPARE(rig.presenter.messages[0].style, MessageStyle::Critical);
+    QCOMPARE(rig.presenter.messages[0].style, MessageStyle::Critical | MessageStyle::HelpButton);
 }
 
 void frmQIRANTest::aMisspeltGridEndsTheProgramWithoutAMessage() {

@@ -111,6 +111,18 @@ class History(StationTest):
         self.call("import", code=2)
         self.call("import", self.scratch / "missing", code=1)
 
+    def test_a_plain_recording_comes_in_at_the_time_that_is_named(self):
+        address = lambda callsign, ssid, last: bytes(ord(letter) << 1 for letter in callsign.ljust(6)) + bytes(
+            [0x60 | ssid << 1 | last])
+        recording = self.scratch / "pass.kss"
+        recording.write_bytes(b"\xc0\x00" + address("APRS", 0, 0) + address("QIRAN", 3, 1) + b"\x03\xf0"
+                              + calibration.line(1, 3, RAW).encode() + b"\xc0")
+        self.assertIn("frames that come in: 0", self.call("import", recording))
+        self.call("import", "--time", "2026-11-21T15:00Z", recording)
+        found = records(self.call("history", "--format", "json"))
+        self.assertEqual([one["utc"] for one in found], ["2026-11-21T15:00:00.000Z"] * 4)
+        self.call("import", "--time", "yesterday", recording, code=2)
+
     def test_no_import_while_a_station_runs(self):
         process = self.listen("--format", "json")
         self.connected(process)

@@ -47,7 +47,7 @@ void StationStatusTest::theLinkIsConnectedOrWaits() {
     QCOMPARE(status.Now().link, u"Connecting to 127.0.0.1"_s);
     QTRY_COMPARE(status.Now().link, u"Connected to 127.0.0.1"_s);
     rig.engine.DropConnections();
-    rig.station->link.SetRetryInterval(12000);
+    rig.station->link.Agw().SetRetryInterval(12000);
     QTRY_COMPARE(status.Now().link, u"Retrying in 15 s"_s); // in steps of five seconds
 }
 

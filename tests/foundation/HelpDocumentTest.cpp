@@ -121,6 +121,7 @@ private Q_SLOTS:
               "An error occurred loading the formulae. The error message is '",
               ("Pass predictions will not be not available until you input your latitude and longitude in "
                "'Station Information'."),
+              "The program ended at its last start because of ",
               "No Keps found for QIRAN and ISS.",
               "*** AGW-Connected to - ",
               "*** AGWPE V",

@@ -1,5 +1,6 @@
 #include "orbit/history/ElementsHistory.h"
 
+#include "orbit/geometry/SinCos.h"
 #include "support/SmallDisk.h"
 #include "support/TemporaryProgramFolder.h"
 
@@ -17,6 +18,7 @@ private Q_SLOTS:
     void theNearestSetIsFound();
     void whatWasKeptIsReadAtTheNextStart();
     void foreignAndTornLinesArePassedOver();
+    void thePastIsComputedWithTheNearestSet();
     void whatIsNoSetIsNotKept();
     void aFullDiskIsSaidOnceAndLosesNothing();
 
@@ -122,6 +124,30 @@ void ElementsHistoryTest::foreignAndTornLinesArePassedOver() {
     const auto again = Make();
     QCOMPARE(again->Nearest(1, day)->elements, "1 a\n2 b");
     QCOMPARE(again->Nearest(1, 2 * day)->elements, "1 c\n2 d");
+}
+
+void ElementsHistoryTest::thePastIsComputedWithTheNearestSet() {
+    const auto history = Make();
+    const QByteArray lines =
+        "ISS (ZARYA)\n1 25544U 98067A   26325.50000000  .00016717  00000-0  10270-3 0  9000\n"
+        "2 25544  51.6400 208.9163 0006317  69.9862  25.2906 15.49560532 14777\n";
+    const QByteArray message =
+        "NORAD_CAT_ID,EPOCH,MEAN_MOTION,ECCENTRICITY,INCLINATION,RA_OF_ASC_NODE,ARG_OF_PERICENTER,"
+        "MEAN_ANOMALY,BSTAR\n25544,2026-12-01T00:00:00.5,15.5,0,51.64,1,2,3,0\n";
+    const qint64 epoch = 1795262400000; // 2026-11-21 12:00
+    history->Keep(Set(25544, epoch, lines));
+    history->Keep(Set(25544, epoch + 10 * day, message));
+    history->Keep(Set(90417, epoch, lines)); // another's, by mistake
+    history->Keep(Set(5, epoch, "1 x\n2 y"));
+    const auto again = Make();
+    QCOMPARE(again->ElementsAt(25544, epoch + 4 * day)->epochUtc, 46347.5);
+    QCOMPARE(again->ElementsAt(25544, epoch + 6 * day)->meanMotion * 1440 / orbitmath::twoPi, 15.5);
+    QVERIFY(!again->ElementsAt(25544, epoch - 15 * day));
+    QVERIFY(!again->ElementsAt(90417, epoch));
+    QVERIFY(!again->ElementsAt(5, epoch));
+    QVERIFY(again->Holds(25544, epoch));
+    QVERIFY(!again->Holds(25544, epoch + 1));
+    QVERIFY(!again->Holds(25543, epoch));
 }
 
 void ElementsHistoryTest::whatIsNoSetIsNotKept() {

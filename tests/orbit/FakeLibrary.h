@@ -68,6 +68,7 @@ public:
     std::optional<ElementSource> ElementsOf(const std::string&) const override { return source; }
     SatPasses PassesOf(const PassQuery&) const override { return {}; }
     std::string WhyNoPosition(const std::string&, double) const override { return whyNoPosition; }
+    std::string ElementTextOf(const std::string& /*object*/) const override { return {}; }
     bool ForEachElementSet(const TakeSource& take) const override {
         if (source)
             take(*source);

@@ -75,6 +75,9 @@ private Q_SLOTS:
     void anewSearchForgetsWhatWasFound();
     void missingElementsAreNamed();
     void aByteOrderMarkIsNoPartOfTheName();
+    void messagesAreFoundAsGroupsOfThreeLines_data();
+    void messagesAreFoundAsGroupsOfThreeLines();
+    void theFirstOfSeveralFormatsNamesIt();
     void alpha5NumbersAreFound_data();
     void alpha5NumbersAreFound();
     void whatIsFoundIsTrackedOrItIsSaidWhy_data();
@@ -238,6 +241,49 @@ void TrackedSatellitesTest::missingElementsAreNamed() {
 void TrackedSatellitesTest::aByteOrderMarkIsNoPartOfTheName() {
     Fixture f;
     QCOMPARE(f.NameOf(1, "\xEF\xBB\xBF" + Iss("ZARYA")), QStringLiteral("ISS (ZARYA)"));
+}
+
+void TrackedSatellitesTest::messagesAreFoundAsGroupsOfThreeLines_data() {
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("name");
+    const QByteArray csv = "OBJECT_NAME,NORAD_CAT_ID,EPOCH\r\n";
+    QTest::newRow("CSV") << csv + "OTHER,1,x\r\nSAPPHIRE,90417,x\r\n" << QStringLiteral("SAPPHIRE");
+    QTest::newRow("CSV without a name") << csv + ",90417,x\r\n" << QString();
+    QTest::newRow("CSV, another number") << csv + "SAPPHIRE,904170,x\r\n" << QString();
+    QTest::newRow("JSON") << QByteArray(R"([{"OBJECT_NAME":" T\u00e4hti ","NORAD_CAT_ID":90417}])")
+                          << QStringLiteral("T\u00e4hti");
+    QTest::newRow("JSON, numbers as texts")
+        << QByteArray(R"({"OBJECT_NAME":"A","NORAD_CAT_ID":"90417"})") << QStringLiteral("A");
+    QTest::newRow("XML") << QByteArray("<ndm><omm><a><OBJECT_NAME>B</OBJECT_NAME></a>"
+                                       "<b><NORAD_CAT_ID>90417</NORAD_CAT_ID></b></omm></ndm>")
+                         << QStringLiteral("B");
+}
+
+void TrackedSatellitesTest::messagesAreFoundAsGroupsOfThreeLines() {
+    QFETCH(const QByteArray, file);
+    QFETCH(const QString, name);
+    Fixture fixture;
+    fixture.folder.Write(QStringLiteral("Keps/a.dat"), file);
+    fixture.Find();
+    QCOMPARE(fixture.satellites.At(0).blnFound, !name.isEmpty());
+    QCOMPARE(fixture.satellites.At(0).strName, name);
+}
+
+void TrackedSatellitesTest::theFirstOfSeveralFormatsNamesIt() {
+    Fixture fixture;
+    fixture.ini.SaveIniString(QStringLiteral("SETUP"), QStringLiteral("QIRAN_OBJ_NUM"),
+                              QStringLiteral("123456789"));
+    fixture.satellites.LoadSettings(fixture.ini);
+    fixture.folder.Write(
+        QStringLiteral("Keps/a.xml"),
+        "<ndm><omm><OBJECT_NAME>FIRST</OBJECT_NAME><NORAD_CAT_ID>123456789</NORAD_CAT_ID></omm>"
+        "<omm><OBJECT_NAME>SECOND</OBJECT_NAME><NORAD_CAT_ID>123456789</NORAD_CAT_ID></omm></ndm>" +
+            Iss());
+    fixture.folder.Write(QStringLiteral("Keps/iss.json"), R"({"OBJECT_NAME":"ISS","NORAD_CAT_ID":25544})");
+    fixture.Find();
+    QCOMPARE(fixture.satellites.At(0).strName, QStringLiteral("FIRST"));
+    QCOMPARE(fixture.satellites.At(1).strName, QStringLiteral("ISS"));
+    QVERIFY(fixture.satellites.At(0).strFault.startsWith(QStringLiteral("a.xml, line 1, record 1, EPOCH: ")));
 }
 
 void TrackedSatellitesTest::alpha5NumbersAreFound_data() {

@@ -1,3 +1,4 @@
+#include "foundation/messages/HelpTopics.h"
 #include "foundation/messages/mb.h"
 #include "support/RecordingPresenter.h"
 #include "support/TemporaryProgramFolder.h"
@@ -323,10 +324,13 @@ void FormulaTest::missingFileIsToldAndFails() {
     const Loaded loaded = LoadPath(folder.File(QStringLiteral("formula.txt")));
     QCOMPARE(loaded.outcome, FormulaLoad::Failed);
     QCOMPARE(loaded.messages.size(), 1);
-    QCOMPARE(loaded.messages[0].style, MessageStyle::Critical);
+    QCOMPARE(loaded.messages[0].style, MessageStyle::Critical | MessageStyle::HelpButton);
+    QCOMPARE(loaded.messages[0].contextId, HelpTopics::formulas);
     QCOMPARE(loaded.messages[0].text,
              QStringLiteral("An error occurred loading the formulae. The error message is "
-                            "'No such file or directory'"));
+                            "'%1: No such file or directory. Put the satellite's calibration formulae into "
+                            "this file, and start the program again.'")
+                 .arg(folder.File(QStringLiteral("formula.txt"))));
     QVERIFY(loaded.standardError.isEmpty());
 }
 

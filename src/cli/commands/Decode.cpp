@@ -7,6 +7,7 @@
 #include "telemetry/calibration/FormulaFile.h"
 #include "telemetry/calibration/TelemetryDecoder.h"
 #include "telemetry/limits/ChannelsFile.h"
+#include "telemetry/replay/FrameRecording.h"
 #include "telemetry/replay/FrameText.h"
 
 #include <QFile>
@@ -30,10 +31,36 @@ const QString formulaFile = QStringLiteral("formula.txt");
 const QString channelsFile = QStringLiteral("channels.txt");
 const QString standardInput = QStringLiteral("-");
 
-/// Decodes lines and prints their readings.
-class LineDecoder {
+/// The frames of a stream, whose first bytes tell whether it is a recording or text.
+class FrameStream {
 public:
-    explicit LineDecoder(const Session& session)
+    explicit FrameStream(const std::function<void(const HeardFrame&)>& take)
+        : m_text([take](const FrameText::Told& told) { take(told.frame); })
+        , m_recording([take](const HeardFrame& frame, std::optional<qint64>) { take(frame); }) {}
+
+    void Add(QByteArrayView bytes) {
+        if (!m_isRecording)
+            m_isRecording = FrameRecording::Begins(bytes);
+        if (*m_isRecording)
+            m_recording.Add(bytes);
+        else
+            m_text.Add(bytes);
+    }
+
+    void End() { m_text.End(); }
+
+    qint64 NotUnderstood() const { return m_text.NotUnderstood() + m_recording.Refused(); }
+
+private:
+    std::optional<bool> m_isRecording; // none before the first bytes
+    FrameText m_text;
+    FrameRecording m_recording;
+};
+
+/// Decodes frames and prints their readings.
+class FrameDecoder {
+public:
+    explicit FrameDecoder(const Session& session)
         : m_session(session)
         , m_ini(session.folder.IniFile())
         , m_callsigns(m_ini)
@@ -71,9 +98,9 @@ public:
                                                   : !isFolder && file.open(QIODevice::ReadOnly);
         QString reason = isFolder ? QStringLiteral("it is a folder") : file.errorString();
         if (isOpen) {
-            FrameText text([this](const FrameText::Told& told) { m_decoder.Take(told.frame); });
-            reason = DecodeAll(file.handle(), text);
-            m_notUnderstood += text.NotUnderstood();
+            FrameStream stream([this](const HeardFrame& frame) { m_decoder.Take(frame); });
+            reason = DecodeAll(file.handle(), stream);
+            m_notUnderstood += stream.NotUnderstood();
         }
         if (!reason.isEmpty())
             m_session.console.Say(QStringLiteral("%1 cannot be read: %2").arg(name, reason));
@@ -88,7 +115,7 @@ public:
 private:
     // What is printed is shown before more is waited for; QFile would wait for a whole piece. Answers why the
     // rest cannot be read, or an empty text.
-    QString DecodeAll(int descriptor, FrameText& text) {
+    QString DecodeAll(int descriptor, FrameStream& stream) {
         std::array<char, pieceSize> piece{};
         for (;;) {
             pollfd input{.fd = descriptor, .events = POLLIN, .revents = 0};
@@ -98,10 +125,10 @@ private:
             }
             const ssize_t length = read(descriptor, piece.data(), piece.size());
             if (length > 0)
-                text.Add(QByteArrayView(piece.data(), length));
+                stream.Add(QByteArrayView(piece.data(), length));
             else if (length == 0 || errno != EINTR) {
                 const QString reason = length == 0 ? QString() : QString::fromLocal8Bit(std::strerror(errno));
-                text.End();
+                stream.End();
                 return reason;
             }
         }
@@ -144,7 +171,7 @@ int Decode(const Session& session) {
                    ? Check(session)
                    : Answers::Wrong(session, QStringLiteral("--check takes no files; it looks at those in "
                                                             "the program folder"));
-    LineDecoder decoder(session);
+    FrameDecoder decoder(session);
     if (!decoder.LoadFormulaeFile())
         return ExitCode::Failed;
     decoder.Head();

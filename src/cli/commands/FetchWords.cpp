@@ -10,7 +10,7 @@ QString FetchWords(const KepsFetchResult& result) {
         words = QStringLiteral("fetched into %1").arg(result.fileName);
         break;
     case Outcome::CurrentAlready:
-        words = QStringLiteral("%1 is the newest already").arg(result.fileName);
+        words = QStringLiteral("%1 is current already").arg(result.fileName);
         break;
     case Outcome::Refused:
         words = QStringLiteral("refused");

@@ -5,7 +5,7 @@
 #include "sharing/ForwardCatchUp.h"
 #include "sharing/ForwardRequest.h"
 #include "telemetry/callsigns/CallsignList.h"
-#include "telemetry/replay/KissReplay.h"
+#include "telemetry/replay/FrameRecording.h"
 
 #include <QFile>
 
@@ -18,14 +18,14 @@ namespace {
 constexpr qint64 pieceSize = 65536;
 
 // Answers an empty text, or why the file cannot be read.
-QString ReadRecording(const QString& path, KissReplay& replay) {
+QString ReadRecording(const QString& path, FrameRecording& recording) {
     QFile file(path);
     if (const QString reason = OpenRegularFile(file); !reason.isEmpty())
         return reason;
-    if (!KissReplay::IsRecording(file.peek(1)))
+    if (!FrameRecording::Begins(file.peek(1)))
         return QStringLiteral("it is no KISS recording");
     for (QByteArray piece; !(piece = file.read(pieceSize)).isEmpty();)
-        replay.Add(piece);
+        recording.Add(piece);
     return file.error() == QFileDevice::NoError ? QString() : file.errorString();
 }
 
@@ -41,10 +41,11 @@ int ForwardQueue(const Session& session) {
     ForwardCatchUp catchUp(callsigns, setup.station, setup.settings.keepAtMost);
     qint64 refused = 0;
     for (const QString& path : session.call.Arguments()) {
-        KissReplay replay([&catchUp](const HeardFrame& frame) { catchUp.Take(frame); });
-        if (const QString reason = ReadRecording(path, replay); !reason.isEmpty())
+        FrameRecording recording(
+            [&catchUp](const HeardFrame& frame, std::optional<qint64>) { catchUp.Take(frame); });
+        if (const QString reason = ReadRecording(path, recording); !reason.isEmpty())
             return Answers::Fail(session, QStringLiteral("%1 cannot be read: %2").arg(path, reason));
-        refused += replay.Refused();
+        refused += recording.Refused();
     }
     const auto say = [&](const QString& what, qint64 number) {
         if (number > 0)

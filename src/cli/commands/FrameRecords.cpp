@@ -2,6 +2,8 @@
 
 #include "foundation/text/Text.h"
 #include "telemetry/calibration/GridLayout.h"
+#include "telemetry/frames/Ax25Frame.h"
+#include "telemetry/frames/ByteViews.h"
 #include "telemetry/frames/Reading.h"
 #include "telemetry/limits/LimitJudge.h"
 
@@ -17,6 +19,18 @@ FieldValue TextOf(QByteArrayView bytes) {
 
 FieldValue PathOf(QByteArrayView path) {
     return path.isEmpty() ? FieldValue() : FieldValue(Text::FromBytes(path).split(u','));
+}
+
+// All of the information, where anybody tells it.
+FieldValue HexOf(const HeardFrame& frame) {
+    QByteArrayView complete = frame.information;
+    if (!frame.isComplete) {
+        const std::optional<Ax25Frame> raw = Ax25Frame::FromBytes(ToView(frame.raw));
+        if (!raw)
+            return {};
+        complete = {raw->information.data(), static_cast<qsizetype>(raw->information.size())};
+    }
+    return QString::fromLatin1(complete.toByteArray().toHex().toUpper());
 }
 
 QString UnitOf(const Reading& reading, const LimitTable& channels) {
@@ -40,9 +54,7 @@ Record RecordOf(const HeardFrame& frame) {
             PathOf(frame.path),
             frame.pid ? FieldValue(qint64{*frame.pid}) : FieldValue(),
             hasInformation ? FieldValue(Text::FromBytes(frame.information)) : FieldValue(),
-            frame.isComplete
-                ? FieldValue(QString::fromLatin1(frame.information.toByteArray().toHex().toUpper()))
-                : FieldValue()};
+            HexOf(frame)};
 }
 
 Record RecordOf(const Reading& reading, const LimitTable& channels) {

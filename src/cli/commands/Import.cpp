@@ -3,10 +3,9 @@
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
 #include "foundation/system/FolderLock.h"
-#include "foundation/text/IsoTime.h"
-#include "foundation/text/Text.h"
 #include "telemetry/callsigns/CallsignList.h"
 #include "telemetry/imports/HistoryImport.h"
+#include "telemetry/imports/ImportTexts.h"
 
 namespace Commands {
 
@@ -15,19 +14,8 @@ int Import(const Session& session);
 namespace {
 
 void PrintCount(const Session& session, const ImportCount& count) {
-    const auto print = [&](const QString& what, qint64 number) {
-        session.console.Print(QStringLiteral("%1: %2\n").arg(what).arg(number));
-    };
-    print(QStringLiteral("frames that come in"), count.frames);
-    if (count.span)
-        session.console.Print(QStringLiteral("  from %1 to %2\n")
-                                  .arg(QLatin1StringView(IsoTime::Milliseconds(count.span->first)),
-                                       QLatin1StringView(IsoTime::Milliseconds(count.span->second))));
-    print(QStringLiteral("frames that are known already"), count.known);
-    print(QStringLiteral("frames of others"), count.others);
-    print(QStringLiteral("lines and frames that were not understood"), count.notUnderstood);
-    for (const QByteArray& example : count.examples)
-        session.console.Print(QStringLiteral("  %1\n").arg(RecordText::Shown(Text::FromBytes(example))));
+    for (const QString& line : ImportLines(count))
+        session.console.Print(RecordText::Shown(line) + u'\n');
 }
 
 int Undo(const Session& session, const QString& path) {
@@ -60,7 +48,7 @@ int Import(const Session& session) {
     callsigns.PeekCallsigns();
     HistoryImport import(path, SidesOf(callsigns));
     using Result = HistoryImport::Result;
-    if (import.Count(files, {.zone = *zone, .utc = std::nullopt}) != Result::Done)
+    if (import.Count(files, {.zone = *zone, .utc = session.call.Get<qint64>(Options::recordingTime)}) != Result::Done)
         return Answers::Fail(session, import.Reason());
     PrintCount(session, import.Counted());
     if (session.call.Has(Options::dryRun) || import.Counted().frames == 0)

@@ -87,8 +87,13 @@ int Listen(const Session& session) {
     if (!session.call.Has(Options::quiet))
         printer.emplace(session, station);
     QObject::connect(&requests, &EndRequests::Requested, qApp, &QCoreApplication::quit);
+    if (const auto tnc = session.call.Get<HostAndPort>(Options::kiss))
+        station.kiss.UseForThisRun({.host = tnc->host, .port = static_cast<quint16>(tnc->port)});
     if (station.Start() != GroundStation::Outcome::Started)
         return ExitCode::Failed;
+    if (const auto recording = session.call.Get<QString>(Options::record);
+        recording && !station.StartRecording(*recording))
+        return Answers::Fail(session, QStringLiteral("%1 is no recording").arg(*recording));
     std::optional<ElementKeeper> keeper;
     if (const std::optional<int> days = session.call.Get<int>(Options::fetchKeps))
         keeper.emplace(session, station, *days);

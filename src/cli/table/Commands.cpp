@@ -31,17 +31,18 @@ std::span<const Command> All() {
         {.name = u"listen",
          .summary = u"The station without a window, until it is asked to end.",
          .description =
-             u"Connects to the packet engine, and again after a loss; prints frames, the satellite's "
+             u"Connects to the packet engine or KISS TNC, and again after a loss; prints frames, the "
+             u"satellite's "
              u"telemetry in converted values and what becomes of the link; writes the traffic log where "
              u"TERMINAL/LOGGING is on. One station runs in a program folder at a time.",
          .arguments = {},
-         .options = {&listenFormat, &quiet, &fetchKeps},
+         .options = {&listenFormat, &quiet, &record, &fetchKeps, &kiss},
          .run = Listen},
         {.name = u"decode",
          .summary = u"Telemetry lines out of files or standard input, in converted values.",
          .description =
-             u"Understands lines of a callsign and its nine fields, TNC2 monitor lines, and this program's "
-             u"traffic logs. Lines that are none of these are counted, and said at the end.",
+             u"Understands lines of a callsign and its nine fields, TNC2 monitor lines, this program's "
+             u"traffic logs, and KISS recordings. What is none of these is counted, and said at the end.",
          .arguments = {{.name = u"FILE", .isOptional = true, .isRepeated = true}},
          .options = {&check, &format, &local},
          .run = Decode},
@@ -102,7 +103,7 @@ std::span<const Command> All() {
              u"history from before stays as tlm.before-import.txt. No station may be running in the program "
              u"folder.",
          .arguments = {{.name = u"FILE", .isOptional = true, .isRepeated = true}},
-         .options = {&zone, &dryRun, &undo},
+         .options = {&zone, &recordingTime, &dryRun, &undo},
          .run = Import},
         {.name = u"forward status",
          .summary = u"What became of the frames that are sent on to a server.",

@@ -12,6 +12,7 @@ enum class Takes {
     Satellite, ///< QIRAN, ISS, a catalogue number or all
     Folder,    ///< one that is there
     File,
+    HostAndPort, ///< HOST:PORT
 };
 
 /// An option of the command line. Parsing, help, manual page and completion are made from it.

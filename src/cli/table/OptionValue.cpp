@@ -78,6 +78,22 @@ Read ReadFolder(const QString& text) {
     return Read(std::in_place_index<1>, QStringLiteral("names '%1', and there is no such folder").arg(text));
 }
 
+// An IPv6 address stands in brackets.
+Read ReadHostAndPort(const QString& text) {
+    constexpr int highestPort = 65535;
+    const qsizetype colon = text.lastIndexOf(u':');
+    QString host = text.left(std::max<qsizetype>(colon, 0));
+    if (host.startsWith(u'[') && host.endsWith(u']'))
+        host = host.sliced(1, host.size() - 2);
+    else if (host.contains(u':'))
+        host.clear();
+    bool isNumber = false;
+    const int port = text.sliced(colon + 1).toInt(&isNumber);
+    if (!host.trimmed().isEmpty() && isNumber && port >= 1 && port <= highestPort)
+        return Good(HostAndPort{host, port});
+    return Wrong(QStringLiteral("HOST:PORT such as localhost:8001"), text);
+}
+
 Read ReadChoice(const Option& option, const QString& text) {
     const QStringList choices = QString::fromUtf16(option.value).split(u'|');
     if (choices.contains(text))
@@ -103,6 +119,8 @@ std::variant<OptionValue, QString> ReadOptionValue(const Option& option, const Q
         return ReadSatellite(text);
     case Takes::Folder:
         return ReadFolder(text);
+    case Takes::HostAndPort:
+        return ReadHostAndPort(text);
     case Takes::Nothing:
     case Takes::Text:
     case Takes::File:

@@ -97,6 +97,15 @@ inline constexpr Option listenFormat{
     .takes = Takes::Choice,
     .help = u"How it is printed: as text (unless told otherwise), or as one JSON object a line."};
 inline constexpr Option quiet{.name = u"quiet", .help = u"Print nothing; messages are still said."};
+inline constexpr Option kiss{.name = u"kiss",
+                             .value = u"HOST:PORT",
+                             .takes = Takes::HostAndPort,
+                             .help = u"Hear by the KISS TNC there, whatever the settings say."};
+inline constexpr Option record{.name = u"record",
+                               .value = u"FILE",
+                               .takes = Takes::File,
+                               .help = u"Append every frame that is heard to this recording, KISS frames "
+                                       u"with their times; 'import' and 'decode' read it."};
 inline constexpr Option fetchKeps{
     .name = u"fetch-keps",
     .value = u"DAYS",
@@ -114,6 +123,10 @@ inline constexpr Option zone{
     .help =
         u"Of times without one, in logs for example: utc (unless told otherwise), local, or a name such as "
         u"Europe/Berlin."};
+inline constexpr Option recordingTime{.name = u"time",
+                             .value = u"UTC",
+                             .takes = Takes::Utc,
+                             .help = u"Of recordings that tell no times, for example 2026-11-21T15:00Z."};
 inline constexpr Option dryRun{.name = u"dry-run", .help = u"Only count what would come in."};
 inline constexpr Option undo{.name = u"undo", .help = u"Take the last import back."};
 inline constexpr Option force{.name = u"force",

@@ -44,6 +44,9 @@ public:
     /// Whether something that was written may not be on the disk yet.
     bool IsUnsynced() const { return m_isUnsynced || m_sync.IsRunning(); }
 
+    /// Writes what waits, if anything does; whether nothing waits any more.
+    bool Settle() { return m_waiting.empty() || Flush(); }
+
     /// Whether all of the text, and all that waited, is in the file.
     bool Append(QByteArrayView text);
 

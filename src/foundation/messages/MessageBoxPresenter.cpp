@@ -2,6 +2,7 @@
 
 #include "foundation/messages/HelpTopics.h"
 #include "foundation/messages/HelpWindow.h"
+#include "foundation/settings/ShippedFile.h"
 
 #include <QMessageBox>
 #include <QPointer>
@@ -99,6 +100,6 @@ void MessageBoxPresenter::ShowHelp(QObject*, const QString& helpFile, HelpComman
 void MessageBoxPresenter::OpenHelp(const QStringList& topics) {
     if (!m_help)
         m_help = std::make_unique<HelpWindow>();
-    m_help->Load(m_helpFile);
+    m_help->Load(ShippedFile(m_helpFile));
     m_help->Open(topics);
 }

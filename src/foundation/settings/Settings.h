@@ -94,14 +94,22 @@ inline constexpr Setting forwardToken{u"FORWARD",          u"TOKEN", u"", Settin
 inline constexpr Setting forwardKeepAtMost{u"FORWARD", u"KEEP_AT_MOST",     u"10000", SettingType::Number, 1,
                                            1000000,    FirstWrite::OnChange};
 
+inline constexpr Setting guideShow{
+    u"GUIDE", u"SHOW", u"TRUE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
+inline constexpr Setting gridsDimOld{u"GRIDS", u"DIM_OLD",          u"FALSE", SettingType::Boolean, 0,
+                                     0,        FirstWrite::OnChange};
+// The text of the terminal's panes in pixels; 0: as large as the desktop's.
+inline constexpr Setting terminalFontSize{u"TERMINAL", u"FONT_SIZE",        u"0", SettingType::Number, 0,
+                                          27,          FirstWrite::OnChange};
+
 /// Those that a user may look at and change, in the order of their sections.
 inline constexpr std::array listed{
-    &qiranObjNum,  &issObjNum,    &objIndex,          &useLocalTime, &onlyShowQiran, &latitude,
-    &longitude,    &locator,      &callsign,          &comment,      &hostAddress,   &hostPort,
-    &loginId,      &password,     &terminalTo,        &terminalVia,  &terminalPort,  &logging,
-    &kepsFile1,    &kepsFile2,    &historyKeep,       &statusShow,   &noticeMinutes, &noticeMinElevation,
-    &noticeEvents, &kissUse,      &kissHostAddress,   &kissHostPort, &forwardUse,    &forwardDryRun,
-    &forwardUrl,   &forwardToken, &forwardKeepAtMost,
+    &qiranObjNum,      &issObjNum,     &objIndex,           &useLocalTime, &onlyShowQiran, &latitude,
+    &longitude,        &locator,       &callsign,           &comment,      &hostAddress,   &hostPort,
+    &loginId,          &password,      &terminalTo,         &terminalVia,  &terminalPort,  &logging,
+    &terminalFontSize, &kepsFile1,     &kepsFile2,          &historyKeep,  &statusShow,    &guideShow,
+    &gridsDimOld,      &noticeMinutes, &noticeMinElevation, &noticeEvents, &kissUse,       &kissHostAddress,
+    &kissHostPort,     &forwardUse,    &forwardDryRun,      &forwardUrl,   &forwardToken,  &forwardKeepAtMost,
 };
 
 // Places of windows, in no list of settings: the windows alone know what to do with them.

@@ -15,7 +15,27 @@ std::optional<FileIdentity> IdentityIn(const struct stat& status) {
     return FileIdentity{status.st_dev, status.st_ino};
 }
 
+// Puts on the disk what was written through the descriptor; the system's reason when that fails.
+QString SyncDescriptor(int descriptor) {
+    // A file system that has no such thing (EINVAL) does what it can.
+    if (fdatasync(descriptor) == 0 || errno == EINVAL)
+        return {};
+    return qt_error_string(errno);
+}
+
 } // namespace
+
+QString SyncToDisk(QFileDevice& file) {
+    return file.flush() ? SyncDescriptor(file.handle()) : file.errorString();
+}
+
+void SyncFolderToDisk(const QString& folder) {
+    const int entries = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (entries < 0)
+        return;
+    (void)fsync(entries);
+    close(entries);
+}
 
 std::optional<FileIdentity> FileIdentity::Of(int descriptor) {
     struct stat status {};
@@ -45,18 +65,10 @@ QString FileSync::Wait() {
 }
 
 void FileSync::Run(int descriptor, const QString& folder) {
-    const int error = descriptor < 0 ? EMFILE : fdatasync(descriptor) != 0 ? errno : 0;
-    // A file system that has no such thing (EINVAL) does what it can.
-    if (error != 0 && error != EINVAL)
-        m_reason = QString::fromStdString(std::generic_category().message(error));
+    m_reason = descriptor < 0 ? qt_error_string(EMFILE) : SyncDescriptor(descriptor);
     if (descriptor >= 0)
         close(descriptor);
-    const int entries = folder.isEmpty()
-                            ? -1
-                            : open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (entries >= 0) {
-        (void)fsync(entries);
-        close(entries);
-    }
+    if (!folder.isEmpty())
+        SyncFolderToDisk(folder);
     m_isRunning = false;
 }

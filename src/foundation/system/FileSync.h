@@ -6,6 +6,8 @@
 #include <optional>
 #include <thread>
 
+class QFileDevice;
+
 /// Which file an open descriptor or a path (links are followed) stands for, whatever its name.
 struct FileIdentity {
     quint64 device = 0;
@@ -16,6 +18,14 @@ struct FileIdentity {
 
     bool operator==(const FileIdentity&) const = default;
 };
+
+/// Waits until the disk has all that was written to an open file: a power cut afterwards cannot take it away.
+/// Answers an empty text, or the system's reason.
+QString SyncToDisk(QFileDevice& file);
+
+/// The same of a folder's entries: names that were given, changed and taken away in it. Where the file system
+/// has no such thing, it does what it can.
+void SyncFolderToDisk(const QString& folder);
 
 /// Puts what was written to a file on the disk, where a power cut leaves it, without holding up the caller: a
 /// slow disk may take seconds. All functions are one thread's.

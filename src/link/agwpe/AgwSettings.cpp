@@ -1,29 +1,14 @@
 #include "link/agwpe/AgwSettings.h"
 
 #include "foundation/settings/Settings.h"
-#include "foundation/text/Text.h"
-
-#include <algorithm>
+#include "link/PortText.h"
 
 namespace {
 
-constexpr double leastPort = 1;
-constexpr double greatestPort = 32767;
 constexpr qint16 usualPort = 8000;
 
-std::optional<qint16> PortOf(QStringView number) {
-    const double value = Text::LeadingNumber(number);
-    return value >= leastPort && value <= greatestPort ? Text::RoundToInt16(value) : std::nullopt;
-}
-
-/// A sign, digits and at most one ".", with at least one digit.
-bool IsNumber(QStringView text) {
-    if (text.startsWith(u'+') || text.startsWith(u'-'))
-        text = text.sliced(1);
-    const auto isDigit = [](QChar c) { return c >= u'0' && c <= u'9'; };
-    const auto digits = std::count_if(text.begin(), text.end(), isDigit);
-    const auto points = std::count(text.begin(), text.end(), u'.');
-    return digits > 0 && points <= 1 && digits + points == text.size();
+std::optional<qint16> AsPort(std::optional<int> port) {
+    return port ? std::optional(static_cast<qint16>(*port)) : std::nullopt;
 }
 
 } // namespace
@@ -35,7 +20,8 @@ AgwSettings::AgwSettings(clsIni& ini)
 
 void AgwSettings::Load() {
     m_strAgwHost = Settings::Read(m_ini, Settings::hostAddress);
-    m_intAgwPort = PortOf(Settings::Read(m_ini, Settings::hostPort)).value_or(usualPort);
+    m_intAgwPort = AsPort(LeadingPort(Settings::Read(m_ini, Settings::hostPort), Settings::highestEnginePort))
+                       .value_or(usualPort);
     m_strAgwLoginId = Settings::Read(m_ini, Settings::loginId);
     m_strAgwPassword = Settings::Read(m_ini, Settings::password);
 }
@@ -61,6 +47,5 @@ void AgwSettings::setStrAgwPassword(const QString& password) {
 }
 
 std::optional<qint16> AgwSettings::PortFromText(QStringView text) {
-    const QStringView number = text.trimmed();
-    return IsNumber(number) ? PortOf(number) : std::nullopt;
+    return AsPort(::PortFromText(text, Settings::highestEnginePort));
 }

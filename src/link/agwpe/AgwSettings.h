@@ -26,8 +26,7 @@ public:
     const QString& strAgwPassword() const { return m_strAgwPassword; }
     void setStrAgwPassword(const QString& password);
 
-    /// The port that a user entered: the value of a number, blanks around it ignored, rounded half to even.
-    /// Nothing unless all of the text is one number between 1 and 32767.
+    /// The port that a user entered, 1 to 32767.
     static std::optional<qint16> PortFromText(QStringView text);
 
 private:

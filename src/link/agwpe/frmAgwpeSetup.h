@@ -1,37 +1,22 @@
 #pragma once
 
-#include <QDialog>
+#include "link/EngineSetupDialog.h"
 
 class AgwLink;
 class AgwSettings;
-class FieldGuard;
-class QLineEdit;
-class QVBoxLayout;
-class mb;
 
-/// Where the user says how the packet engine is reached. Shows the settings as they are when it is made, in
-/// the middle of the screen; make a new one for every opening.
-class frmAgwpeSetup : public QDialog {
+/// Where the user says how the packet engine is reached. Shows the settings as they are when it is made.
+class frmAgwpeSetup : public EngineSetupDialog {
     Q_OBJECT
 public:
-    /// All three must outlive the dialog.
+    /// All three must outlive the dialog. The link is connected anew where it is in use.
     frmAgwpeSetup(AgwSettings& settings, AgwLink& link, const mb& messages, QWidget* parent = nullptr);
 
-protected:
-    void closeEvent(QCloseEvent* event) override;
-
 private:
-    void AddButtons(QVBoxLayout* all);
-    bool IsHostGood();
-    bool IsPortGood();
-    void Ok();
+    void Store() override;
 
     AgwSettings& m_settings;
     AgwLink& m_link;
-    const mb& m_messages;
-    FieldGuard* m_guard;
-    QLineEdit* txtHostAddr;
-    QLineEdit* txtPort;
     QLineEdit* txtLoginId;
     QLineEdit* txtPassword;
 

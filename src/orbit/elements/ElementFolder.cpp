@@ -52,7 +52,7 @@ std::optional<ElementFolder> ElementFolder::Read(const std::string& path, const 
             if (const auto* elements = std::get_if<Elements>(&record.content))
                 folder.Add(record, *elements, k);
             else if (record.isMeant && damage.count++ == 0)
-                damage.first = FaultText(record.line, std::get<ElementFault>(record.content));
+                damage.first = FaultText(record, std::get<ElementFault>(record.content));
             return true;
         });
         ReportDamage(damage, file, report);

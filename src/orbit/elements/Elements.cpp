@@ -164,6 +164,9 @@ std::optional<ElementFault> ReadLine1(std::string_view line, Elements& elements)
     const std::optional<double> epoch = Epoch(Columns(line, 19, 20), Columns(line, 21, 32));
     if (!epoch)
         return ElementFault{.line = 1, .column = 19, .what = "the epoch is no date"};
+    constexpr char otherTheory = '4';
+    if (line[63 - 1] == otherTheory)
+        return ElementFault{.line = 1, .column = 63, .what = sgp4Xp};
     if (!Decimal(Columns(line, 34, 43)))
         return ElementFault{.line = 1, .column = 34, .what = "the first derivative is no number"};
     if (!ExponentForm(Columns(line, 45, 52)))

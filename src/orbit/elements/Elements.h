@@ -9,7 +9,7 @@
 
 namespace orbitmath {
 
-/// The mean elements of one object, as a two-line set carries them. Angles in radians.
+/// The mean elements of one object, as a two-line set or an OMM carries them. Angles in radians.
 struct Elements {
     std::uint32_t number = 0; ///< catalogue number, at most nine digits; of a two-line set at most 339,999
     double epochUtc = 0;      ///< days since 1899-12-30 00:00 UTC
@@ -24,10 +24,14 @@ struct Elements {
 
 /// Why elements are refused, and where.
 struct ElementFault {
-    int line = 1;           ///< of the set: 1 or 2
-    std::size_t column = 0; ///< where it begins, counted from 1; 0: nowhere in particular
-    std::string_view what;  ///< "the checksum is wrong"
+    int line = 1;                ///< of a two-line set: 1 or 2
+    std::size_t column = 0;      ///< where it begins, counted from 1; 0: nowhere in particular
+    std::string_view field = {}; ///< of an OMM: "EPOCH"; empty: nowhere in particular
+    std::string_view what;       ///< "the checksum is wrong"
 };
+
+/// Said of elements that another propagator is needed for.
+inline constexpr std::string_view sgp4Xp = "elements of another theory (SGP4-XP)";
 
 /// Reads the two lines of a set. Columns are fixed; blanks at both ends are the caller's to cut off. Answers
 /// the first fault when the set is damaged: wrong columns, a wrong checksum, values that cannot be.

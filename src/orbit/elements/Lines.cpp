@@ -8,23 +8,32 @@
 
 namespace orbitmath {
 
-void ForEachLine(std::istream& file, const std::function<bool(std::string_view line)>& take) {
+void ForEachPiece(std::istream& file, const std::function<bool(std::string_view piece)>& take) {
     constexpr std::size_t pieceSize = 65536;
     std::vector<char> piece(pieceSize);
-    std::string begun; // the line that the last piece broke off
-    bool isBegun = false;
     for (std::int64_t left = mostOfFile; left > 0 && file;) {
         file.read(piece.data(), std::min<std::int64_t>(pieceSize, left));
         std::string_view text(piece.data(), static_cast<std::size_t>(file.gcount()));
         if (left == mostOfFile)
             text = WithoutByteOrderMark(text);
         left -= file.gcount();
+        if (!take(text))
+            return;
+    }
+}
+
+void ForEachLine(std::istream& file, const std::function<bool(std::string_view line)>& take) {
+    std::string begun; // the line that the last piece broke off
+    bool isBegun = false;
+    bool isWanted = true;
+    ForEachPiece(file, [&](std::string_view text) {
         for (std::size_t end = 0; (end = text.find('\n')) != std::string_view::npos;) {
             std::string_view line = text.substr(0, end);
             if (isBegun)
                 line = begun.append(line.substr(0, mostOfLine - std::min(begun.size(), mostOfLine)));
-            if (!take(line.substr(0, mostOfLine)))
-                return;
+            isWanted = take(line.substr(0, mostOfLine));
+            if (!isWanted)
+                return false;
             begun.clear();
             isBegun = false;
             text.remove_prefix(end + 1);
@@ -33,8 +42,9 @@ void ForEachLine(std::istream& file, const std::function<bool(std::string_view l
             begun.append(text.substr(0, mostOfLine - std::min(begun.size(), mostOfLine)));
             isBegun = true;
         }
-    }
-    if (isBegun)
+        return true;
+    });
+    if (isBegun && isWanted)
         take(begun);
 }
 

@@ -7,6 +7,7 @@ namespace orbitmath {
 namespace {
 
 constexpr std::size_t longestName = 64;
+constexpr std::size_t lineLength = 69;
 constexpr std::size_t elementLike = 60; // a line this long that begins like an element line was meant as one
 
 /// The second of a line's fields, which blanks separate, when its first is `first`; nothing else is empty.
@@ -24,11 +25,13 @@ bool TwoLineReader::TakeLine(std::string_view whole) {
     ++m_line;
     const std::string_view line = Trimmed(whole);
     const bool isSecond = !SecondField(line, '2').empty();
+    m_isCut = m_isCut && line.empty();
     if (line.empty()) {
         // Blank lines may stand within a set, but it is no group then.
     } else if (!m_line1.empty() && isSecond) {
         TakeSet(line);
     } else {
+        m_isCut = !m_line1.empty();
         MissSecondLine();
         if (!SecondField(line, '1').empty()) {
             m_line1 = line;
@@ -44,12 +47,19 @@ bool TwoLineReader::TakeLine(std::string_view whole) {
     return m_isWanted;
 }
 
+void TwoLineReader::End() {
+    m_isCut = m_isCut || !m_line1.empty();
+    MissSecondLine();
+}
+
 void TwoLineReader::TakeSet(std::string_view line2) {
     ElementRecord record;
     record.name = m_name;
     record.nameLine = m_line == m_line1Number + 1 ? m_aboveLine1 : std::string_view();
     record.number1 = SecondField(m_line1, '1');
     record.number2 = SecondField(line2, '2');
+    record.lines = {m_name, m_line1, line2};
+    m_isCut = line2.size() < lineLength;
     record.content = ReadElements(m_line1, line2);
     const auto* fault = std::get_if<ElementFault>(&record.content);
     record.line = fault != nullptr && fault->line == 2 ? m_line : m_line1Number;

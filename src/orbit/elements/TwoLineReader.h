@@ -17,7 +17,10 @@ public:
     bool TakeLine(std::string_view line);
 
     /// The file is at its end.
-    void End() { MissSecondLine(); }
+    void End();
+
+    /// Whether it ended within a set.
+    bool IsCut() const { return m_isCut; }
 
 private:
     void TakeSet(std::string_view line2);
@@ -27,6 +30,7 @@ private:
 
     TakeRecord m_take;
     bool m_isWanted = true;
+    bool m_isCut = false;
     std::size_t m_line = 0; ///< the last one taken
     std::string m_above;    ///< that line, trimmed
     std::string m_name;

@@ -4,6 +4,7 @@
 #include "foundation/files/Csv.h"
 #include "foundation/text/ByteOrderMark.h"
 #include "foundation/text/IsoTime.h"
+#include "orbit/elements/ElementFile.h"
 
 #include <QFile>
 
@@ -65,10 +66,9 @@ void ElementsHistory::Load() {
 void ElementsHistory::Keep(const Set& set) {
     if (set.elements.isEmpty() || set.elements.size() > longestElements)
         return;
-    const Place place = PlaceOf(set.number, set.epoch);
-    if (place != m_sets.end() && Key(*place) == Key(set))
+    if (Holds(set.number, set.epoch))
         return;
-    m_sets.insert(place, set);
+    m_sets.insert(PlaceOf(set.number, set.epoch), set);
     (void)m_file.Append(Csv::Line({IsoTime::Milliseconds(set.firstSeen), QByteArray::number(set.number),
                                    IsoTime::Milliseconds(set.epoch), set.elements}));
 }
@@ -88,6 +88,26 @@ const ElementsHistory::Set* ElementsHistory::Nearest(quint32 number, qint64 utc)
     if (after != m_sets.begin())
         consider(std::prev(after));
     return nearest;
+}
+
+std::optional<orbitmath::Elements> ElementsHistory::ElementsAt(quint32 number, qint64 utc) const {
+    const Set* const set = Nearest(number, utc);
+    if (set == nullptr)
+        return std::nullopt;
+    std::optional<orbitmath::Elements> found;
+    const std::string_view text(set->elements.constData(), static_cast<std::size_t>(set->elements.size()));
+    orbitmath::ReadElementText(text, [&](const orbitmath::ElementRecord& record) {
+        const auto* elements = std::get_if<orbitmath::Elements>(&record.content);
+        if (elements != nullptr && elements->number == number)
+            found = *elements;
+        return !found;
+    });
+    return found;
+}
+
+bool ElementsHistory::Holds(quint32 number, qint64 epoch) const {
+    const Place place = PlaceOf(number, epoch);
+    return place != m_sets.end() && Key(*place) == std::pair(number, epoch);
 }
 
 // The first set that is not before this object and epoch.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/files/AppendFile.h"
+#include "orbit/elements/Elements.h"
 
 #include <optional>
 #include <vector>
@@ -19,7 +20,7 @@ public:
     /// A set that is farther than this from a time is no guide to it.
     static constexpr qint64 farthest = qint64{14} * 24 * 60 * 60 * 1000;
 
-    static constexpr qsizetype longestElements = 4096; ///< bytes
+    static constexpr qsizetype longestElements = 65536; ///< bytes
 
     /// `failed` is told the reason when the file cannot be written, and again only after it could.
     ElementsHistory(const QString& path, AppendFile::Failed failed);
@@ -33,6 +34,13 @@ public:
     /// The set of an object whose epoch is nearest to a time; none where all are farther than `farthest`.
     /// Holds until the next Keep or Load.
     const Set* Nearest(quint32 number, qint64 utc) const;
+
+    /// What passes and positions of the past are computed with: the elements of that set. None where there is
+    /// no such set, or its lines cannot be read. Each call reads the lines: ask once a pass.
+    std::optional<orbitmath::Elements> ElementsAt(quint32 number, qint64 utc) const;
+
+    /// Whether the set of this object and epoch is kept.
+    bool Holds(quint32 number, qint64 epoch) const;
 
     /// Lines of the file that are none of ours, and were passed over.
     qint64 ForeignLines() const { return m_foreign; }

@@ -6,6 +6,7 @@
 #include "foundation/placement/Twips.h"
 #include "foundation/placement/WindowTitle.h"
 #include "foundation/settings/Settings.h"
+#include "foundation/settings/ShippedFile.h"
 #include "orbit/map/TimeBox.h"
 
 #include <QAction>
@@ -158,7 +159,7 @@ QAction* frmMap::AddEntry(const QString& name, const QString& caption, bool chec
 }
 
 void frmMap::LoadWorld(const ProgramFolder& folder, const mb& messages) {
-    const QString path = folder.File(QStringLiteral("world.gif"));
+    const QString path = ShippedFile(folder.File(QStringLiteral("world.gif")));
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
     const QSize size = reader.size();

@@ -249,6 +249,21 @@ std::string KVRSatLib::WhyNoPosition(const std::string& object, double utc) cons
     return source->file + ", line " + std::to_string(source->line) + ": " + std::string(WhyNot(found.error));
 }
 
+std::string KVRSatLib::ElementTextOf(const std::string& object) const {
+    const ElementSet* set = m_folder.Find(object);
+    if (set == nullptr)
+        return {};
+    std::string text;
+    ReadElementFile(m_path + '/' + m_folder.FileOf(*set), [&](const ElementRecord& record) {
+        const auto* elements = std::get_if<Elements>(&record.content);
+        if (elements != nullptr && elements->number == set->elements.number &&
+            elements->epochUtc == set->elements.epochUtc)
+            text = record.Text();
+        return text.empty();
+    });
+    return text;
+}
+
 bool KVRSatLib::ForEachElementSet(const TakeSource& take) const {
     const std::optional<std::vector<std::string>> files = ElementFilesIn(m_path);
     if (!files)

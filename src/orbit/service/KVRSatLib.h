@@ -42,6 +42,7 @@ public:
     std::optional<ElementSource> ElementsOf(const std::string& object) const override;
     SatPasses PassesOf(const PassQuery& query) const override;
     std::string WhyNoPosition(const std::string& object, double utc) const override;
+    std::string ElementTextOf(const std::string& object) const override;
     bool ForEachElementSet(const TakeSource& take) const override;
 
     /// The passes over the observer as the search finds them, and what it cost: those that begin within

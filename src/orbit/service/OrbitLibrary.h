@@ -30,7 +30,7 @@ struct ElementSource {
     double meanMotion{};       ///< revolutions a day
     std::uint32_t number{};    ///< catalogue number
     std::size_t line{};        ///< of the file, counted from 1, where the elements begin
-    std::string_view format{}; ///< "TLE"
+    std::string_view format{}; ///< "TLE", "CSV", "JSON" or "XML"
 };
 
 /// The operations of an orbit library. Date-times are days since 1899-12-30 00:00 UTC. An operation that
@@ -77,6 +77,10 @@ public:
     /// Why an object that has elements has no position at a time, with the file and the line that they stand
     /// in: "amateur.txt, line 2: ..."; empty when it has one.
     virtual std::string WhyNoPosition(const std::string& object, double utc) const = 0;
+
+    /// The set that Position goes by as it came, as a file that holds it alone; empty where it cannot be read
+    /// again. It is read from its file: nothing to be asked often.
+    virtual std::string ElementTextOf(const std::string& object) const = 0;
 
     using TakeSource = std::function<void(const ElementSource& source)>;
 

@@ -69,7 +69,7 @@ void TrackedSatellites::FindInFile(const std::string& folder, const std::string&
             satellite.strFault =
                 fault == nullptr ? QString()
                                  : QFile::decodeName(QByteArray::fromStdString(file)) + QStringLiteral(", ") +
-                                       QString::fromStdString(orbitmath::FaultText(record.line, *fault));
+                                       QString::fromStdString(orbitmath::FaultText(record, *fault));
         }
         return !AllFound();
     });

@@ -166,6 +166,10 @@ std::optional<ElementSource> clsSats::ElementsOf(const QString& strSat) const {
     return m_library->ElementsOf(strSat.toStdString());
 }
 
+QByteArray clsSats::ElementTextOf(const QString& strSat) const {
+    return QByteArray::fromStdString(m_library->ElementTextOf(strSat.toStdString()));
+}
+
 QString clsSats::WhyNoPosition(const QString& strSat) const {
     return QFile::decodeName(
         QByteArray::fromStdString(m_library->WhyNoPosition(strSat.toStdString(), datGmtTime())));

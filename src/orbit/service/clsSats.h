@@ -93,6 +93,9 @@ public:
     /// Which elements an object is tracked by.
     std::optional<ElementSource> ElementsOf(const QString& strSat) const;
 
+    /// The set it is tracked by as it came: see OrbitLibrary::ElementTextOf.
+    QByteArray ElementTextOf(const QString& strSat) const;
+
     /// Why an object that has elements has no position now, with their file and line; empty when it has one.
     QString WhyNoPosition(const QString& strSat) const;
 

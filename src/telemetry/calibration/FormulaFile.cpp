@@ -1,10 +1,15 @@
 #include "telemetry/calibration/FormulaFile.h"
 
 #include "foundation/files/BoundedFile.h"
+#include "foundation/messages/HelpTopics.h"
 #include "foundation/messages/mb.h"
+#include "foundation/settings/ShippedFile.h"
 #include "foundation/text/ByteOrderMark.h"
 #include "foundation/text/Text.h"
 #include "telemetry/frames/ByteViews.h"
+
+#include <QDir>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <iostream>
@@ -47,13 +52,23 @@ std::optional<FormulaTable::Fields> SplitFormulaLine(std::string_view line) {
     return fields;
 }
 
-void TellOffendingLine(const QString& path, int number, std::string_view line) {
-    constexpr std::size_t longestShown = 200;
-    std::string shown(Trimmed(line).substr(0, longestShown));
-    std::ranges::replace_if(
-        shown, [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, '?');
-    std::cerr << path.toLocal8Bit().toStdString() << ", line " << number << ": no such grid or row: " << shown
-              << std::endl;
+QString OffendingLine(const QString& path, int number, std::string_view line) {
+    constexpr qsizetype longestShown = 200;
+    const std::string_view trimmed = Trimmed(line);
+    const QByteArray bytes(trimmed.data(), static_cast<qsizetype>(trimmed.size()));
+    return QStringLiteral("%1, line %2: no such grid or row: %3")
+        .arg(path, QString::number(number), Text::OneLine(Text::FromBytes(bytes), longestShown));
+}
+
+// What a user can do about a file that cannot be read.
+QString WhereFormulaeBelong(const QString& path) {
+    const QString example = QFileInfo(path).dir().filePath(QStringLiteral("formula.example.txt"));
+    const QString shipped = ShippedFile(example);
+    const QString advice = QStringLiteral(
+        "Put the satellite's calibration formulae into this file, and start the program again.");
+    return QFileInfo::exists(shipped)
+               ? QStringLiteral("%1 An example to begin with is %2").arg(advice, shipped)
+               : advice;
 }
 
 // What a line at fault came to, and its number.
@@ -122,7 +137,8 @@ QStringList CheckFormulae(const QString& path) {
     return faults;
 }
 
-FormulaLoad LoadFormulae(const QString& path, FormulaTable& table, const mb& messages, QObject* owner) {
+FormulaLoad LoadFormulae(const QString& path, FormulaTable& table, const mb& messages, QObject* owner,
+                         QString* haltReason) {
     table = FormulaTable();
     QString reason;
     if (const std::optional<QByteArray> bytes = ReadBoundedFile(path, largestFile, reason)) {
@@ -130,17 +146,26 @@ FormulaLoad LoadFormulae(const QString& path, FormulaTable& table, const mb& mes
         if (!fault)
             return FormulaLoad::Loaded;
         if (fault->store == FormulaTable::Store::UnknownGridOrRow) {
-            TellOffendingLine(path, fault->line, fault->text);
+            const QString line = OffendingLine(path, fault->line, fault->text);
+            std::cerr << "QiranDecode: " << line.toLocal8Bit().constData() << std::endl;
+            if (haltReason != nullptr)
+                *haltReason = line;
             return FormulaLoad::Halt;
         }
         reason = (fault->store == FormulaTable::Store::BadFrameType
-                      ? QStringLiteral("The frame type in line %1 is not 0 to 3")
-                      : QStringLiteral("A number in line %1 is too large"))
-                     .arg(fault->line);
-    }
+                      ? QStringLiteral("%1: The frame type in line %2 is not 0 to 3. ")
+                      : QStringLiteral("%1: A number in line %2 is too large. "))
+                     .arg(path)
+                     .arg(fault->line) +
+                 QStringLiteral(
+                     "Mend the line, and start the program again. 'qirandecode-cli decode --check' names "
+                     "every line that is wrong.");
+    } else
+        reason = (reason.contains(path) ? reason : QStringLiteral("%1: %2").arg(path, reason)) +
+                 QStringLiteral(". ") + WhereFormulaeBelong(path);
     messages.MessageBox(
         owner,
         QStringLiteral("An error occurred loading the formulae. The error message is '%1'").arg(reason),
-        MessageStyle::Critical);
+        MessageStyle::Critical, QStringLiteral("QiranDecode"), HelpTopics::formulas);
     return FormulaLoad::Failed;
 }

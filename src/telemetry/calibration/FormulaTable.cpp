@@ -23,6 +23,16 @@ const clsFormula* FormulaTable::At(int side, int frameType, int grid, int row) c
     return entry ? &*entry : nullptr;
 }
 
+int FormulaTable::Count() const {
+    int count = 0;
+    for (int side = 0; side < sides; ++side)
+        for (int frameType = 0; frameType < frameTypes; ++frameType)
+            for (int grid = 0; grid < GridLayout::grids; ++grid)
+                for (int row = 0; row <= RowBound(); ++row)
+                    count += At(side, frameType, grid, row) != nullptr ? 1 : 0;
+    return count;
+}
+
 FormulaTable::Store FormulaTable::StoreFormulaLine(const Fields& fields) {
     std::array<QByteArray, fieldsInLine> texts;
     for (std::size_t i = 0; i < fieldsInLine; ++i)

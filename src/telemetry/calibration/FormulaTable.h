@@ -28,6 +28,9 @@ public:
     /// The largest row that a line named.
     int RowBound() const { return static_cast<int>(m_rows.size()) - 1; }
 
+    /// How many cells have a formula.
+    int Count() const;
+
     /// Null where no line stored a formula, and outside the table.
     const clsFormula* At(int side, int frameType, int grid, int row) const;
 

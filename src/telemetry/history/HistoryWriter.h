@@ -14,6 +14,9 @@ public:
     /// Whether frames are kept; they are until told otherwise.
     void SetKept(bool isKept) { m_isKept = isKept; }
 
+    /// Writes what waits for room; whether nothing waits any more, so that the file may be replaced.
+    bool Settle() { return m_file.Settle(); }
+
     /// Replayed frames are not kept.
     void Take(const TelemetryFrame& frame);
 

@@ -1,7 +1,7 @@
 #include "telemetry/imports/HistoryImport.h"
 
 #include "foundation/files/BoundedFile.h"
-#include "foundation/system/SyncToDisk.h"
+#include "foundation/system/FileSync.h"
 #include "telemetry/frames/ByteViews.h"
 #include "telemetry/imports/HistoryWalk.h"
 
@@ -56,6 +56,14 @@ QString AppendFrom(const QString& path, qint64 from, QFile& to) {
         if (to.write(piece) != piece.size())
             return to.errorString();
     return file.error() == QFileDevice::NoError ? QString() : file.errorString();
+}
+
+// What is written to the file from now on is to be found under this name, also after a power cut.
+QString PutInPlace(const QString& from, const QString& to) {
+    const QString reason = Rename(from, to);
+    if (reason.isEmpty())
+        SyncFolderToDisk(QFileInfo(to).absolutePath());
+    return reason;
 }
 
 QString Finish(QFile& file) {
@@ -221,7 +229,7 @@ HistoryImport::Result HistoryImport::Commit() {
     if (reason.isEmpty())
         reason = KeepOld();
     if (reason.isEmpty())
-        reason = Rename(m_new->fileName(), m_path);
+        reason = PutInPlace(m_new->fileName(), m_path);
     if (!reason.isEmpty())
         return Fail(reason);
     m_new.reset();
@@ -294,7 +302,7 @@ QString HistoryImport::Undo(const QString& path) {
     if (reason.isEmpty())
         reason = Finish(file);
     if (reason.isEmpty())
-        reason = Rename(file.fileName(), real);
+        reason = PutInPlace(file.fileName(), real);
     if (reason.isEmpty())
         (void)QFile::remove(BackupOf(real));
     else

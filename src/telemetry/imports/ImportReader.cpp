@@ -5,7 +5,7 @@
 #include "telemetry/frames/ByteViews.h"
 #include "telemetry/frames/Reading.h"
 #include "telemetry/imports/HistoryWalk.h"
-#include "telemetry/replay/KissReplay.h"
+#include "telemetry/replay/FrameRecording.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -48,9 +48,9 @@ bool ImportReader::Read(const QString& path, const Progress& progress) {
     if (!m_reason.isEmpty())
         return false;
     const QByteArray start = file.peek(pieceSize);
-    const bool isRead = IsHistory(ToView(start))         ? ReadHistory(path, progress)
-                        : KissReplay::IsRecording(start) ? ReadRecording(file, progress)
-                                                         : ReadText(file, progress);
+    const bool isRead = IsHistory(ToView(start))        ? ReadHistory(path, progress)
+                        : FrameRecording::Begins(start) ? ReadRecording(file, progress)
+                                                        : ReadText(file, progress);
     if (file.error() != QFileDevice::NoError)
         m_reason = file.errorString();
     return isRead && m_reason.isEmpty();
@@ -92,11 +92,12 @@ bool ImportReader::ReadPieces(QFile& file, const Progress& progress,
 }
 
 bool ImportReader::ReadRecording(QFile& file, const Progress& progress) {
-    KissReplay replay([this](const HeardFrame& frame) {
-        TakeFrame(frame, frame.utc == 0 ? m_options.utc : std::optional(frame.utc));
+    FrameRecording recording([this](const HeardFrame& frame, std::optional<qint64> utc) {
+        TakeFrame(frame, utc ? utc : m_options.utc);
     });
-    const bool isRead = ReadPieces(file, progress, [&replay](QByteArrayView piece) { replay.Add(piece); });
-    m_notUnderstood += replay.Refused();
+    const bool isRead =
+        ReadPieces(file, progress, [&recording](QByteArrayView piece) { recording.Add(piece); });
+    m_notUnderstood += recording.Refused();
     return isRead;
 }
 

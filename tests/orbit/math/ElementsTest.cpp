@@ -36,7 +36,11 @@ Elements Read(const std::string& one, const std::string& two) {
 std::string WhyNot(const std::string& one, const std::string& two) {
     const auto read = ReadElements(one, two);
     const auto* fault = std::get_if<ElementFault>(&read);
-    return fault ? FaultText(static_cast<std::size_t>(fault->line), *fault) : std::string();
+    if (fault == nullptr)
+        return {};
+    ElementRecord record;
+    record.line = static_cast<std::size_t>(fault->line);
+    return FaultText(record, *fault);
 }
 
 std::string Numbered(const std::string& line, const std::string& number) {
@@ -145,6 +149,7 @@ TEST(ElementsTest, DamagedSetsSayWhatIsWrongInWhichColumn) {
               "line 1, column 34: the first derivative is no number");
     EXPECT_EQ(WhyNot(With(line1, 45, " 0000x-0"), line2),
               "line 1, column 45: the second derivative is no number");
+    EXPECT_EQ(WhyNot(With(line1, 63, "4"), line2), "line 1, column 63: elements of another theory (SGP4-XP)");
     EXPECT_EQ(WhyNot(line1, With(line2, 9, "180.0001")),
               "line 2, column 9: the inclination is no angle from 0 to 180 degrees");
     EXPECT_EQ(WhyNot(line1, With(line2, 18, "-10.0000")),

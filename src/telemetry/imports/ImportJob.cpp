@@ -1,0 +1,78 @@
+#include "telemetry/imports/ImportJob.h"
+
+#include <algorithm>
+#include <utility>
+
+using Result = HistoryImport::Result;
+
+namespace {
+
+QString NoRoom() {
+    return QStringLiteral("what was heard last cannot be written to the history");
+}
+
+} // namespace
+
+ImportJob::ImportJob(const QString& path, HistorySides sides, Settle settle, QObject* parent)
+    : QObject(parent)
+    , m_path(path)
+    , m_settle(std::move(settle))
+    , m_import(path, std::move(sides)) {}
+
+ImportJob::~ImportJob() {
+    Cancel();
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+void ImportJob::Count(const QStringList& files, const ImportOptions& options) {
+    const auto progress = [this](qint64 done, qint64 total) { return Tell(done, total); };
+    Start([this, files, options, progress] { return m_import.Count(files, options, progress); },
+          [this](Result result) { Q_EMIT CountEnded(result); });
+}
+
+void ImportJob::Import() {
+    const auto progress = [this](qint64 done, qint64 total) { return Tell(done, total); };
+    Start([this, progress] { return m_import.Prepare(progress); },
+          [this](Result result) { Q_EMIT ImportEnded(result == Result::Done ? Commit() : result); });
+}
+
+void ImportJob::Start(const std::function<Result()>& work, const std::function<void(Result)>& end) {
+    m_isRunning = true;
+    m_isCancelled = false;
+    m_told = -1;
+    m_thread = std::thread([this, work, end] {
+        const Result result = work();
+        QMetaObject::invokeMethod(
+            this,
+            [this, result, end] {
+                m_thread.join();
+                m_isRunning = false;
+                m_reason = m_import.Reason();
+                end(m_isCancelled ? Result::Cancelled : result);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+// Called on the thread.
+bool ImportJob::Tell(qint64 done, qint64 total) {
+    const int percent = total <= 0 ? 100 : static_cast<int>(std::min(done, total) * 100 / total);
+    if (percent != std::exchange(m_told, percent))
+        Q_EMIT Progress(percent);
+    return !m_isCancelled;
+}
+
+Result ImportJob::Commit() {
+    if (!m_settle()) {
+        m_reason = NoRoom();
+        return Result::Failed;
+    }
+    const Result result = m_import.Commit();
+    m_reason = m_import.Reason();
+    return result;
+}
+
+QString ImportJob::Undo() {
+    return m_settle() ? HistoryImport::Undo(m_path) : NoRoom();
+}
