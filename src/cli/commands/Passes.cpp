@@ -54,7 +54,7 @@ struct FoundPass {
 /// Searches and prints.
 class PassPrinter {
 public:
-    PassPrinter(const Session& session, const Sky& sky, std::vector<Satellite> satellites)
+    PassPrinter(const Session& session, Sky& sky, std::vector<Satellite> satellites)
         : m_session(session)
         , m_sky(sky)
         , m_satellites(std::move(satellites))
@@ -71,7 +71,7 @@ private:
     void PrintCalendar() const;
 
     const Session& m_session;
-    const Sky& m_sky;
+    Sky& m_sky;
     const std::vector<Satellite> m_satellites;
     const Question m_question;
     const QString m_format;
@@ -103,6 +103,7 @@ bool PassPrinter::Search(std::uint32_t index) {
         if (ends)
             m_found.push_back({pass, index, *ends});
     }
+    m_sky.ForgetTracks();
     return answer.fault == SatPasses::Fault::None;
 }
 
@@ -170,7 +171,7 @@ int PassPrinter::Run() {
 } // namespace
 
 int Passes(const Session& session) {
-    const Sky sky(session);
+    Sky sky(session);
     if (!sky.Place())
         return Answers::Fail(session, Answers::PositionUnknown());
     std::vector<Satellite> satellites = sky.Satellites();
