@@ -17,6 +17,14 @@ void Mark(QLabel* label, bool isMarked) {
     label->setPalette(palette);
 }
 
+// Bold as well, for those who do not see the colour.
+void StandOut(QLabel* label, bool isMarked) {
+    Mark(label, isMarked);
+    QFont font = label->font();
+    font.setBold(isMarked);
+    label->setFont(font);
+}
+
 } // namespace
 
 StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
@@ -118,5 +126,7 @@ void StatusBarView::Refresh() {
         ShowEvent(texts.event);
     if (texts.areElementsOld != m_shown.areElementsOld)
         Mark(labElements, texts.areElementsOld);
+    if (texts.isRiseNear != m_shown.isRiseNear)
+        StandOut(labNextRise, texts.isRiseNear);
     m_shown = texts;
 }

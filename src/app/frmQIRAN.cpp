@@ -1,5 +1,6 @@
 #include "app/frmQIRAN.h"
 
+#include "app/HearingOfSky.h"
 #include "app/HistoryWindow.h"
 #include "app/LinkMenu.h"
 #include "app/MainMenuView.h"
@@ -54,6 +55,7 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     , m_notices(notices)
     , m_ground(folder, clock, messages, *this)
     , m_status(m_ground)
+    , m_heardTimes(m_ground)
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
     , m_history(std::make_unique<HistoryWindow>(m_ground, clock, messages))
     , m_timer1(this) {
@@ -65,8 +67,7 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     // One timer for all that changes with the second: what changes together is painted together.
     connect(&m_timer1, &QTimer::timeout, this, [this] {
         m_framLocation->Tick();
-        if (!staStatus->isHidden())
-            staStatus->Refresh();
+        ShowStatus();
     });
     connect(&m_running, &RunningWindow::Knocked, this, &frmQIRAN::ComeForward);
     LayOut();
@@ -270,10 +271,19 @@ void frmQIRAN::Show() {
     m_timer1.start();
     QString showStatus = Settings::Peek(m_ground.cIni, Settings::statusShow);
     staStatus->setVisible(clsIni::IsItTrue(showStatus));
-    if (!staStatus->isHidden())
-        staStatus->Refresh();
+    ShowStatus();
     ShowGuide();
     show();
+}
+
+// A rise is told of with the status bar hidden, too.
+void frmQIRAN::ShowStatus() {
+    staStatus->Refresh();
+    const QString rise = m_status.TakeRiseNotice();
+    if (rise.isEmpty())
+        return;
+    QApplication::alert(this);
+    m_notices.Show(Texts::Title(), rise);
 }
 
 void frmQIRAN::ApplyStationPosition() {
@@ -315,8 +325,10 @@ void frmQIRAN::ShowSky() {
     if (!m_sky) {
         const auto place = [this] { return PlaceOfStation(); };
         const auto simulated = [this] { return m_map ? m_map->SimulatedTime() : std::nullopt; };
-        m_sky =
-            new frmSky(m_ground.cSats, m_ground.satellites, place, simulated, m_ground.cIni, m_ground.folder);
+        m_sky = new frmSky(m_ground.cSats, m_ground.satellites, place, simulated, m_ground.cIni,
+                           m_ground.folder, HearingOfSky(m_ground, m_heardTimes, m_messages));
+        m_heardTimes.Load();
+        connect(&m_heardTimes, &HeardTimes::Loaded, m_sky, &frmSky::HeardHasChanged);
         m_sky->setAttribute(Qt::WA_DeleteOnClose);
         connect(m_sky, &frmSky::ImUnloading, this, [this] { m_sky.clear(); });
     }

@@ -2,6 +2,7 @@
 
 #include "app/RunningWindow.h"
 #include "core/GroundStation.h"
+#include "core/HeardTimes.h"
 #include "core/Roof.h"
 #include "core/StartGuide.h"
 #include "core/StationStatus.h"
@@ -70,6 +71,7 @@ private:
     void ConnectMenu(const MainMenuView& menu);
     void ApplyStationPosition();
     void SetDueCaption();
+    void ShowStatus();
     void ShowPassPredictions();
     void ShowTerminal();
     void ShowMap();
@@ -92,6 +94,7 @@ private:
     DesktopNotices& m_notices;
     GroundStation m_ground;
     StationStatus m_status;
+    HeardTimes m_heardTimes;
     TipCell m_tipCell;
     std::unique_ptr<MainMenuView> m_menu;
     std::unique_ptr<frmTerm> m_terminal;

@@ -2,12 +2,14 @@
 
 #include "core/GroundStation.h"
 #include "core/Texts.h"
+#include "foundation/settings/Settings.h"
 #include "foundation/text/Text.h"
 #include "orbit/panel/TrackingDisplay.h"
 #include "telemetry/frames/ByteViews.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -102,17 +104,19 @@ void StationStatus::AddElements(StatusTexts& texts) const {
 }
 
 void StationStatus::AddRise(StatusTexts& texts) {
-    if (!m_station.station.PositionKnown())
-        return;
     const TrackedSatellite& satellite = m_station.satellites.Selected();
     const auto elements = m_station.cSats.ElementsOf(satellite.strObjNum);
-    if (!elements)
+    if (!m_station.station.PositionKnown() || !elements) {
+        m_rise.reset();
+        m_question = {};
         return;
+    }
     const DateTime now = m_station.cSats.datGmtTime();
     const Question question{satellite.strObjNum, m_station.station.dblLat(), m_station.station.dblLong(),
                             elements->epochUtc};
-    const bool isOver = m_rise ? m_rise->utc <= now : now >= m_askedAgain;
-    if (isOver || question != m_question)
+    const bool isOver = now >= (m_rise ? m_rise->utc : m_askedAt + searchAgain);
+    const bool hasRunBack = now < m_askedAt; // a pass may lie between
+    if (isOver || hasRunBack || question != m_question)
         FindRise(question, now);
     if (!m_rise) {
         texts.nextRise =
@@ -121,12 +125,18 @@ void StationStatus::AddRise(StatusTexts& texts) {
     }
     const double seconds = (m_rise->utc - now) * secondsPerDay;
     texts.nextRise = QStringLiteral("%1 rises in %2").arg(satellite.strBaseName, Countdown(seconds));
+    texts.isRiseNear = m_notice.IsNear(m_rise->utc, m_rise->maxElevation, now);
+    if (texts.isRiseNear && m_notice.TellOnce(question.object, m_rise->utc))
+        m_riseNotice =
+            QStringLiteral("%1, up to %2°").arg(texts.nextRise).arg(m_rise->maxElevation, 0, 'f', 0);
 }
 
 void StationStatus::FindRise(const Question& question, DateTime now) {
     m_question = question;
     m_rise.reset();
-    m_askedAgain = now + searchAgain;
+    m_askedAt = now;
+    m_notice.SetWish({Settings::NumberOf(m_station.cIni, Settings::noticeMinutes),
+                      Settings::NumberOf(m_station.cIni, Settings::noticeMinElevation)});
     const SatPasses answer = m_station.cSats.PassesOf({.object = question.object.toStdString(),
                                                        .latitude = question.latitude,
                                                        .longitude = question.longitude,
@@ -135,4 +145,8 @@ void StationStatus::FindRise(const Question& question, DateTime now) {
                                                        .most = 1});
     if (!answer.passes.empty())
         m_rise = Rise{answer.passes.front().riseUtc, answer.passes.front().maxElevation};
+}
+
+QString StationStatus::TakeRiseNotice() {
+    return std::exchange(m_riseNotice, {});
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/RiseNotice.h"
 #include "foundation/text/DateTime.h"
 #include "telemetry/frames/HeardFrame.h"
 #include "telemetry/limits/LimitJudge.h"
@@ -20,6 +21,7 @@ struct StatusTexts {
     QString nextRise;
     QString event;
     bool areElementsOld = false; ///< so that passes are off by more than seconds
+    bool isRiseNear = false;     ///< so that the user is told of it
 
     bool operator==(const StatusTexts&) const = default;
 };
@@ -41,6 +43,9 @@ public:
         double maxElevation = 0.0;
     };
     std::optional<Rise> NextRise() const { return m_rise; }
+
+    /// What the user is to be told of a rise that `Now` found near, once a pass; empty: nothing.
+    QString TakeRiseNotice();
 
     /// The last event of a limit, until it was looked at.
     const std::optional<LimitEvent>& Event() const { return m_event; }
@@ -71,7 +76,9 @@ private:
     double m_day = 0.0; // that `m_today` counts, in display time
     int m_today = 0;
     Question m_question;
-    DateTime m_askedAgain = 0.0; // when there was no pass, it is asked again from here on
+    DateTime m_askedAt = 0.0; // for the next rise
     std::optional<Rise> m_rise;
+    RiseNotice m_notice;
+    QString m_riseNotice;
     std::optional<LimitEvent> m_event;
 };

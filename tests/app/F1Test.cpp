@@ -106,6 +106,8 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
         {u"txtTo"_s, u"txtVia"_s, u"txtPort"_s, u"cmdAprs"_s, u"cmdLoc"_s, u"rtbMon"_s, u"txtTx"_s});
     row("mnuMap", "frmMap", {u"picMap"_s});
     row("cmdPassInfo", "frmPass", {u"txtInfo"_s, u"cmdCopy"_s, u"cmdPrint"_s, u"cmdFinished"_s});
+    row("mnuSky", "frmSky",
+        {u"picSky"_s, u"tblValues"_s, u"cmdEarlier"_s, u"cmdLater"_s, u"chkEastLeft"_s, u"chkHeard"_s});
     row("mnuLocation", "frmLocation", {u"txtCallsign"_s, u"txtLat"_s, u"txtLong"_s, u"txtComment"_s});
     row("mnuAGWPESetup", "frmAgwpeSetup",
         {u"txtHostAddr"_s, u"txtPort"_s, u"txtLoginId"_s, u"txtPassword"_s});

@@ -15,6 +15,9 @@ private Q_SLOTS:
     void theStatusBarsButtonOpensIt();
     void thePanelsContextMenuOpensIt();
     void aPassThatIsChosenOpensThere();
+    void aRiseIsToldOfInTheStatusBarAndByTheDesktop_data();
+    void aRiseIsToldOfInTheStatusBarAndByTheDesktop();
+    void thePassWindowSavesForTheStation();
     void itFollowsTheSatelliteAndEndsWithTheProgram();
 
 private:
@@ -77,6 +80,53 @@ void SkyInMainWindowTest::itFollowsTheSatelliteAndEndsWithTheProgram() {
     QVERIFY(pass() != before);
     rig.window->close();
     QVERIFY(!Sky());
+}
+
+void SkyInMainWindowTest::aRiseIsToldOfInTheStatusBarAndByTheDesktop_data() {
+    QTest::addColumn<QString>("show");
+    QTest::newRow("with a status bar") << u"TRUE"_s;
+    QTest::newRow("without one") << u"FALSE"_s;
+}
+
+void SkyInMainWindowTest::aRiseIsToldOfInTheStatusBarAndByTheDesktop() {
+    QFETCH(const QString, show);
+    MainWindowRig rig;
+    rig.Set("NOTICE", "MIN_ELEVATION", u"0"_s);
+    rig.Set("STATUS", "SHOW", show);
+    Prepare(rig);
+    auto* label = rig.Find<QLabel>("labNextRise");
+    const QString said = label->text();
+    QVERIFY(said.startsWith(u"QIRAN rises in "_s) && !label->font().bold());
+    const auto tick = [&] {
+        QTimerEvent event(rig.Find<QTimer>("Timer1")->timerId());
+        QCoreApplication::sendEvent(rig.Find<QTimer>("Timer1"), &event);
+    };
+    QVERIFY(rig.notices.shown.isEmpty());
+    while (!label->font().bold()) {
+        rig.clock.Advance(60);
+        tick();
+    }
+    QCOMPARE(rig.notices.shown.size(), 1);
+    QVERIFY2(rig.notices.shown.first().contains(u": QIRAN rises in "_s),
+             qPrintable(rig.notices.shown.first()));
+    QVERIFY(label->palette().color(QPalette::WindowText) != QPalette().color(QPalette::WindowText));
+    rig.clock.Advance(400);
+    tick();
+    QVERIFY(!label->font().bold());
+    QCOMPARE(rig.notices.shown.size(), 1);
+}
+
+void SkyInMainWindowTest::thePassWindowSavesForTheStation() {
+    MainWindowRig rig;
+    Prepare(rig);
+    bool canSave = false;
+    QTimer::singleShot(0, rig.window.get(), [&] {
+        QWidget* window = QApplication::activeModalWidget();
+        canSave = window->findChild<QAction*>(u"mnuSaveCsv"_s)->isEnabled();
+        window->close();
+    });
+    rig.Find<QPushButton>("cmdPassInfo")->click();
+    QVERIFY(canSave);
 }
 
 QTEST_MAIN(SkyInMainWindowTest)

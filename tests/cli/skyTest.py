@@ -8,6 +8,8 @@ the azimuths at a printed rise or set, which belong to the true one."""
 
 import datetime
 import json
+import os
+import pty
 import signal
 import subprocess
 import sys
@@ -46,6 +48,11 @@ def with_checksum(line):
     """A line 2 of elements with the checksum that it should have; any other line as it is."""
     if not line.startswith("2 "):
         return line
+    return line[:68] + str(sum(int(c) if c.isdigit() else c == "-" for c in line[:68]) % 10)
+
+
+def with_sum(line):
+    """Any line of elements with the checksum that it should have."""
     return line[:68] + str(sum(int(c) if c.isdigit() else c == "-" for c in line[:68]) % 10)
 
 
@@ -138,6 +145,27 @@ class Passes(SkyTest):
         text = self.call("passes", "--satellite", "all", "--from", "2026-11-21T00:00Z")
         self.assertEqual([line.split()[-1] for line in text.split("\r\n") if line.startswith("2026-")],
                          [one["satellite"] for one in found])
+
+    def test_a_night_of_many_satellites_tells_its_progress_on_a_terminal_alone(self):
+        lines = []
+        for k in range(1200):
+            number = 10000 + k
+            lines += [f"OBJECT {number}", with_sum(f"1 {number}U 26001A   26324.50000000  .00000000  00000-0  10000-3 0  999"),
+                      with_sum(f"2 {number}  97.6000 {k * 0.3:8.4f} 0010000  60.0000 {k * 7 % 360:8.4f} 14.30000000    1")]
+        (self.folder / "Keps/many.txt").write_text("\n".join(lines) + "\n")
+        question = ("passes", "--satellite", "all", "--from", "2026-11-21T00:00Z", "--min-elevation", "60")
+        plain = self.call(*question)
+        ours, theirs = pty.openpty()
+        process = self.start(*question, stdout=subprocess.PIPE, stderr=theirs)
+        printed = process.communicate(timeout=60)[0].decode()
+        told = os.read(ours, 65536).decode()
+        os.close(theirs)
+        os.close(ours)
+        self.assertEqual(printed, plain)
+        self.assertEqual(told.split("\r")[1:], ["500 of 1202 satellites\x1b[K", "1000 of 1202 satellites\x1b[K", "\x1b[K"])
+        starts = [line[:20] for line in plain.split("\r\n") if line.startswith("2026-")]
+        self.assertGreater(len(starts), 300)
+        self.assertEqual(starts, sorted(starts))
 
     def test_a_satellite_is_found_by_its_number_and_has_its_files_name(self):
         elements = (self.folder / "Keps/example.txt").read_text().replace("QIRAN\n", "CUBE, \"A\"\n")

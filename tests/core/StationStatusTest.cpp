@@ -16,6 +16,11 @@ private Q_SLOTS:
     void theElementsAgeIsNamed();
     void theNextRiseCountsDown();
     void withoutAPositionNothingRises();
+    void aHighPassIsToldOfInTimeAndOnce();
+    void aClockThatIsSetTellsNoPassTwice();
+    void aLowPassIsNotToldOf();
+    void zeroMinutesTellNothing();
+    void eachSatelliteHasItsOwnNotice();
     void theLastEventIsNamedUntilItWasSeen();
 };
 
@@ -145,6 +150,112 @@ void StationStatusTest::theLastEventIsNamedUntilItWasSeen() {
     status.EventSeen();
     QCOMPARE(status.Now().event, QString());
     QVERIFY(!status.Event());
+}
+
+namespace {
+
+/// A station with elements whose next rise is known.
+struct RiseRig : StationRig {
+    RiseRig() {
+        WriteElements(*this);
+        Set("SETUP", "LATITUDE", u"5130.00N"_s);
+        Set("SETUP", "LONGITUDE", u"00007.50W"_s);
+    }
+    // The rise, degrees of its culmination.
+    std::pair<DateTime, double> Begin() {
+        if (station->Start() != GroundStation::Outcome::Started)
+            qFatal("no start");
+        status.Now();
+        return {status.NextRise()->utc, status.NextRise()->maxElevation};
+    }
+    bool IsNearAt(DateTime utc) {
+        clock.Set(utc);
+        return status.Now().isRiseNear;
+    }
+    QString ToldAt(DateTime utc) {
+        clock.Set(utc);
+        status.Now();
+        return status.TakeRiseNotice();
+    }
+    StationStatus status{*station};
+};
+
+constexpr double minute = 1 / minutesPerDay;
+
+} // namespace
+
+void StationStatusTest::aHighPassIsToldOfInTimeAndOnce() {
+    RiseRig rig;
+    rig.Set("NOTICE", "MIN_ELEVATION", u"0"_s);
+    const auto [rise, elevation] = rig.Begin();
+    QCOMPARE(rig.ToldAt(rise - 5.1 * minute), QString());
+    QVERIFY(!rig.IsNearAt(rise - 5.1 * minute));
+    QVERIFY(rig.IsNearAt(rise - 4.9 * minute));
+    QCOMPARE(rig.ToldAt(rise - 4.9 * minute), u"QIRAN rises in 5 min, up to %1°"_s.arg(elevation, 0, 'f', 0));
+    QVERIFY(rig.IsNearAt(rise - 1 * minute)); // goes on standing out
+    QCOMPARE(rig.ToldAt(rise - 1 * minute), QString());
+    QVERIFY(!rig.IsNearAt(rise + 0.1 * minute));
+    const DateTime next = rig.status.NextRise()->utc;
+    QVERIFY(next > rise + 60 * minute);
+    QVERIFY(!rig.ToldAt(next - 2 * minute).isEmpty());
+}
+
+void StationStatusTest::aClockThatIsSetTellsNoPassTwice() {
+    RiseRig rig;
+    rig.Set("NOTICE", "MIN_ELEVATION", u"0"_s);
+    const DateTime rise = rig.Begin().first;
+    QVERIFY(!rig.ToldAt(rise - 2 * minute).isEmpty()); // came late
+    QVERIFY(rig.ToldAt(rise - 60 * minute).isEmpty()); // set back
+    QVERIFY(rig.ToldAt(rise - 3 * minute).isEmpty());
+    QVERIFY(rig.ToldAt(rise + 1 * minute).isEmpty());
+    QVERIFY(rig.ToldAt(rise - 3 * minute).isEmpty()); // back from behind it
+    // Set back by a day: the passes of that day come again, those not told of yet.
+    rig.clock.Set(rise - 1);
+    rig.status.Now();
+    const DateTime before = rig.status.NextRise()->utc;
+    QVERIFY(before < rise - 0.5);
+    QVERIFY(!rig.ToldAt(before - 2 * minute).isEmpty());
+    // Newer elements move the rise by seconds.
+    QVERIFY(rig.ToldAt(rise - 3 * minute).isEmpty());
+    rig.folder.Write(u"Keps/newer.txt"_s,
+                     "QIRAN\r\n"
+                     "1 90417U 26001A   26324.50001000  .00000100  00000-0  18000-4 0  9997\r\n"
+                     "2 90417  97.6000 100.0000 0010000  60.0000 300.0000 14.30000000000015\r\n");
+    rig.station->LoadElements();
+    QVERIFY(rig.ToldAt(rise - 3 * minute).isEmpty());
+    QVERIFY(rig.status.NextRise()->utc != rise);
+}
+
+void StationStatusTest::aLowPassIsNotToldOf() {
+    RiseRig rig;
+    const auto [rise, elevation] = [&] {
+        RiseRig other;
+        return other.Begin();
+    }();
+    rig.Set("NOTICE", "MIN_ELEVATION", QString::number(std::ceil(elevation)));
+    rig.Begin();
+    QVERIFY(!rig.IsNearAt(rise - 1 * minute));
+    QVERIFY(rig.ToldAt(rise - 1 * minute).isEmpty());
+}
+
+void StationStatusTest::zeroMinutesTellNothing() {
+    RiseRig rig;
+    rig.Set("NOTICE", "MIN_ELEVATION", u"0"_s);
+    rig.Set("NOTICE", "MINUTES", u"0"_s);
+    const DateTime rise = rig.Begin().first;
+    for (const double minutes : {5.0, 0.5, 0.01})
+        QVERIFY(rig.ToldAt(rise - minutes * minute).isEmpty());
+}
+
+void StationStatusTest::eachSatelliteHasItsOwnNotice() {
+    RiseNotice notice;
+    QVERIFY(notice.TellOnce(u"90417"_s, 46000));
+    QVERIFY(notice.TellOnce(u"25544"_s, 46000));
+    QVERIFY(!notice.TellOnce(u"90417"_s, 46000.002));
+    QVERIFY(notice.TellOnce(u"90417"_s, 46000.06));
+    for (int k = 1; k < 1000; ++k) // a year's passes take no room without bound
+        QVERIFY(notice.TellOnce(u"90417"_s, 47000 + k));
+    QVERIFY(!notice.TellOnce(u"90417"_s, 47999));
 }
 
 QTEST_GUILESS_MAIN(StationStatusTest)

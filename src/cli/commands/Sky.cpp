@@ -37,10 +37,10 @@ Sky::Sky(const Session& session)
     , m_asked(session.call.Get<QString>(Options::satellite).value_or(QStringLiteral("QIRAN")))
     , m_qiran(Stored(session, Settings::qiranObjNum))
     , m_iss(Stored(session, Settings::issObjNum))
-    , m_sats(std::make_unique<KVRSatLib>([this](const std::string& line) {
-                 m_damage.append(Text::FromBytes(QByteArray::fromStdString(line)));
-             }),
-             session.clock)
+    , m_library(new KVRSatLib([this](const std::string& line) {
+        m_damage.append(Text::FromBytes(QByteArray::fromStdString(line)));
+    }))
+    , m_sats(std::unique_ptr<OrbitLibrary>(m_library), session.clock)
     , m_place(PlaceOf(session)) {
     m_sats.setBlnLocalTime(session.call.Has(Options::local));
     m_sats.setStrKeplerPath(session.folder.KepsFolder());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/table/Session.h"
+#include "orbit/service/KVRSatLib.h"
 #include "orbit/service/clsSats.h"
 
 #include <QStringList>
@@ -22,6 +23,9 @@ public:
     explicit Sky(const Session& session);
 
     const clsSats& Service() const { return m_sats; }
+
+    /// Memory for the satellites asked about until now is given back.
+    void ForgetTracks() { m_library->ForgetTracks(); }
 
     /// The place asked for or the station's; nothing where that is not known.
     const std::optional<PlaceOnEarth>& Place() const { return m_place; }
@@ -47,6 +51,7 @@ private:
     const QString m_qiran; ///< catalogue numbers of the settings
     const QString m_iss;
     QStringList m_damage;
+    KVRSatLib* const m_library; ///< of the service
     clsSats m_sats;
     std::optional<PlaceOnEarth> m_place;
 };

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <poll.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -64,6 +65,12 @@ void Console::Say(const QString& text) {
         if (c < u' ' || c == u'\x7f')
             c = u' ';
     WriteAll(m_messages, line.toUtf8() + '\n');
+}
+
+void Console::Progress(const QString& text) {
+    const bool isToBeErased = std::exchange(m_tellsProgress, !text.isEmpty());
+    if ((isToBeErased || m_tellsProgress) && isatty(m_messages) == 1)
+        WriteAll(m_messages, "\r" + text.toUtf8() + "\x1b[K"); // erases what was longer
 }
 
 int Console::Finish(int code) {

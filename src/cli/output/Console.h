@@ -24,6 +24,10 @@ public:
     /// A message for the user: one line, with the program's name before it.
     void Say(const QString& text);
 
+    /// How far a long work has come, on a terminal: in the place of what was told before. Empty: it is over,
+    /// and nothing of it stays. Where messages go elsewhere nothing is written.
+    void Progress(const QString& text);
+
     /// Writes the rest and answers what the program ends with: `code`, or 1 when not all of the output could
     /// be written, which is said. That nobody reads any further is no failure.
     int Finish(int code);
@@ -32,5 +36,6 @@ private:
     const int m_output;
     const int m_messages;
     QByteArray m_waiting;
+    bool m_tellsProgress = false;
     int m_error = 0; ///< of the system, from the first failure on
 };

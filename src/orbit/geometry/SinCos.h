@@ -30,11 +30,16 @@ struct SinCos {
     }
 
     /// This angle and `delta` radians more. Up to 1/8 the series of sine and cosine give all the digits of a
-    /// double at a fraction of the cost of a library call.
+    /// double at a fraction of the cost of a library call; up to 1/64 two terms less of each do.
     SinCos Plus(double delta) const {
-        if (!(std::abs(delta) <= 0.125))
-            return *this + Of(delta);
         const double q = delta * delta;
+        if (q <= 1.0 / (64 * 64)) {
+            const double s = delta * (1 - q * (1.0 / 6) * (1 - q * (1.0 / 20)));
+            const double versine = 0.5 * q * (1 - q * (1.0 / 12) * (1 - q * (1.0 / 30)));
+            return {sin + (cos * s - sin * versine), cos - (sin * s + cos * versine)};
+        }
+        if (!(q <= 1.0 / (8 * 8)))
+            return *this + Of(delta);
         const double s =
             delta * (1 - q * (1.0 / 6) * (1 - q * (1.0 / 20) * (1 - q * (1.0 / 42) * (1 - q * (1.0 / 72)))));
         const double versine =

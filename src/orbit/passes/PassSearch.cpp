@@ -189,9 +189,10 @@ void Search::Cross(const PathPiece& piece, double from, double to, bool rising) 
     constexpr int mostSteps = 60;           // of which half a dozen are the rule
     double low = from;
     double high = to;
+    const HeightCurve height(piece);
     for (int k = 0; k < halvingsOfPiece; ++k) {
         const double middle = 0.5 * (low + high);
-        ((piece.HeightAt(middle) > 0) == rising ? high : low) = middle;
+        ((height.At(middle) > 0) == rising ? high : low) = middle;
     }
     double time = 0.5 * (low + high);
     low = from;
@@ -203,9 +204,9 @@ void Search::Cross(const PathPiece& piece, double from, double to, bool rising) 
         if (!node)
             break;
         crossing = node->point;
-        const double height = crossing.position.z;
-        ((height > 0) == rising ? high : low) = time;
-        const double step = -height / crossing.velocity.z;
+        const double trueHeight = crossing.position.z;
+        ((trueHeight > 0) == rising ? high : low) = time;
+        const double step = -trueHeight / crossing.velocity.z;
         const bool inside = time + step >= low && time + step <= high;
         const double next = inside ? time + step : 0.5 * (low + high);
         // What Newton's step leaves over, for the path bends and its velocity is not quite the change of its

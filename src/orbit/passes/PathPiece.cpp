@@ -16,6 +16,29 @@ T Value(std::array<T, N> c, double x) {
     return c[0];
 }
 
+/// The coefficients of the powers of x.
+template <typename T, std::size_t N>
+std::array<T, N> Powers(std::array<T, N> c) {
+    for (std::size_t order = 1; order < N; ++order) {
+        for (std::size_t k = N - 1; k >= order; --k)
+            c[k] = c[k] - c[k - 1];
+    }
+    double binomial = 1;
+    for (std::size_t k = 1; k < N; ++k) {
+        binomial = binomial * static_cast<double>(N - k) / static_cast<double>(k);
+        c[k] = binomial * c[k];
+    }
+    return c;
+}
+
+template <std::size_t N>
+double ValueOfPowers(const std::array<double, N>& powers, double x) {
+    double value = powers.back();
+    for (std::size_t k = N - 1; k > 0; --k)
+        value = x * value + powers[k - 1];
+    return value;
+}
+
 using Quartic = std::array<double, 5>;
 
 int SignChanges(const Quartic& c) {
@@ -40,9 +63,10 @@ void FindRoots(const Quartic& c, double from, double length, int depth, PathPiec
         double low = 0;
         double high = 1;
         const bool rising = c.back() > 0;
+        const Quartic powers = Powers(c);
         for (int k = 0; k < deepest; ++k) {
             const double middle = 0.5 * (low + high);
-            ((Value(c, middle) > 0) == rising ? high : low) = middle;
+            ((ValueOfPowers(powers, middle) > 0) == rising ? high : low) = middle;
         }
         found.times.at(found.count++) = from + 0.5 * (low + high) * length;
         return;
@@ -72,6 +96,12 @@ std::array<Vector3, 6> ControlPoints(const PathPoint& from, const PathPoint& to)
         to.position - fifth * to.velocity,
         to.position,
     };
+}
+
+std::array<double, 6> Heights(const std::array<Vector3, 6>& points) {
+    std::array<double, 6> heights{};
+    std::ranges::transform(points, heights.begin(), &Vector3::z);
+    return heights;
 }
 
 } // namespace
@@ -112,10 +142,7 @@ Vector3 PathPiece::At(double time) const {
 }
 
 double PathPiece::HeightAt(double time) const {
-    std::array<double, 6> heights{};
-    for (std::size_t k = 0; k < heights.size(); ++k)
-        heights[k] = m_points[k].z;
-    return Value(heights, (time - m_start) / m_length);
+    return Value(Heights(m_points), (time - m_start) / m_length);
 }
 
 PathPiece::Extrema PathPiece::HeightExtrema() const {
@@ -129,18 +156,19 @@ PathPiece::Extrema PathPiece::HeightExtrema() const {
     return found;
 }
 
+HeightCurve::HeightCurve(const PathPiece& piece)
+    : m_start(piece.m_start)
+    , m_perLength(1 / piece.m_length)
+    , m_powers(Powers(Heights(piece.m_points))) {}
+
+double HeightCurve::At(double time) const {
+    return ValueOfPowers(m_powers, (time - m_start) * m_perLength);
+}
+
 ElevationTrend::ElevationTrend(const PathPiece& piece)
     : m_start(piece.m_start)
     , m_perLength(1 / piece.m_length)
-    , m_powers(piece.m_points) {
-    constexpr std::array<double, 6> binomial = {1, 5, 10, 10, 5, 1};
-    for (std::size_t order = 1; order < m_powers.size(); ++order) {
-        for (std::size_t k = m_powers.size() - 1; k >= order; --k)
-            m_powers[k] = m_powers[k] - m_powers[k - 1];
-    }
-    for (std::size_t k = 0; k < m_powers.size(); ++k)
-        m_powers[k] = binomial[k] * m_powers[k];
-}
+    , m_powers(Powers(piece.m_points)) {}
 
 bool ElevationTrend::IsUpAt(double time) const {
     const double x = (time - m_start) * m_perLength;

@@ -41,6 +41,7 @@ public:
 
 private:
     friend class ElevationTrend;
+    friend class HeightCurve;
 
     double m_start = 0;
     double m_length = 0;
@@ -48,8 +49,21 @@ private:
     double m_error = 0;
 };
 
-/// Whether the elevation grows along a piece, for being asked often: a polynomial of powers costs less than
-/// Bernstein's.
+/// The height over the horizon's plane along a piece, for being asked often: a polynomial of powers costs
+/// less than Bernstein's.
+class HeightCurve {
+public:
+    explicit HeightCurve(const PathPiece& piece);
+
+    double At(double time) const;
+
+private:
+    double m_start;
+    double m_perLength;
+    std::array<double, 6> m_powers; ///< of the part of the way along the piece
+};
+
+/// Whether the elevation grows along a piece, likewise.
 class ElevationTrend {
 public:
     explicit ElevationTrend(const PathPiece& piece);

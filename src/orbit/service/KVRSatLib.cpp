@@ -109,9 +109,13 @@ bool KVRSatLib::SetElementFolder(const std::string& path) {
         return false;
     m_path = path;
     m_folder = std::move(*folder);
+    ForgetTracks();
+    return true;
+}
+
+void KVRSatLib::ForgetTracks() {
     m_cache->propagators.clear();
     m_cache->last = nullptr;
-    return true;
 }
 
 bool KVRSatLib::SetObserverLatitude(double degrees) {

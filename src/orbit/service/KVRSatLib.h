@@ -50,6 +50,10 @@ public:
     std::optional<orbitmath::PassList> Passes(const std::string& object, double startUtc, int passesPerDay,
                                               int days) const;
 
+    /// Gives back what the positions asked for so far have been prepared with: for those who ask for many
+    /// objects, one after the other.
+    void ForgetTracks();
+
 private:
     /// Nothing when the object is unknown. `utc` is the time it is asked for. Stays valid as long as the
     /// folder.

@@ -20,12 +20,12 @@ void PassTable::Add(DateTime start, const Pass& pass, qint16 startAzimuth, qint1
     m_lines += lineEnd;
 }
 
-QString PassTable::Text() const {
+QString PassTable::Head() const {
     const bool hasNames = m_names == Names::Shown;
     const QString note = m_zone == Zone::Local ? QStringLiteral("'Start Time' is local time.")
                                                : QStringLiteral("'Start Time' is UTC.");
     const QString head = QStringLiteral("      Start Time       Duration  Start Az  End Az  Max Elev");
     const QString rule = QStringLiteral("      ----------       --------  --------  ------  --------");
     return note + lineEnd + lineEnd + head + (hasNames ? QStringLiteral(" Satellite") : QString()) + lineEnd +
-           rule + (hasNames ? QStringLiteral(" ---------") : QString()) + lineEnd + m_lines;
+           rule + (hasNames ? QStringLiteral(" ---------") : QString()) + lineEnd;
 }

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <optional>
+#include <utility>
 
 /// The table of pass predictions: a line for each pass, an empty one between days. Lines end with CR LF.
 class PassTable {
@@ -20,8 +21,14 @@ public:
     void Add(DateTime start, const Pass& pass, qint16 startAzimuth, qint16 endAzimuth,
              const QString& name = {});
 
-    /// With the note of the zone and the heads of the columns.
-    QString Text() const;
+    /// The note of the zone and the heads of the columns.
+    QString Head() const;
+
+    /// The lines added since the last call: of a long table, one that is printed piece by piece.
+    QString TakeLines() { return std::exchange(m_lines, {}); }
+
+    /// Head and lines.
+    QString Text() const { return Head() + m_lines; }
 
 private:
     const Zone m_zone;

@@ -144,22 +144,25 @@ clsSats::PassInfo clsSats::PassInfoOf(const QString& strObject) const {
     PassTable table(m_blnLocalTime ? PassTable::Zone::Local : PassTable::Zone::Utc, PassTable::Names::None);
     for (const std::string_view item : PassList::Items(*passes)) {
         const std::optional<Pass> pass = PassList::Parse(item);
-        if (!pass || !AddToTable(table, strObject, *pass))
+        const std::optional<PassEnds> ends = pass ? EndsOf(strObject, *pass) : std::nullopt;
+        if (!ends)
             return {};
+        AddToTable(table, *pass, *ends);
         starts.push_back(pass->startUtc);
     }
     return {table.Text(), std::move(starts), now};
 }
 
-bool clsSats::AddToTable(PassTable& table, const QString& strObject, const Pass& pass,
-                         const QString& name) const {
+std::optional<clsSats::PassEnds> clsSats::EndsOf(const QString& strObject, const Pass& pass) const {
     const std::optional<qint16> startAzimuth = AzimuthAt(strObject, pass.startUtc);
     const std::optional<qint16> endAzimuth =
         AzimuthAt(strObject, pass.startUtc + pass.durationSeconds / secondsPerDay);
-    if (!startAzimuth || !endAzimuth)
-        return false;
-    table.Add(ToDisplayTime(pass.startUtc), pass, *startAzimuth, *endAzimuth, name);
-    return true;
+    return startAzimuth && endAzimuth ? std::optional(PassEnds{*startAzimuth, *endAzimuth}) : std::nullopt;
+}
+
+void clsSats::AddToTable(PassTable& table, const Pass& pass, const PassEnds& ends,
+                         const QString& name) const {
+    table.Add(ToDisplayTime(pass.startUtc), pass, ends.startAzimuth, ends.endAzimuth, name);
 }
 
 std::optional<ElementSource> clsSats::ElementsOf(const QString& strSat) const {

@@ -85,10 +85,16 @@ public:
     /// The table alone.
     QString strPassInfo(const QString& strObject) const { return PassInfoOf(strObject).table; }
 
-    /// Adds the line of a pass to a table of predictions in display time. False when the object has no
-    /// position at its start or end.
-    bool AddToTable(PassTable& table, const QString& strObject, const Pass& pass,
-                    const QString& name = {}) const;
+    /// Where a pass begins and ends, as the table of predictions has it: azimuths in whole degrees. Nothing
+    /// when the object has no position then.
+    struct PassEnds {
+        qint16 startAzimuth = 0;
+        qint16 endAzimuth = 0;
+    };
+    std::optional<PassEnds> EndsOf(const QString& strObject, const Pass& pass) const;
+
+    /// Adds the line of a pass to a table of predictions in display time.
+    void AddToTable(PassTable& table, const Pass& pass, const PassEnds& ends, const QString& name = {}) const;
 
     /// Which elements an object is tracked by.
     std::optional<ElementSource> ElementsOf(const QString& strSat) const;

@@ -207,15 +207,19 @@ Propagation Propagator::NearEarth(double t) const {
     double aRatio = 1 - m_c1 * t;
     double eLoss = m_elements.bstar * m_c4 * t;
     double lGain = 1.5 * m_c1 * t2;
-    double perigee = m_elements.argumentOfPerigee + m_perigeeDot * t;
+    const double perigee = m_elements.argumentOfPerigee + m_perigeeDot * t;
     double meanAnomaly = m_elements.meanAnomaly + m_meanAnomalyDot * t;
-    SinCos m;
+    Mean mean;
+    mean.perigee = SinCos::Of(perigee);
+    mean.node = SinCos::Of(m_elements.node + (m_nodeDot + m_nodeCoef * t) * t);
     if (!m_simpleDrag) {
-        m = SinCos::Of(meanAnomaly);
+        SinCos m = SinCos::Of(meanAnomaly);
+        mean.meanLatitude = m + mean.perigee;
+        // From the one to the other, which their sum does not see.
         const double shift = m_perigeeCoef * t + m_meanAnomalyCoef * (Cubed(1 + m_eta * m.cos) - m_deltaM0);
         m = m.Plus(shift);
         meanAnomaly += shift;
-        perigee -= shift;
+        mean.perigee = mean.perigee.Plus(-shift);
         aRatio -= t2 * (m_d2 + t * (m_d3 + t * m_d4));
         eLoss += m_elements.bstar * m_c5 * (m.sin - m_sinM0);
         lGain += t2 * t * (m_t3 + t * (m_t4 + t * m_t5));
@@ -224,14 +228,13 @@ Propagation Propagator::NearEarth(double t) const {
     if (!(e < 1 && e >= -0.001))
         return Failed(PropagationError::MeanEccentricity);
 
-    Mean mean;
     mean.a = m_a0 * aRatio * aRatio;
     mean.e = std::max(e, 1e-6);
-    mean.perigee = SinCos::Of(perigee);
-    mean.node = SinCos::Of(m_elements.node + (m_nodeDot + m_nodeCoef * t) * t);
     mean.meanAnomaly = meanAnomaly + m_n0 * lGain;
-    mean.meanLatitude =
-        m_simpleDrag ? SinCos::Of(mean.meanAnomaly + perigee) : m.Plus(m_n0 * lGain) + mean.perigee;
+    if (m_simpleDrag)
+        mean.meanLatitude = SinCos::Of(mean.meanAnomaly + perigee);
+    else
+        mean.latitudeGain = m_n0 * lGain;
     return WithPeriodics(mean, m_inclined);
 }
 
@@ -310,7 +313,8 @@ Propagation Propagator::WithPeriodics(const Mean& mean, const Inclined& inclined
     if (!(p >= 0))
         return Failed(std::isnan(p) ? PropagationError::OutOfRange : PropagationError::SemiLatusRectum);
 
-    const SinCos anomaly = SolveKepler(mean.meanLatitude.Plus(perP * inclined.xlCoef * ax), ax, ay);
+    const SinCos anomaly =
+        SolveKepler(mean.meanLatitude.Plus(mean.latitudeGain + perP * inclined.xlCoef * ax), ax, ay);
     const double eCosE = ax * anomaly.cos + ay * anomaly.sin;
     const double eSinE = ax * anomaly.sin - ay * anomaly.cos;
     const double r = mean.a * (1 - eCosE);

@@ -83,10 +83,11 @@ private:
     struct Mean {
         double a = 0; ///< earth radii
         double e = 0;
-        SinCos perigee;         ///< omega
-        SinCos node;            ///< Omega
-        SinCos meanLatitude;    ///< M + omega
-        double meanAnomaly = 0; ///< M, radians
+        SinCos perigee;          ///< omega
+        SinCos node;             ///< Omega
+        SinCos meanLatitude;     ///< M + omega, less what follows
+        double latitudeGain = 0; ///< radians that M + omega has more
+        double meanAnomaly = 0;  ///< M, radians
     };
 
     void InitialiseDrag(double perigeeKm, double beta2);

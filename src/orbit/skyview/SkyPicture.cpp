@@ -26,6 +26,7 @@ struct Colours {
     }
     QColor Selected() const { return isDark ? QColor(0x7c, 0xb8, 0xff) : QColor(0x00, 0x50, 0xb4); }
     QColor Other() const { return isDark ? QColor(0xff, 0xb0, 0x60) : QColor(0xa0, 0x48, 0x00); }
+    QColor Heard() const { return isDark ? QColor(0x60, 0xd8, 0x60) : QColor(0x00, 0x80, 0x20); }
     QColor Sun() const { return {0xff, 0xc8, 0x20}; }
     QColor Behind() const {
         QColor colour = ground;
@@ -51,6 +52,8 @@ public:
 
     void All() {
         Ground();
+        if (m_picture.ShownReception())
+            HeardCells(*m_picture.ShownReception());
         Skyline();
         Rings();
         const auto& tracks = m_view.Scene().tracks;
@@ -61,6 +64,7 @@ public:
             Sun(*m_view.Scene().sun);
         for (std::size_t k = 0; k < tracks.size(); ++k)
             Marks(tracks[k], k == 0);
+        HeardMarks();
     }
 
 private:
@@ -158,6 +162,52 @@ private:
         }
     }
 
+    // The more frames came from a cell, the stronger its colour; a single one can be seen among thousands.
+    void HeardCells(const Reception& reception) {
+        const double most = std::log1p(std::max(reception.Most(), 1));
+        m_painter.setPen(Qt::NoPen);
+        for (int elevation = 0; elevation < Reception::elevations; ++elevation) {
+            for (int azimuth = 0; azimuth < Reception::azimuths; ++azimuth) {
+                const int frames = reception.In(azimuth, elevation);
+                if (frames == 0)
+                    continue;
+                QColor colour = m_colours.Heard();
+                colour.setAlphaF(static_cast<float>(0.15 + 0.6 * std::log1p(frames) / most));
+                m_painter.setBrush(colour);
+                m_painter.drawPath(Cell(azimuth, elevation));
+            }
+        }
+    }
+
+    QPainterPath Cell(int azimuth, int elevation) const {
+        constexpr int width = 360 / Reception::azimuths;
+        constexpr int height = 90 / Reception::elevations;
+        QPolygonF outline;
+        for (int k = 0; k <= width; ++k)
+            outline += m_picture.PointOf(azimuth * width + k, elevation * height);
+        for (int k = width; k >= 0; --k)
+            outline += m_picture.PointOf(azimuth * width + k, (elevation + 1) * height);
+        QPainterPath path;
+        path.addPolygon(outline);
+        path.closeSubpath();
+        return path;
+    }
+
+    // A short stroke across the way for each frame.
+    void HeardMarks() {
+        m_painter.setPen(QPen(m_colours.Heard(), 2));
+        for (const SkyPoint& heard : m_view.Scene().heard) {
+            const auto& way = m_view.Scene().tracks.front().path.points;
+            const auto behind = std::ranges::lower_bound(way, heard.utc, {}, &SkyPoint::utc);
+            if (behind == way.begin() || behind == way.end())
+                continue;
+            const QPointF along = At(*behind) - At(*(behind - 1));
+            const double length = std::max(std::hypot(along.x(), along.y()), 0.01);
+            const QPointF stroke = QPointF(-along.y(), along.x()) * (0.45 * m_unit / length);
+            m_painter.drawLine(At(heard) - stroke, At(heard) + stroke);
+        }
+    }
+
     void Sun(const SkyPoint& sun) {
         const QPointF place = At(sun);
         const double radius = 0.4 * m_unit;
@@ -224,6 +274,11 @@ SkyPicture::SkyPicture(const SkyView& view, QWidget* parent)
 
 void SkyPicture::SetEast(SkyGeometry::East east) {
     m_east = east;
+    update();
+}
+
+void SkyPicture::SetReception(const std::optional<Reception>& reception) {
+    m_reception = reception;
     update();
 }
 

@@ -14,6 +14,10 @@ public:
 
     void SetEast(SkyGeometry::East east);
 
+    /// Shades the sky by where frames were heard; nothing: not.
+    void SetReception(const std::optional<Reception>& reception);
+    const std::optional<Reception>& ShownReception() const { return m_reception; }
+
     /// Where a direction lies in the widget.
     QPointF PointOf(double azimuth, double elevation) const;
 
@@ -26,4 +30,5 @@ protected:
 private:
     const SkyView& m_view;
     SkyGeometry::East m_east = SkyGeometry::East::Right;
+    std::optional<Reception> m_reception;
 };

@@ -4,6 +4,7 @@
 #include "orbit/sky/Sun.h"
 #include "orbit/skyview/SkyTexts.h"
 
+#include <algorithm>
 #include <utility>
 
 using orbitmath::DopplerShift;
@@ -38,11 +39,12 @@ void AddFaults(QStringList& lines, const QString& name, const File& file) {
 } // namespace
 
 SkyView::SkyView(const clsSats& cSats, const TrackedSatellites& satellites, PlaceOfStation place,
-                 SimulatedTime simulatedTime, const ProgramFolder& folder)
+                 SimulatedTime simulatedTime, const ProgramFolder& folder, HeardBetween heard)
     : m_cSats(cSats)
     , m_satellites(satellites)
     , m_placeOfStation(std::move(place))
     , m_simulatedTime(std::move(simulatedTime))
+    , m_heardBetween(std::move(heard))
     , m_horizon(HorizonFile::Read(folder.File(QStringLiteral("horizon.txt"))))
     , m_frequencies(FrequenciesFile::Read(folder.File(QStringLiteral("frequencies.txt")))) {}
 
@@ -97,6 +99,7 @@ void SkyView::Refresh() {
         m_scene.tracks.front().now = PointOf(*now, m_now);
     AddOther();
     PlaceSun();
+    PlaceHeard();
     MakeRows();
 }
 
@@ -120,6 +123,18 @@ void SkyView::PlaceSun() {
         Observer(m_place->latitude, m_place->longitude).Look({Sun::At(m_now).OverEarth(), {}});
     if (look.elevation > 0)
         m_scene.sun = SkyPoint{m_now, look.azimuth / radiansPerDegree, look.elevation / radiansPerDegree};
+}
+
+// Frames are the first satellite's, whichever is selected.
+void SkyView::PlaceHeard() {
+    m_heard = 0;
+    if (!m_heardBetween || m_satellites.intObjIndex() != 0 || !m_shown.pass)
+        return;
+    const std::vector<DateTime> times = m_heardBetween(m_shown.pass->riseUtc, m_shown.pass->setUtc);
+    m_heard = times.size();
+    for (std::size_t k = 0; k < std::min(times.size(), mostHeard); ++k)
+        if (const auto position = m_cSats.PositionAt(Object(), times[k]))
+            m_scene.heard.push_back(PointOf(*position, times[k]));
 }
 
 bool SkyView::StepEarlier() {
@@ -170,6 +185,9 @@ void SkyView::AddValues(const SatPosition& position) {
     if (m_horizon.Around().IsKnown() && m_shown.pass)
         m_rows.push_back({QStringLiteral("Visible"), VisibleText()});
     const TrackedSatellite& selected = m_satellites.Selected();
+    if (m_heard > 0)
+        m_rows.push_back({QStringLiteral("Heard"), m_heard == 1 ? QStringLiteral("1 frame")
+                                                                : QStringLiteral("%1 frames").arg(m_heard)});
     for (const SatFrequency& frequency : m_frequencies.Of(selected.strBaseName, selected.strObjNum)) {
         const double shift = DopplerShift(position.dblRangeRate, frequency.megahertz * 1e6);
         m_rows.push_back({QStringLiteral("%1 %2").arg(frequency.name, SkyTexts::Shift(shift)),

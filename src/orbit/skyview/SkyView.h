@@ -5,6 +5,7 @@
 #include "orbit/skyview/FrequenciesFile.h"
 #include "orbit/skyview/HorizonFile.h"
 #include "orbit/skyview/PassSteps.h"
+#include "orbit/skyview/Reception.h"
 #include "orbit/skyview/SkyPath.h"
 
 #include <QStringList>
@@ -23,6 +24,7 @@ struct SkyScene {
 
     std::vector<Track> tracks;   ///< the selected satellite first, then the other one while it is up
     std::optional<SkyPoint> sun; ///< while it is up
+    std::vector<SkyPoint> heard; ///< where frames came in during the selected satellite's pass
 };
 
 /// A line of the values beside it.
@@ -41,9 +43,12 @@ public:
     /// The time of the map's clock (UTC) while the map simulates, nothing while it follows the real one.
     using SimulatedTime = std::function<std::optional<DateTime>()>;
 
-    /// All references outlive it. Reads horizon.txt and frequencies.txt.
+    static constexpr std::size_t mostHeard = 2000; ///< frames that are marked along a pass
+
+    /// All references outlive it. Reads horizon.txt and frequencies.txt. `heard` may be empty: then nobody
+    /// knows.
     SkyView(const clsSats& cSats, const TrackedSatellites& satellites, PlaceOfStation place,
-            SimulatedTime simulatedTime, const ProgramFolder& folder);
+            SimulatedTime simulatedTime, const ProgramFolder& folder, HeardBetween heard = {});
 
     /// Brings everything up to the present time, place and selection.
     void Refresh();
@@ -102,6 +107,7 @@ private:
     void Show(const SatPass& pass);
     void AddOther();
     void PlaceSun();
+    void PlaceHeard();
     void MakeRows();
     void AddValues(const SatPosition& position);
     SkyRow Countdown() const;
@@ -111,6 +117,7 @@ private:
     const TrackedSatellites& m_satellites;
     const PlaceOfStation m_placeOfStation;
     const SimulatedTime m_simulatedTime;
+    const HeardBetween m_heardBetween;
     const HorizonFile m_horizon;
     const FrequenciesFile m_frequencies;
 
@@ -121,6 +128,7 @@ private:
     Kept m_shown;
     Kept m_other;
     std::vector<SkySpan> m_visible;
+    std::size_t m_heard = 0; // frames during the pass shown
     SkyScene m_scene;
     std::vector<SkyRow> m_rows;
 };

@@ -1,7 +1,9 @@
 #include "orbit/skyview/frmSky.h"
 
 #include "foundation/fields/Named.h"
+#include "foundation/messages/mb.h"
 #include "foundation/placement/WindowTitle.h"
+#include "foundation/settings/ReplaceFile.h"
 #include "foundation/settings/Settings.h"
 
 #include <QCheckBox>
@@ -22,9 +24,11 @@ constexpr int refreshInterval = 1000; // ms
 } // namespace
 
 frmSky::frmSky(const clsSats& cSats, const TrackedSatellites& satellites, SkyView::PlaceOfStation place,
-               SkyView::SimulatedTime simulatedTime, clsIni& cIni, const ProgramFolder& folder)
+               SkyView::SimulatedTime simulatedTime, clsIni& cIni, const ProgramFolder& folder,
+               SkyHearing hearing)
     : m_cIni(cIni)
-    , m_view(cSats, satellites, std::move(place), std::move(simulatedTime), folder)
+    , m_hearing(std::move(hearing))
+    , m_view(cSats, satellites, std::move(place), std::move(simulatedTime), folder, m_hearing.between)
     , picSky(Named(u"picSky", new SkyPicture(m_view, this)))
     , labPass(Named(u"labPass", new QLabel(this)))
     , labTime(Named(u"labTime", new QLabel(this)))
@@ -34,7 +38,11 @@ frmSky::frmSky(const clsSats& cSats, const TrackedSatellites& satellites, SkyVie
     , cmdPresent(Named(u"cmdPresent", new QPushButton(tr("&Present or next"), this)))
     , cmdLater(Named(u"cmdLater", new QPushButton(tr("&Later >"), this)))
     , chkEastLeft(Named(u"chkEastLeft", new QCheckBox(tr("East on the left (looking &up)"), this)))
+    , chkHeard(Named(u"chkHeard", new QCheckBox(tr("&Where do I hear it?"), this)))
+    , labHeard(Named(u"labHeard", new QLabel(this)))
+    , cmdSaveHeard(Named(u"cmdSaveHeard", new QPushButton(tr("&Save as CSV"), this)))
     , Timer1(Named(u"Timer1", new QTimer(this)))
+    , timSum(Named(u"timSum", new QTimer(this)))
     , m_placement(std::make_unique<clsWindowPos>()) {
     setObjectName(u"frmSky");
     SetPlainTitle(*this, tr("The sky"));
@@ -67,6 +75,7 @@ QWidget* frmSky::MakeLeft() {
     layout->addWidget(labPass);
     layout->addWidget(picSky, 1);
     layout->addLayout(steps);
+    layout->addWidget(MakeHearing());
     connect(cmdEarlier, &QPushButton::clicked, this, [this] { Step(m_view.StepEarlier()); });
     connect(cmdLater, &QPushButton::clicked, this, [this] { Step(m_view.StepLater()); });
     connect(cmdPresent, &QPushButton::clicked, this, [this] {
@@ -78,6 +87,64 @@ QWidget* frmSky::MakeLeft() {
         ShowEast(isLeft);
     });
     return left;
+}
+
+QWidget* frmSky::MakeHearing() {
+    labHeard->setTextFormat(Qt::PlainText);
+    cmdSaveHeard->setEnabled(false);
+    auto* hearing = Named(u"fraHeard", new QWidget(this));
+    auto* layout = new QHBoxLayout(hearing);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(chkHeard);
+    layout->addWidget(labHeard, 1);
+    layout->addWidget(cmdSaveHeard);
+    hearing->setVisible(static_cast<bool>(m_hearing.between));
+    connect(chkHeard, &QCheckBox::clicked, this, &frmSky::SumUp);
+    connect(cmdSaveHeard, &QPushButton::clicked, this, &frmSky::SaveHeard);
+    connect(timSum, &QTimer::timeout, this, &frmSky::GoOnSumming);
+    return hearing;
+}
+
+void frmSky::SumUp(bool isWanted) {
+    timSum->stop();
+    m_sum.reset();
+    if (isWanted) {
+        constexpr DateTime everything = 1e6; // days, both ways
+        m_sum =
+            std::make_unique<ReceptionSum>(m_hearing.between(-everything, everything), m_hearing.directionAt);
+        timSum->start(0);
+    }
+    ShowSum();
+}
+
+void frmSky::GoOnSumming() {
+    constexpr std::size_t atOnce = 2000; // some milliseconds
+    if (!m_sum->Step(atOnce))
+        timSum->stop();
+    ShowSum();
+}
+
+void frmSky::ShowSum() {
+    cmdSaveHeard->setEnabled(m_sum && m_sum->IsDone());
+    picSky->SetReception(m_sum ? std::optional(m_sum->Sum()) : std::nullopt);
+    QString text;
+    if (m_sum) {
+        text = tr("%1 frames").arg(m_sum->Sum().Frames());
+        if (const int unknown = m_sum->Sum().Unknown(); unknown > 0)
+            text += tr(", %1 more without elements of their time").arg(unknown);
+    }
+    labHeard->setText(text);
+}
+
+void frmSky::SaveHeard() {
+    const QString path =
+        m_hearing.chooseFile(this, tr("Save Where Frames Were Heard"), QStringLiteral("heard.csv"));
+    if (path.isEmpty())
+        return;
+    const QString reason = ReplaceFile(path, m_sum->Sum().Csv());
+    if (!reason.isEmpty() && m_hearing.messages != nullptr)
+        m_hearing.messages->MessageBox(this, tr("The table cannot be saved in %1: %2").arg(path, reason),
+                                       MessageStyle::Exclamation);
 }
 
 QWidget* frmSky::MakeRight() {
@@ -130,6 +197,12 @@ void frmSky::SatHasChanged() {
 
 void frmSky::DataHaveChanged() {
     m_view.Forget();
+    HeardHasChanged();
+}
+
+void frmSky::HeardHasChanged() {
+    if (m_sum)
+        SumUp(true);
     Refresh();
 }
 

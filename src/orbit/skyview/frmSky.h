@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/messages/FileChoice.h"
 #include "foundation/placement/clsWindowPos.h"
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
@@ -15,6 +16,15 @@ class QCheckBox;
 class QLabel;
 class QPushButton;
 class QTableWidget;
+class mb;
+
+/// What the sky window knows of frames that were heard. Without `between` it shows nothing of it.
+struct SkyHearing {
+    HeardBetween between;
+    DirectionAt directionAt;
+    FileChoice::Choose chooseFile = FileChoice::Ask;
+    const mb* messages = nullptr; ///< is told why a file could not be saved; may be null
+};
 
 /// The sky over the station: the present or next pass of the selected satellite and what it has to be known
 /// by. A window of its own, not modal; show it after making it.
@@ -23,7 +33,8 @@ class frmSky : public QWidget {
 public:
     /// All references outlive it.
     frmSky(const clsSats& cSats, const TrackedSatellites& satellites, SkyView::PlaceOfStation place,
-           SkyView::SimulatedTime simulatedTime, clsIni& cIni, const ProgramFolder& folder);
+           SkyView::SimulatedTime simulatedTime, clsIni& cIni, const ProgramFolder& folder,
+           SkyHearing hearing = {});
     ~frmSky() override;
     frmSky(const frmSky&) = delete;
     frmSky& operator=(const frmSky&) = delete;
@@ -33,6 +44,9 @@ public:
 
     /// Other elements have been read, or the station's position, or whether times are local, has changed.
     void DataHaveChanged();
+
+    /// Other frames are known to have been heard.
+    void HeardHasChanged();
 
     /// Shows the pass that rises at this time (UTC, to two seconds); where none does, the present or next
     /// one.
@@ -55,13 +69,20 @@ private:
     QWidget* MakeLeft();
     QWidget* MakeRight();
     void MakeKeys();
+    QWidget* MakeHearing();
+    void SumUp(bool isWanted);
+    void GoOnSumming();
+    void ShowSum();
+    void SaveHeard();
     void ShowEast(bool isLeft);
     void Step(bool found);
     void ShowRows();
     void SetCell(int row, int column, const QString& text, bool isLarge);
 
     clsIni& m_cIni;
+    const SkyHearing m_hearing;
     SkyView m_view;
+    std::unique_ptr<ReceptionSum> m_sum; // while it is wanted
     SkyPicture* picSky;
     QLabel* labPass;
     QLabel* labTime;
@@ -71,6 +92,10 @@ private:
     QPushButton* cmdPresent;
     QPushButton* cmdLater;
     QCheckBox* chkEastLeft;
+    QCheckBox* chkHeard;
+    QLabel* labHeard;
+    QPushButton* cmdSaveHeard;
     QTimer* Timer1;
+    QTimer* timSum; // runs while frames are being summed up
     std::unique_ptr<clsWindowPos> m_placement;
 };
