@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int symbolsOnACurve = 20;
+constexpr int symbolsOnACurve = 40;
 constexpr int symbolSize = 8; // pixels
 constexpr int entriesInARow = 4;
 
@@ -78,6 +78,7 @@ void PlotFields::AddField(const std::vector<HistoryChannel>& channels, int grid)
     m_plot.plotLayout()->addElement(row + 1, 0, rect);
     m_rects.push_back(rect);
     rect->setRangeDrag(Qt::Horizontal);
+    rect->setMinimumMargins(QMargins(4, 2, 12, 2));
     for (QCPAxis* axis : rect->axes()) {
         axis->setLayer(QStringLiteral("axes"));
         axis->grid()->setLayer(QStringLiteral("grid"));
@@ -107,7 +108,8 @@ void PlotFields::AddCurve(const HistoryChannel& channel, QCPAxisRect* rect, QCPL
     QCPGraph* curve = m_plot.addGraph(rect->axis(QCPAxis::atBottom), rect->axis(QCPAxis::atLeft));
     const QColor colour(colours[place % colours.size()]);
     curve->setName(ChannelTable::NameOf(channel));
-    curve->setPen(QPen(colour, 1));
+    // A line of width 1 stays one dot of the screen wide, however fine the screen is, and is the cheapest.
+    curve->setPen(QPen(colour, m_plot.devicePixelRatioF() > 1.0 ? 1.2 : 1.0));
     curve->setAdaptiveSampling(false); // points are no more than can be seen
     QCPScatterStyle symbol(shapes[static_cast<std::size_t>(channel.row - 1) % shapes.size()], symbolSize);
     symbol.setPen(QPen(colour, 1.5));
