@@ -1,5 +1,7 @@
 #include "app/StatusBarView.h"
 
+#include "foundation/looks/Contrast.h"
+
 #include <QLabel>
 #include <QToolButton>
 
@@ -7,12 +9,14 @@ namespace {
 
 constexpr int refreshInterval = 1000; // ms
 
-// Amber that reads on light and on dark ground alike.
+// Amber, as light or dark as the ground asks for.
 void Mark(QLabel* label, bool isMarked) {
     QPalette palette;
     if (isMarked) {
-        const bool isDark = palette.color(QPalette::Window).lightness() < 128;
-        palette.setColor(QPalette::WindowText, isDark ? QColor(255, 191, 0) : QColor(140, 80, 0));
+        const QColor ground = palette.color(QPalette::Window);
+        const bool isDark = ground.lightness() < 128;
+        palette.setColor(QPalette::WindowText,
+                         Contrast::Legible(isDark ? QColor(255, 191, 0) : QColor(140, 80, 0), ground));
     }
     label->setPalette(palette);
 }
@@ -77,4 +81,10 @@ void StatusBarView::Refresh() {
     if (texts.areElementsOld != m_shown.areElementsOld)
         Mark(labElements, texts.areElementsOld);
     m_shown = texts;
+}
+
+void StatusBarView::changeEvent(QEvent* event) {
+    QStatusBar::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_shown.areElementsOld)
+        Mark(labElements, true); // on another ground
 }

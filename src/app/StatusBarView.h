@@ -25,6 +25,9 @@ Q_SIGNALS:
     /// The user asks for the sky.
     void SkyRequested();
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     QLabel* Add(const QString& name, const QString& accessibleName, int stretch);
 

@@ -17,6 +17,7 @@
 #include "orbit/panel/framLocation.h"
 #include "orbit/predictions/frmPass.h"
 #include "orbit/skyview/frmSky.h"
+#include "station/identity/PositionText.h"
 #include "station/identity/frmLocation.h"
 #include "station/terminal/frmTerm.h"
 #include "telemetry/callsigns/frmCalls.h"
@@ -48,7 +49,9 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     , m_ground(folder, clock, messages, *this)
     , m_status(m_ground)
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
-    , m_timer1(this) {
+    , m_timer1(this)
+    , m_legible(this)
+    , m_size(*this, m_ground.cIni, QStringLiteral("MAIN")) {
     setObjectName(QStringLiteral("frmQIRAN"));
     setWindowTitle(Texts::Title());
     m_ground.setParent(this); // its timers are found by name below the window
@@ -140,7 +143,8 @@ void frmQIRAN::PlaceWindow() {
     m_framLocation = new framLocation(m_ground.cSats, m_ground.satellites);
     m_side->addWidget(m_framLocation);
     m_side->addStretch();
-    resize(sizeHint());
+    if (!m_size.Restore())
+        resize(sizeHint());
     CentreOnScreen(this);
     const auto place = [this](const Setting& setting, int pixels) {
         return Twips::PixelsOf(Settings::ReadOr(m_ground.cIni, setting, Twips::TextOf(pixels, *this)), *this);
@@ -244,6 +248,7 @@ void frmQIRAN::Show() {
         staStatus->Start();
     ShowGuide();
     show();
+    m_size.Opened();
 }
 
 void frmQIRAN::ApplyStationPosition() {
@@ -257,6 +262,7 @@ void frmQIRAN::SetDueCaption() {
 
 void frmQIRAN::ShowPassPredictions() {
     frmPass passes(m_ground.cSats, m_ground.satellites, this);
+    passes.RememberSize(m_ground.cIni);
     std::optional<DateTime> chosen;
     connect(&passes, &frmPass::PassChosen, this, [&](DateTime startUtc) {
         chosen = startUtc;
@@ -305,6 +311,7 @@ void frmQIRAN::ShowMap() {
     if (!m_map) {
         m_map = new frmMap(m_ground.cSats, m_ground.satellites, m_ground.cIni, m_messages, m_ground.folder);
         m_map->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_map, &frmMap::PositionChosen, this, &frmQIRAN::UseAsPosition);
         connect(m_map, &frmMap::ChangeSatRequested, m_framLocation, &framLocation::ChangeSat);
         connect(m_map, &frmMap::TimeShown, this, [this] {
             if (m_sky)
@@ -316,6 +323,15 @@ void frmQIRAN::ShowMap() {
     m_map->show();
     m_map->raise();
     m_map->activateWindow();
+}
+
+void frmQIRAN::UseAsPosition(double latitude, double longitude) {
+    using namespace PositionText;
+    const QString lat = ToStored(FromDegrees(latitude, Axis::Latitude), Axis::Latitude);
+    const QString lon = ToStored(FromDegrees(longitude, Axis::Longitude), Axis::Longitude);
+    m_ground.station.setStrLat(lat);
+    m_ground.station.setStrLong(lon);
+    m_ground.station.setStrLoc(Locator(lat, lon).value_or(QString()));
 }
 
 void frmQIRAN::ShowStationInformation() {
@@ -375,6 +391,7 @@ void frmQIRAN::ReleaseWindows() {
 bool frmQIRAN::SaveWindowPlace() {
     if (isMinimized())
         return false;
+    m_size.Save();
     if (WindowsCanBePlaced()) {
         Settings::Save(m_ground.cIni, Settings::left, Twips::TextOf(x(), *this));
         Settings::Save(m_ground.cIni, Settings::top, Twips::TextOf(y(), *this));

@@ -5,6 +5,8 @@
 #include "core/Roof.h"
 #include "core/StartGuide.h"
 #include "core/StationStatus.h"
+#include "foundation/looks/LegiblePalette.h"
+#include "foundation/placement/WindowSize.h"
 #include "telemetry/grids/TipCell.h"
 
 #include <QMainWindow>
@@ -88,6 +90,8 @@ private:
     QPointer<frmSky> m_sky;
     QTimer m_timer1;
     RunningWindow m_running;
+    LegiblePalette m_legible;
+    WindowSize m_size;
     bool m_isClosing = false;
     framGuide* m_guide = nullptr; // none once it has done its work
     MonitorPane* txtMon;

@@ -119,6 +119,8 @@ void framLocation::Show(const TrackingLabels& labels) {
     labAz->setText(labels.strAz);
     labEl->setText(labels.strEl);
     labDue->setText(labels.strDue);
+    labDue->setToolTip(labels.strDueTip);
+    labDue->setAccessibleDescription(labels.strDueTip);
     if (!labels.newBackground)
         return;
     for (QLabel* label : {labLat, labLong, labAz, labEl, labDue})

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "foundation/placement/WindowSize.h"
 #include "orbit/service/TrackedSatellites.h"
 #include "orbit/service/clsSats.h"
 
 #include <QDialog>
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 class QPlainTextEdit;
@@ -22,6 +24,12 @@ public:
     frmPass(const clsSats& cSats, const TrackedSatellites& satellites, QWidget* parent = nullptr,
             ChoosePrinter choosePrinter = AskForPrinter);
 
+    /// The window keeps the size that the user gives it in these settings, which outlive it.
+    void RememberSize(clsIni& ini);
+
+    /// Closing by any way keeps the size.
+    void done(int result) override;
+
     /// The platform's print dialog.
     static bool AskForPrinter(QPrinter& printer, QWidget* window);
 
@@ -32,12 +40,14 @@ Q_SIGNALS:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void Copy() const;
     void Print();
     bool ChoosePass(const QTextCursor& cursor);
 
+    std::unique_ptr<WindowSize> m_size; // none where nothing is remembered
     QString m_caption;
     QString m_table;
     std::vector<DateTime> m_starts; // of the table's passes

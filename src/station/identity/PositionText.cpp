@@ -3,6 +3,7 @@
 #include "foundation/text/QIRUtil.h"
 #include "foundation/text/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -83,6 +84,18 @@ std::optional<QString> ValidateLatLong(const QString& entry, Axis axis, bool bln
         return std::nullopt;
     return Digits(*degrees, rule.degreeDigits) + u'.' + Digits(*minutes, 2) + u'.' + Digits(*hundredths, 2) +
            hemisphere;
+}
+
+QString FromDegrees(double degrees, Axis axis) {
+    const AxisRule rule = RuleOf(axis);
+    constexpr long long perMinute = 100;
+    constexpr long long perDegree = 60 * perMinute;
+    const double inside = std::clamp(std::abs(degrees), 0.0, static_cast<double>(rule.limit));
+    const long long hundredths = std::max(1LL, std::llround(inside * static_cast<double>(perDegree)));
+    return Digits(static_cast<qint16>(hundredths / perDegree), rule.degreeDigits) + u'.' +
+           Digits(static_cast<qint16>(hundredths % perDegree / perMinute), 2) + u'.' +
+           Digits(static_cast<qint16>(hundredths % perMinute), 2) +
+           (degrees < 0.0 ? rule.negative : rule.positive);
 }
 
 QString Name(Axis axis) {

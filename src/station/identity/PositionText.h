@@ -20,6 +20,10 @@ QString ToStored(const QString& displayed, Axis axis);
 /// alone is given back as it is where blank is allowed.
 std::optional<QString> ValidateLatLong(const QString& entry, Axis axis, bool blnAllowBlank);
 
+/// The displayed form of degrees, north and east positive, to the hundredth of a minute. 0 means that no
+/// position is known, so what rounds to it becomes a hundredth of a minute.
+QString FromDegrees(double degrees, Axis axis);
+
 /// "latitude" or "longitude".
 QString Name(Axis axis);
 

@@ -7,6 +7,7 @@
 #include "foundation/messages/mb.h"
 #include "foundation/placement/Twips.h"
 #include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/Settings.h"
 #include "foundation/text/QIRUtil.h"
 #include "link/UnprotoLink.h"
 #include "station/identity/FieldRules.h"
@@ -17,12 +18,14 @@
 #include <QBoxLayout>
 #include <QCloseEvent>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QWheelEvent>
 
 namespace {
 
@@ -64,6 +67,7 @@ frmTerm::frmTerm(clsIni& cIni, const mb& messages, UnprotoLink& link, TerminalSe
     BuildMenu();
     SetRules();
     LoadFont();
+    AddFontSizes();
     const QFontMetrics metrics = rtbMon->fontMetrics();
     resize(metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines);
 
@@ -147,13 +151,61 @@ void frmTerm::LoadFont() {
     const QString file = m_folder.File(QStringLiteral("vornak.fon"));
     if (!QFontDatabase::hasFamily(family) && QFile::exists(file))
         QFontDatabase::addApplicationFont(file);
-    QFont font = FixedFont();
+    m_textFont = FixedFont();
     if (QFontDatabase::hasFamily(family))
-        font.setFamily(family);
-    const float size = TerminalFont::SnapSize(TerminalFont::wantedPoints, Twips::FromPixels(1, *this));
-    font.setPointSizeF(static_cast<qreal>(size));
-    rtbMon->setFont(font);
-    txtTx->setFont(font);
+        m_textFont.setFamily(family);
+    ApplyFontSize();
+}
+
+// As large as the desktop's text, or as the user wants it: always one of the sizes that the font has.
+void frmTerm::ApplyFontSize() {
+    const float twipsPerPixel = Twips::FromPixels(1, *this);
+    const int pixels = Settings::NumberOf(m_cIni, Settings::terminalFontSize);
+    const float wanted = pixels > 0 ? TerminalFont::PointsOf(pixels, twipsPerPixel)
+                                    : static_cast<float>(QFontInfo(font()).pointSizeF());
+    m_textFont.setPointSizeF(static_cast<qreal>(TerminalFont::SnapSize(wanted, twipsPerPixel)));
+    rtbMon->setFont(m_textFont);
+    txtTx->setFont(m_textFont);
+}
+
+// So many sizes larger; 0 is the desktop's again.
+void frmTerm::ChangeFontSize(int steps) {
+    const auto now = static_cast<float>(m_textFont.pointSizeF());
+    const int pixels = steps == 0 ? 0 : TerminalFont::StepFrom(now, Twips::FromPixels(1, *this), steps);
+    Settings::Save(m_cIni, Settings::terminalFontSize, QString::number(pixels));
+    ApplyFontSize();
+}
+
+void frmTerm::AddFontSizes() {
+    const auto add = [this](const QString& caption, QAnyStringView name, const QList<QKeySequence>& keys,
+                            int steps) {
+        QAction* entry = Named(name, new QAction(caption, this));
+        entry->setShortcuts(keys);
+        connect(entry, &QAction::triggered, this, [this, steps] { ChangeFontSize(steps); });
+        addAction(entry);
+    };
+    add(QStringLiteral("&Larger text"), u"mnuLarger",
+        {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)}, 1);
+    add(QStringLiteral("S&maller text"), u"mnuSmaller", {QKeySequence(Qt::CTRL | Qt::Key_Minus)}, -1);
+    add(QStringLiteral("&Usual text size"), u"mnuUsualSize", {QKeySequence(Qt::CTRL | Qt::Key_0)}, 0);
+    rtbMon->viewport()->installEventFilter(this);
+}
+
+bool frmTerm::Wheel(const QWheelEvent& wheel) {
+    if (!wheel.modifiers().testFlag(Qt::ControlModifier))
+        return false;
+    m_wheel += wheel.angleDelta().y();
+    const int steps = m_wheel / QWheelEvent::DefaultDeltasPerStep;
+    m_wheel %= QWheelEvent::DefaultDeltasPerStep;
+    if (steps != 0)
+        ChangeFontSize(steps);
+    return true;
+}
+
+void frmTerm::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::FontChange && rtbMon != nullptr)
+        ApplyFontSize();
 }
 
 void frmTerm::LoadFields() {
@@ -243,6 +295,8 @@ bool frmTerm::event(QEvent* event) {
 }
 
 bool frmTerm::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == rtbMon->viewport() && event->type() == QEvent::Wheel)
+        return Wheel(*static_cast<QWheelEvent*>(event));
     if (watched == txtTx && event->type() == QEvent::KeyPress)
         return TransmitKey(*static_cast<QKeyEvent*>(event));
     return QMainWindow::eventFilter(watched, event);

@@ -48,6 +48,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
@@ -55,6 +56,10 @@ private:
     void BuildMenu();
     void SetRules();
     void LoadFont();
+    void AddFontSizes();
+    void ApplyFontSize();
+    void ChangeFontSize(int steps);
+    bool Wheel(const QWheelEvent& wheel);
     void LoadFields();
     AddressFields Fields() const;
     QString FaultOf(const QWidget* field);
@@ -72,6 +77,8 @@ private:
     TerminalSession& m_session;
     FieldGuard m_guard;
     std::unique_ptr<clsWindowPos> m_placement;
+    QFont m_textFont; // of pane and transmit line
+    int m_wheel = 0;  // what it has turned short of a step
     std::optional<QString> m_lastLine;
     bool m_isUnloaded = false;
 

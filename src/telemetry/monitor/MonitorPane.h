@@ -12,6 +12,7 @@ public:
 
 private:
     void ShowChanges();
+    void ShowLastBlock(bool isShown);
 
     const MonitorText& m_text;
     qint64 m_shownEnd; // up to where the pane shows the text, counted as MonitorText does
