@@ -165,13 +165,17 @@ function(qiran_fuzz NAME)
     set_tests_properties(${NAME} PROPERTIES LABELS fuzz TIMEOUT ${patience} ENVIRONMENT "ASAN_OPTIONS=quarantine_size_mb=16:malloc_context_size=2")
 endfunction()
 
-# qiran_program(NAME FLOOR name LOGIC files... WINDOWS files... MAIN files... STANDS_ON floors... SHIPPED files...)
+# qiran_program(NAME FLOOR name LOGIC files... WINDOWS files... MAIN files... STANDS_ON floors... [QT modules...]
+#               SHIPPED files...)
 #
 # The program itself: its top floor, and the executable NAME in a folder NAME of the build, where the shipped data
 # stands beside it so that the folder runs and can be copied as it stands.
 function(qiran_program NAME)
-    cmake_parse_arguments(PARSE_ARGV 1 PROGRAM "" "FLOOR" "LOGIC;WINDOWS;MAIN;STANDS_ON;SHIPPED")
-    qiran_floor(${PROGRAM_FLOOR} LOGIC ${PROGRAM_LOGIC} WINDOWS ${PROGRAM_WINDOWS} STANDS_ON ${PROGRAM_STANDS_ON})
+    cmake_parse_arguments(PARSE_ARGV 1 PROGRAM "" "FLOOR" "LOGIC;WINDOWS;MAIN;STANDS_ON;QT;SHIPPED")
+    qiran_floor(
+        ${PROGRAM_FLOOR} LOGIC ${PROGRAM_LOGIC} WINDOWS ${PROGRAM_WINDOWS} STANDS_ON ${PROGRAM_STANDS_ON}
+                         QT ${PROGRAM_QT}
+    )
     add_executable(${NAME} ${PROGRAM_MAIN})
     target_link_libraries(${NAME} PRIVATE ${PROGRAM_FLOOR}_windows)
     target_link_options(${NAME} PRIVATE -Wl,--as-needed)

@@ -1,13 +1,13 @@
 #include "app/StatusBarView.h"
 
+#include "app/SteadyBox.h"
 #include "foundation/looks/Contrast.h"
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QToolButton>
 
 namespace {
-
-constexpr int refreshInterval = 1000; // ms
 
 // Amber, as light or dark as the ground asks for.
 void Mark(QLabel* label, bool isMarked) {
@@ -26,15 +26,15 @@ void Mark(QLabel* label, bool isMarked) {
 StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     : QStatusBar(parent)
     , m_status(status)
-    , m_timer(this)
     , labLink(Add(QStringLiteral("labLink"), tr("Link"), 0))
     , labLastFrame(Add(QStringLiteral("labLastFrame"), tr("Last frame heard"), 0))
     , labToday(Add(QStringLiteral("labToday"), tr("Frames of the satellite today"), 0))
     , labElements(Add(QStringLiteral("labElements"), tr("Age of the elements"), 0))
     , labNextRise(Add(QStringLiteral("labNextRise"), tr("Next rise"), 0))
-    , labEvent(Add(QStringLiteral("labEvent"), tr("Last event"), 1)) {
+    , labEvent(new QToolButton(this)) {
     setObjectName(QStringLiteral("staStatus"));
     setSizeGripEnabled(false);
+    AddEvent();
     auto* cmdSky = new QToolButton(this);
     cmdSky->setObjectName(QStringLiteral("cmdSky"));
     cmdSky->setText(tr("&Sky"));
@@ -42,26 +42,54 @@ StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     cmdSky->setFocusPolicy(Qt::TabFocus);
     connect(cmdSky, &QToolButton::clicked, this, &StatusBarView::SkyRequested);
     addPermanentWidget(cmdSky);
-    m_timer.setObjectName(QStringLiteral("timStatus"));
-    m_timer.setInterval(refreshInterval);
-    connect(&m_timer, &QTimer::timeout, this, &StatusBarView::Refresh);
 }
 
 QLabel* StatusBarView::Add(const QString& name, const QString& accessibleName, int stretch) {
-    auto* label = new QLabel(this);
+    auto* label = new QLabel;
     label->setObjectName(name);
     label->setAccessibleName(accessibleName);
     label->setToolTip(accessibleName);
     label->setTextFormat(Qt::PlainText);
-    label->setMinimumWidth(1); // a long text makes no window wider
     label->setIndent(label->fontMetrics().averageCharWidth());
-    addWidget(label, stretch);
+    label->setAutoFillBackground(true); // what lies behind it need not be painted again for a few letters
+    addWidget(new SteadyBox(label), stretch);
     return label;
 }
 
-void StatusBarView::Start() {
-    m_timer.start();
-    Refresh();
+// A button, so that a key opens the event as a click does. It stands there while there is one.
+void StatusBarView::AddEvent() {
+    labEvent->setObjectName(QStringLiteral("labEvent"));
+    labEvent->setAutoRaise(true);
+    labEvent->setFocusPolicy(Qt::TabFocus);
+    labEvent->setMinimumWidth(1);
+    labEvent->installEventFilter(this);
+    addWidget(labEvent);
+    labEvent->hide();
+    connect(labEvent, &QToolButton::clicked, this, [this] {
+        const std::optional<LimitEvent> event = m_status.Event();
+        m_status.EventSeen();
+        Refresh();
+        if (event)
+            Q_EMIT EventRequested(event->utc);
+    });
+}
+
+void StatusBarView::ShowEvent(const QString& text) {
+    labEvent->setText(text);
+    labEvent->setToolTip(tr("Last event: %1").arg(text));
+    labEvent->setAccessibleName(labEvent->toolTip());
+    labEvent->setVisible(!text.isEmpty());
+}
+
+bool StatusBarView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == labEvent && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            labEvent->click();
+            return true;
+        }
+    }
+    return QStatusBar::eventFilter(watched, event);
 }
 
 void StatusBarView::Refresh() {
@@ -77,7 +105,8 @@ void StatusBarView::Refresh() {
     show(labToday, texts.today);
     show(labElements, texts.elements);
     show(labNextRise, texts.nextRise);
-    show(labEvent, texts.event);
+    if (labEvent->text() != texts.event)
+        ShowEvent(texts.event);
     if (texts.areElementsOld != m_shown.areElementsOld)
         Mark(labElements, texts.areElementsOld);
     m_shown = texts;

@@ -6,6 +6,7 @@
 #include "app/framGuide.h"
 #include "app/frmAbout.h"
 #include "core/Texts.h"
+#include "foundation/messages/DesktopNotices.h"
 #include "foundation/messages/mb.h"
 #include "foundation/placement/PlaceWindow.h"
 #include "foundation/placement/Twips.h"
@@ -17,6 +18,7 @@
 #include "orbit/panel/framLocation.h"
 #include "orbit/predictions/frmPass.h"
 #include "orbit/skyview/frmSky.h"
+#include "sharing/frmForward.h"
 #include "station/identity/PositionText.h"
 #include "station/identity/frmLocation.h"
 #include "station/terminal/frmTerm.h"
@@ -44,8 +46,9 @@ constexpr std::chrono::milliseconds closeRetry(10); // while dialogs close
 
 } // namespace
 
-frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages)
+frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages, DesktopNotices& notices)
     : m_messages(messages)
+    , m_notices(notices)
     , m_ground(folder, clock, messages, *this)
     , m_status(m_ground)
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
@@ -57,7 +60,12 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     m_ground.setParent(this); // its timers are found by name below the window
     m_timer1.setObjectName(QStringLiteral("Timer1"));
     m_timer1.setInterval(1000);
-    connect(&m_timer1, &QTimer::timeout, this, [this] { m_framLocation->Tick(); });
+    // One timer for all that changes with the second: what changes together is painted together.
+    connect(&m_timer1, &QTimer::timeout, this, [this] {
+        m_framLocation->Tick();
+        if (!staStatus->isHidden())
+            staStatus->Refresh();
+    });
     connect(&m_running, &RunningWindow::Knocked, this, &frmQIRAN::ComeForward);
     LayOut();
     ConnectMenu(*m_menu);
@@ -165,6 +173,7 @@ void frmQIRAN::PrepareTracking() {
     });
     connect(m_framLocation, &framLocation::SkyRequested, this, &frmQIRAN::ShowSky);
     connect(staStatus, &StatusBarView::SkyRequested, this, &frmQIRAN::ShowSky);
+    connect(staStatus, &StatusBarView::ForwardingRequested, this, &frmQIRAN::ShowForwarding);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::TellSky);
     connect(m_framLocation, &framLocation::PassInfoRequested, this, &frmQIRAN::ShowPassPredictions);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
@@ -173,7 +182,8 @@ void frmQIRAN::PrepareTracking() {
         m_framLocation->ShowCaption();
         m_framLocation->Refresh();
     });
-    connect(&m_ground.link, &AgwLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
+    connect(&m_ground, &GroundStation::LimitCrossed, this, &frmQIRAN::TellOfEvent);
+    connect(&m_ground.link, &ChosenLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
     ApplyStationPosition();
     m_framLocation->ShowCaption();
     SetDueCaption();
@@ -245,7 +255,7 @@ void frmQIRAN::Show() {
     QString showStatus = Settings::Peek(m_ground.cIni, Settings::statusShow);
     staStatus->setVisible(clsIni::IsItTrue(showStatus));
     if (!staStatus->isHidden())
-        staStatus->Start();
+        staStatus->Refresh();
     ShowGuide();
     show();
     m_size.Opened();
@@ -339,7 +349,11 @@ void frmQIRAN::ShowStationInformation() {
 }
 
 void frmQIRAN::ShowAgwpeSetup() {
-    frmAgwpeSetup(m_ground.agw, m_ground.link, m_messages, this).exec();
+    frmAgwpeSetup(m_ground.agw, m_ground.link.Agw(), m_messages, this).exec();
+}
+
+void frmQIRAN::ShowForwarding() {
+    frmForward(m_ground.forwarder, m_messages, this).exec();
 }
 
 void frmQIRAN::ShowCallsigns() {
@@ -355,6 +369,11 @@ void frmQIRAN::DownloadKeps() {
     TellSky();
     m_framLocation->ShowCaption();
     m_framLocation->Refresh();
+}
+
+void frmQIRAN::TellOfEvent(const LimitEvent& event) {
+    if (Settings::IsOn(m_ground.cIni, Settings::noticeEvents))
+        m_notices.Show(Texts::Title(), Texts::Crossed(event));
 }
 
 void frmQIRAN::PurgeTelemetryFiles() {
@@ -376,7 +395,6 @@ void frmQIRAN::closeEvent(QCloseEvent* event) {
 
 void frmQIRAN::ReleaseWindows() {
     m_timer1.stop();
-    staStatus->Stop();
     m_terminal.reset();
     if (frmSky* sky = m_sky) {
         sky->close();

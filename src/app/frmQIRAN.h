@@ -15,6 +15,7 @@
 
 #include <memory>
 
+class DesktopNotices;
 class framGuide;
 class framLocation;
 class frmMap;
@@ -33,7 +34,7 @@ class frmQIRAN : public QMainWindow, private Roof {
     Q_OBJECT
 public:
     /// All arguments must outlive the window.
-    frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages);
+    frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages, DesktopNotices& notices);
     ~frmQIRAN() override;
 
     /// Starts the program, shows the window and tells what is missing; false when the program cannot start,
@@ -73,14 +74,17 @@ private:
     void TellSky();
     void ShowStationInformation();
     void ShowAgwpeSetup();
+    void ShowForwarding();
     void ShowCallsigns();
     void AddToCallsigns(const QString& callsign);
     void PutInTo(const QString& callsign);
     void OpenLogFolder();
     void UseAsPosition(double latitude, double longitude);
     void DownloadKeps();
+    void TellOfEvent(const LimitEvent& event);
 
     mb& m_messages;
+    DesktopNotices& m_notices;
     GroundStation m_ground;
     StationStatus m_status;
     TipCell m_tipCell;

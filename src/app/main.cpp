@@ -1,4 +1,5 @@
 #include "app/CommandLine.h"
+#include "app/DBusNotices.h"
 #include "app/ReportPresenter.h"
 #include "app/frmQIRAN.h"
 #include "foundation/messages/HelpKey.h"
@@ -50,19 +51,20 @@ int Run(const CommandLine& line, const QString& executable) {
                                QFileInfo(executable).completeBaseName());
     const Clock clock;
     const EndRequests requests;
+    DBusNotices notices;
     const QString helpFile = folder.File(QStringLiteral("qirandecode.HLP"));
     if (line.reportFolder.isEmpty()) {
         clsIni places(folder.IniFile());
         MessageBoxPresenter presenter(helpFile, &places);
         const HelpKey helpKey(qApp, presenter);
         mb messages(presenter);
-        frmQIRAN window(folder, clock, messages);
+        frmQIRAN window(folder, clock, messages, notices);
         QObject::connect(&requests, &EndRequests::Requested, &window, &QWidget::close);
         return RunInLoop([&window] { return window.Load(); });
     }
     ReportPresenter presenter(helpFile, line.reportFolder);
     mb messages(presenter);
-    frmQIRAN window(folder, clock, messages);
+    frmQIRAN window(folder, clock, messages, notices);
     QObject::connect(&requests, &EndRequests::Requested, &window, [&] { presenter.Report(window); });
     return RunInLoop([&] {
         presenter.ReportAfter(window, line.reportSeconds);

@@ -2,6 +2,7 @@
 
 #include "core/LastStart.h"
 #include "core/Roof.h"
+#include "core/SidsIdentity.h"
 #include "core/Texts.h"
 #include "core/Version.h"
 #include "foundation/messages/HelpTopics.h"
@@ -13,6 +14,8 @@
 #include "telemetry/monitor/DisplayKind.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
 
 #include <iostream>
 
@@ -28,8 +31,17 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , cSats(std::make_unique<KVRSatLib>(), clock)
     , station(cIni)
     , agw(cIni)
-    , link(agw, clock, this)
+    , kiss(cIni)
+    , link(agw, kiss, clock, this)
     , callsigns(cIni)
+    , forwarder({.folder = folder,
+                 .ini = cIni,
+                 .clock = clock,
+                 .callsigns = callsigns,
+                 .post = forwardPost,
+                 .station = [this] { return SidsStationOf(station, satellites.At(0).strObjNum); },
+                 .random = [] { return QRandomGenerator::global()->generateDouble(); }},
+                this)
     , decoder(channelMap, formulae, callsigns)
     , terminal(cIni, clock, folder, station, link, messages,
                ProgramVersion{Version::major, Version::minor, Version::revision})
@@ -48,17 +60,27 @@ GroundStation::GroundStation(const ProgramFolder& programFolder, const Clock& cl
     , m_intake(callsigns, monitor, [this](qint64 utc) { return m_frameTime.At(utc); })
     , m_gridValues(grids, [this](qint64 utc) { return m_frameTime.At(utc); })
     , m_events(folder.File(eventsFile),
-               [this](const QString& reason) { ShowStatus(Texts::CannotWrite(eventsFile, reason)); }) {
+               [this](const QString& reason) { ShowStatus(Texts::CannotWrite(eventsFile, reason)); })
+    , m_recorder([this](const QString& reason) {
+        ShowStatus(Texts::CannotWrite(QFileInfo(RecordingPath()).fileName(), reason));
+    }) {
+    for (const auto& grid : grids)
+        grid->ShowLimits(limits, [&clock] { return clock.Milliseconds(); });
     using Takes = FanOut<HeardFrame>::Takes;
     heard.Add([this](const HeardFrame& frame) { m_intake.Take(frame); });
     heard.Add([this](const HeardFrame& frame) { decoder.Take(frame); }, Takes::LiveAndReplayed);
+    heard.Add([this](const HeardFrame& frame) { m_recorder.Take(frame); });
+    heard.Add([this](const HeardFrame& frame) { forwarder.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { m_gridValues.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { history.Take(frame); });
     decoder.Decoded().Add([this](const TelemetryFrame& frame) { limits.Take(frame); });
     m_intake.SetTerminal([this](QByteArrayView text, qint16 kind) { terminal.Take(text, kind); });
 
-    connect(&link, &AgwLink::Heard, this, [this](const HeardFrame& frame) { heard.Hand(frame); });
-    connect(&link, &AgwLink::StatusText, this, &GroundStation::ShowStatus);
+    connect(&link, &ChosenLink::Heard, this, [this](const HeardFrame& frame) { heard.Hand(frame); });
+    connect(&link, &ChosenLink::StatusText, this, &GroundStation::ShowStatus);
+    connect(&forwarder, &Forwarder::StatusText, this, &GroundStation::ShowStatus);
+    connect(&forwarder, &Forwarder::WantsRawFramesChanged, this,
+            [this](bool wants) { SetWantsRawFrames(RawTaker::Forwarding, wants); });
     connect(&m_elementsWatch, &ElementsWatch::Changed, this, [this] {
         LoadElements();
         Q_EMIT ElementsChanged();
@@ -98,6 +120,7 @@ GroundStation::Outcome GroundStation::Start() {
     terminal.Open();
     m_roof.LoadTerminal();
     LoadLimits();
+    forwarder.Start();
     link.Connect();
     m_roof.Show();
     return Outcome::Started;
@@ -134,6 +157,8 @@ void GroundStation::Stop() {
         return;
     m_isRunning = false;
     link.Stop();
+    StopRecording();
+    forwarder.Stop();
     m_elementsWatch.Stop();
     m_roof.ReleaseWindows();
     terminal.Close();
@@ -155,6 +180,34 @@ void GroundStation::ShowStatus(const QString& text) {
         Q_EMIT StatusLine(line);
 }
 
+void GroundStation::UseKiss(bool isKiss) {
+    if (isKiss == kiss.IsUsed())
+        return;
+    kiss.SetUsed(isKiss);
+    link.Connect();
+}
+
+void GroundStation::SetWantsRawFrames(RawTaker taker, bool wants) {
+    if (wants)
+        m_rawTakers.insert(taker);
+    else
+        m_rawTakers.erase(taker);
+    link.Agw().SetWantsRawFrames(!m_rawTakers.empty());
+}
+
+bool GroundStation::StartRecording(const QString& path) {
+    const bool isRecording = m_recorder.Start(path);
+    SetWantsRawFrames(RawTaker::Recording, isRecording);
+    if (!isRecording)
+        ShowStatus(Texts::CannotWrite(QFileInfo(path).fileName(), QStringLiteral("it is no recording")));
+    return isRecording;
+}
+
+void GroundStation::StopRecording() {
+    m_recorder.Stop();
+    SetWantsRawFrames(RawTaker::Recording, false);
+}
+
 void GroundStation::OpenTerminal() {
     terminal.Open();
     m_roof.LoadTerminal();
@@ -167,6 +220,7 @@ void GroundStation::LoadOptions() {
     m_intake.SetOnlyShowQiran(clsIni::IsItTrue(onlyShow));
     station.Load();
     agw.Load();
+    kiss.Load();
 }
 
 void GroundStation::RemoveOldKeys() {

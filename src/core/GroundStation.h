@@ -1,13 +1,16 @@
 #pragma once
 
+#include "core/ChosenLink.h"
 #include "core/ElementsWatch.h"
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
 #include "foundation/system/FolderLock.h"
-#include "link/agwpe/AgwLink.h"
 #include "link/agwpe/AgwSettings.h"
+#include "link/kiss/KissSettings.h"
 #include "orbit/service/TrackedSatellites.h"
 #include "orbit/service/clsSats.h"
+#include "sharing/Forwarder.h"
+#include "sharing/HttpPost.h"
 #include "station/identity/Station.h"
 #include "station/terminal/TerminalSession.h"
 #include "telemetry/calibration/TelemetryDecoder.h"
@@ -18,8 +21,11 @@
 #include "telemetry/monitor/FrameIntake.h"
 #include "telemetry/monitor/MonitorText.h"
 #include "telemetry/monitor/SecondTime.h"
+#include "telemetry/replay/FrameRecorder.h"
 
 #include <QObject>
+
+#include <set>
 
 class Clock;
 class Roof;
@@ -29,6 +35,7 @@ struct Setting;
 /// The station: everything that runs whether or not there is a window, wired, started and ended in its order.
 ///
 ///     link --> heard --> monitor, terminal and traffic log
+///                   \--> forwarding, to a server
 ///                   \--> decoder --> grids, history, limits --> events
 ///
 /// A new taker of frames or readings is added in the constructor, and nowhere else.
@@ -64,6 +71,22 @@ public:
     bool ToggleLocalTime();
     bool ToggleOnlyShowQiran();
 
+    /// Connects by a KISS TNC from now on, or by AGWPE; saved.
+    void UseKiss(bool isKiss);
+
+    /// Who needs frames whole, with their raw bytes.
+    enum class RawTaker { Recording, Forwarding };
+
+    /// A packet engine is asked for raw frames as long as anybody needs them. A KISS TNC gives no others.
+    void SetWantsRawFrames(RawTaker taker, bool wants);
+
+    /// Appends what is heard from now on to a recording. False, with a status line, where the file is none.
+    bool StartRecording(const QString& path);
+    void StopRecording();
+
+    /// The recording, empty while nothing is recorded.
+    const QString& RecordingPath() const { return m_recorder.Path(); }
+
     /// Opens the terminal again after it was closed.
     void OpenTerminal();
 
@@ -73,8 +96,11 @@ public:
     TrackedSatellites satellites;
     Station station;
     AgwSettings agw;
-    AgwLink link;
+    KissSettings kiss;
+    ChosenLink link;
     CallsignList callsigns;
+    HttpPost forwardPost;
+    Forwarder forwarder;
     ChannelMap channelMap;
     FormulaTable formulae;
     TelemetryGrids grids = MakeTelemetryGrids();
@@ -113,6 +139,8 @@ private:
     FrameIntake m_intake;
     GridValues m_gridValues;
     EventFile m_events;
+    FrameRecorder m_recorder;
+    std::set<RawTaker> m_rawTakers;
     ElementsWatch m_elementsWatch;
     bool m_isRunning = false;
 };

@@ -1,9 +1,9 @@
 #include "core/StationStatus.h"
 
 #include "core/GroundStation.h"
+#include "core/Texts.h"
 #include "foundation/text/Text.h"
 #include "orbit/panel/TrackingDisplay.h"
-#include "telemetry/calibration/GridLayout.h"
 #include "telemetry/frames/ByteViews.h"
 
 #include <algorithm>
@@ -15,6 +15,13 @@ constexpr double daysAhead = 3.0;
 constexpr double searchAgain = 1.0 / 24.0; // days
 constexpr double lastSeconds = 120.0;      // of a countdown, which shows them
 constexpr int minutesOfAnHour = 60;
+
+constexpr int retryStep =
+    5000; // milliseconds: a line that changes every second would catch the eye, and cost
+
+int RoundUp(int value, int step) {
+    return (value + step - 1) / step * step;
+}
 
 QString Countdown(double seconds) {
     if (seconds < lastSeconds)
@@ -30,13 +37,8 @@ QString Countdown(double seconds) {
 StationStatus::StationStatus(GroundStation& station)
     : m_station(station) {
     m_station.heard.Add([this](const HeardFrame& frame) { Take(frame); });
-    QObject::connect(&m_station, &GroundStation::LimitCrossed, &m_station, [this](const LimitEvent& event) {
-        m_event = QStringLiteral("%1 %2 %3: %4")
-                      .arg(event.cell.side == 0 ? QLatin1StringView("A") : QLatin1StringView("B"),
-                           QLatin1StringView(GridLayout::Tag(event.cell.grid)),
-                           QLatin1StringView(GridLayout::RowName(event.cell.grid, event.cell.row)),
-                           QLatin1StringView(LevelName(event.to)));
-    });
+    QObject::connect(&m_station, &GroundStation::LimitCrossed, &m_station,
+                     [this](const LimitEvent& event) { m_event = event; });
 }
 
 void StationStatus::Take(const HeardFrame& frame) {
@@ -56,7 +58,8 @@ StatusTexts StationStatus::Now() {
     texts.today = QStringLiteral("%1 today").arg(m_today);
     texts.link = Link();
     texts.lastFrame = LastFrame();
-    texts.event = m_event;
+    if (m_event)
+        texts.event = Texts::Crossed(*m_event);
     AddElements(texts);
     AddRise(texts);
     return texts;
@@ -66,7 +69,7 @@ QString StationStatus::Link() const {
     if (m_station.link.blnConectedToAgw())
         return QStringLiteral("Connected to %1").arg(m_station.link.HostName());
     if (const int wait = m_station.link.RetryIn(); wait >= 0)
-        return QStringLiteral("Retrying in %1 s").arg((wait + 999) / 1000);
+        return QStringLiteral("Retrying in %1 s").arg(RoundUp(wait, retryStep) / 1000);
     return QStringLiteral("Connecting to %1").arg(m_station.link.HostName());
 }
 

@@ -2,6 +2,7 @@
 
 #include "foundation/text/DateTime.h"
 #include "telemetry/frames/HeardFrame.h"
+#include "telemetry/limits/LimitJudge.h"
 
 #include <QString>
 
@@ -41,6 +42,10 @@ public:
     };
     std::optional<Rise> NextRise() const { return m_rise; }
 
+    /// The last event of a limit, until it was looked at.
+    const std::optional<LimitEvent>& Event() const { return m_event; }
+    void EventSeen() { m_event.reset(); }
+
 private:
     /// What the next rise depends on.
     struct Question {
@@ -68,5 +73,5 @@ private:
     Question m_question;
     DateTime m_askedAgain = 0.0; // when there was no pass, it is asked again from here on
     std::optional<Rise> m_rise;
-    QString m_event;
+    std::optional<LimitEvent> m_event;
 };

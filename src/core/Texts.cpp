@@ -1,6 +1,8 @@
 #include "core/Texts.h"
 
 #include "core/Version.h"
+#include "telemetry/calibration/GridLayout.h"
+#include "telemetry/limits/LimitJudge.h"
 
 namespace Texts {
 
@@ -50,6 +52,14 @@ QString CannotWrite(const QString& file, const QString& reason) {
 QString WrongLine(const QString& file, std::size_t line, const QString& reason) {
     const QString place = line == 0 ? file : QStringLiteral("%1, line %2").arg(file).arg(line);
     return QStringLiteral("*** %1: %2\r\n").arg(place, reason);
+}
+
+QString Crossed(const LimitEvent& event) {
+    return QStringLiteral("%1 %2 %3: %4")
+        .arg(event.cell.side == 0 ? QLatin1StringView("A") : QLatin1StringView("B"),
+             QLatin1StringView(GridLayout::Tag(event.cell.grid)),
+             QLatin1StringView(GridLayout::RowName(event.cell.grid, event.cell.row)),
+             QLatin1StringView(LevelName(event.to)));
 }
 
 QString WhereFormulaeBelong(const QString& path) {

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+struct LimitEvent;
+
 /// Texts of the main window that depend on what the program found at start-up.
 namespace Texts {
 
@@ -32,6 +34,9 @@ QString CannotWrite(const QString& file, const QString& reason);
 
 /// The monitor line that a line of a file (0: the file as a whole) does not count, and why.
 QString WrongLine(const QString& file, std::size_t line, const QString& reason);
+
+/// A channel and what its value came to: "A POWER Batt A: low warning".
+QString Crossed(const LimitEvent& event);
 
 /// For standard error: where a formula file is to be put, and where an example is.
 QString WhereFormulaeBelong(const QString& path);

@@ -20,19 +20,27 @@ PacketLink::PacketLink(const QString& name, QObject* parent)
 }
 
 void PacketLink::Connect() {
+    m_isInUse = true;
     m_timRetry.stop();
     Open();
 }
 
 void PacketLink::Reconnect() {
-    {
-        const QScopedValueRollback reconnecting(m_isReconnecting, true);
-        Close();
-    }
+    if (!m_isInUse)
+        return;
+    Disconnect();
     Connect();
 }
 
+void PacketLink::Disconnect() {
+    m_isInUse = false;
+    m_timRetry.stop();
+    const QScopedValueRollback closing(m_isClosing, true);
+    Close();
+}
+
 void PacketLink::Stop() {
+    m_isInUse = false;
     m_timRetry.stop();
     const QScopedValueRollback stopping(m_isStopping, true);
     Close();
@@ -61,7 +69,7 @@ void PacketLink::HandleError(const QString& host, const QString& description) {
 }
 
 QString PacketLink::AnnounceRetry() {
-    if (m_isReconnecting)
+    if (m_isClosing)
         return {};
     m_timRetry.start();
     return QStringLiteral("Will automatically retry in 30 seconds time.") + lineEnd;

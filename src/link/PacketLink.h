@@ -15,11 +15,19 @@ public:
     void Connect();
 
     /// Ends the connection and connects again with the settings as they are now. The old connection's end is
-    /// reported before this returns, without the announcement of a retry.
+    /// reported before this returns, without the announcement of a retry. Nothing where the link is not in
+    /// use.
     void Reconnect();
+
+    /// Ends connection, attempt and retries: another link is used in this one's place. The connection's end
+    /// is reported before this returns, without the announcement of a retry.
+    void Disconnect();
 
     /// For the end of the program: ends connection and retries without a word.
     void Stop();
+
+    /// Whether it connects, or tries to: from Connect on, until Disconnect or Stop.
+    bool IsInUse() const { return m_isInUse; }
 
     bool blnConectedToAgw() const override { return m_isConnected; }
 
@@ -59,7 +67,8 @@ private:
 
     const QString m_start; // of the status lines
     QTimer m_timRetry;
+    bool m_isInUse = false;
     bool m_isConnected = false;
-    bool m_isReconnecting = false; // while Reconnect closes the old connection
-    bool m_isStopping = false;     // while Stop does
+    bool m_isClosing = false;  // while Disconnect does
+    bool m_isStopping = false; // while Stop does
 };

@@ -10,7 +10,7 @@ class ProgramFolder;
 
 /// What a program without the folder's lock asks of the station that holds it, by the file
 /// "ForwardRequest.txt": a word on the first line and, behind "queue", a request's body on each of the
-/// others. The station looks for it every second, carries it out and removes it.
+/// others. The station notices it, carries it out and removes it.
 struct ForwardRequest {
     enum class Kind {
         Retry,   ///< all parked frames wait again

@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr int requestInterval = 1000; // milliseconds
 constexpr int firstRefusal = 400;
 constexpr int requestTimeout = 408;
 constexpr int tooManyRequests = 429;
@@ -40,11 +39,8 @@ Forwarder::Forwarder(Surroundings surroundings, QObject* parent)
     m_timNext.setParent(this);
     m_timNext.setObjectName(QStringLiteral("timNext"));
     m_timNext.setSingleShot(true);
-    m_timRequest.setParent(this);
-    m_timRequest.setObjectName(QStringLiteral("timRequest"));
-    m_timRequest.setInterval(requestInterval);
     connect(&m_timNext, &QTimer::timeout, this, &Forwarder::Next);
-    connect(&m_timRequest, &QTimer::timeout, this, &Forwarder::LookForRequest);
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &Forwarder::LookForRequest);
     connect(&m_around.post, &FormPost::Finished, this, &Forwarder::Answered);
 }
 
@@ -59,8 +55,8 @@ void Forwarder::Start() {
         Say(QStringLiteral("%1 lines of %2 cannot be read").arg(damaged).arg(ForwardQueue::FileName()));
     m_dropped = Counts().dropped;
     m_isRunning = true;
+    m_watcher.addPath(m_around.folder.Path());
     LookForRequest();
-    m_timRequest.start();
     Q_EMIT WantsRawFramesChanged(WantsRawFrames());
     Next();
 }
@@ -69,7 +65,7 @@ void Forwarder::Stop() {
     if (!std::exchange(m_isRunning, false))
         return;
     m_timNext.stop();
-    m_timRequest.stop();
+    m_watcher.removePath(m_around.folder.Path());
     m_around.post.Cancel();
     m_underWay = 0;
     (void)m_queue.Close();

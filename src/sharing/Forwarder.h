@@ -6,6 +6,7 @@
 #include "sharing/RetryPause.h"
 #include "sharing/SidsRequest.h"
 
+#include <QFileSystemWatcher>
 #include <QObject>
 #include <QTimer>
 
@@ -93,8 +94,8 @@ private:
     ForwardSettings m_settings;
     ForwardQueue m_queue;
     RetryPause m_pause;
-    QTimer m_timNext;    // runs until the next request may be sent
-    QTimer m_timRequest; // looks for what other programs ask
+    QTimer m_timNext;             // runs until the next request may be sent
+    QFileSystemWatcher m_watcher; // of the folder, for what other programs ask
     bool m_isRunning = false;
     qint64 m_underWay = 0; // number of the frame that is being sent
     QByteArray m_lastRaw;

@@ -64,7 +64,9 @@ HttpPost::~HttpPost() {
 void HttpPost::Send(const QUrl& url, const QByteArray& token, const QByteArray& body) {
     Cancel();
     m_timeout.start();
-    m_reply = m_network.post(RequestFor(url, token), body);
+    if (m_network == nullptr)
+        m_network = new QNetworkAccessManager(this);
+    m_reply = m_network->post(RequestFor(url, token), body);
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpPost::Read);
     connect(m_reply, &QNetworkReply::finished, this, [this] { Finish(m_reply->errorString()); });
 }

@@ -34,7 +34,7 @@ private:
     void Read();
     void Finish(const QString& trouble);
 
-    QNetworkAccessManager m_network;
+    QNetworkAccessManager* m_network = nullptr; // from the first request on
     QTimer m_timeout;
     QNetworkReply* m_reply = nullptr;
     QByteArray m_page;

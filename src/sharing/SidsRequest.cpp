@@ -96,6 +96,13 @@ bool IsBody(QByteArrayView bytes) {
     return true;
 }
 
+QString TimeIn(const QByteArray& body) {
+    constexpr QByteArrayView before = "&timestamp=";
+    const qsizetype begin = body.indexOf(before) + before.size();
+    return QString::fromLatin1(
+        QByteArray::fromPercentEncoding(body.sliced(begin, body.indexOf('&', begin) - begin)));
+}
+
 quint64 FrameKey(QByteArrayView body) {
     const qsizetype begin = std::max<qsizetype>(body.indexOf("&timestamp="), 0);
     const qsizetype end = body.indexOf("&locator=", begin);

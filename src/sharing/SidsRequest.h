@@ -39,6 +39,9 @@ std::optional<QByteArray> Body(const SidsStation& station, qint64 utc, QByteArra
 /// Whether the bytes are such a body.
 bool IsBody(QByteArrayView bytes);
 
+/// When the frame in a body was heard, as the body tells it: "2026-11-21T15:28:43.120Z".
+QString TimeIn(const QByteArray& body);
+
 /// Stands for the frame and its time in a body, whoever heard it.
 quint64 FrameKey(QByteArrayView body);
 

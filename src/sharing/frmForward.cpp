@@ -29,12 +29,6 @@ constexpr int shownLines = 10;
 constexpr int showAfter = 200; // milliseconds: a burst of frames is shown once
 constexpr int numberRole = Qt::UserRole;
 
-QString TimeIn(const QByteArray& body) {
-    const qsizetype begin = body.indexOf("&timestamp=") + 11;
-    return QString::fromLatin1(
-        QByteArray::fromPercentEncoding(body.mid(begin, body.indexOf('&', begin) - begin)));
-}
-
 } // namespace
 
 frmForward::frmForward(Forwarder& forwarder, const mb& messages, QWidget* parent)
@@ -194,7 +188,7 @@ void frmForward::ShowParked() {
             delete lstParked->takeTopLevelItem(row);
         QTreeWidgetItem* item = lstParked->topLevelItem(row);
         if (item == nullptr || item->data(0, numberRole).toLongLong() != number) {
-            item = new QTreeWidgetItem({TimeIn(frame.body), QString()});
+            item = new QTreeWidgetItem({SidsRequest::TimeIn(frame.body), QString()});
             item->setData(0, numberRole, number);
             lstParked->insertTopLevelItem(row, item);
         }

@@ -110,7 +110,7 @@ void ClosingTest::underAMessageOfTheTerminalTheMessageGoesFirst() {
     mb messages(presenter);
     rig.Set("SETUP", "LATITUDE", u"5130.00N"_s);
     rig.Set("SETUP", "LONGITUDE", u"00007.50W"_s);
-    frmQIRAN window(rig.folder.Program(), rig.clock, messages);
+    frmQIRAN window(rig.folder.Program(), rig.clock, messages, rig.notices);
     QTimer::singleShot(0, [] { QApplication::activeModalWidget()->close(); });
     QVERIFY(window.Load()); // says that there are no elements
     window.findChild<QAction*>(u"mnuTerminal"_s)->trigger();
@@ -164,7 +164,7 @@ void ClosingTest::duringTheMessagesOfTheStart() {
     MainWindowRig rig;
     MessageBoxPresenter presenter{QString()};
     mb messages(presenter);
-    frmQIRAN window(rig.folder.Program(), rig.clock, messages);
+    frmQIRAN window(rig.folder.Program(), rig.clock, messages, rig.notices);
     const CloseUnder closing(window);
     QVERIFY(window.Load());
     QCOMPARE(closing.seen, 2); // of the position, of the elements
@@ -178,7 +178,7 @@ void ClosingTest::duringTheMessageThatEndsTheStart() {
     QVERIFY(QFile::remove(rig.folder.Program().File(u"formula.txt"_s)));
     MessageBoxPresenter presenter{QString()};
     mb messages(presenter);
-    frmQIRAN window(rig.folder.Program(), rig.clock, messages);
+    frmQIRAN window(rig.folder.Program(), rig.clock, messages, rig.notices);
     const CloseUnder closing(window);
     QVERIFY(!window.Load());
     QCOMPARE(closing.seen, 1);

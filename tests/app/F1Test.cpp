@@ -1,4 +1,5 @@
 #include "app/MainWindowRig.h"
+#include "app/StatusBarView.h"
 #include "foundation/messages/HelpKey.h"
 #include "foundation/messages/HelpTopics.h"
 #include "foundation/messages/HelpWindow.h"
@@ -100,7 +101,8 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
     };
     using namespace Qt::StringLiterals;
     row("", "frmQIRAN",
-        {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"cmdChangeSat"_s, u"cmdPassInfo"_s});
+        {u"txtMon"_s, u"gTlm0"_s, u"gTlm1"_s, u"gTlm2"_s, u"labEvent"_s, u"cmdChangeSat"_s,
+         u"cmdPassInfo"_s});
     row("mnuTerminal", "frmTerm",
         {u"txtTo"_s, u"txtVia"_s, u"txtPort"_s, u"cmdAprs"_s, u"cmdLoc"_s, u"rtbMon"_s, u"txtTx"_s});
     row("mnuMap", "frmMap", {u"picMap"_s});
@@ -111,6 +113,9 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic_data() {
     row("mnuCallsigns", "frmCalls",
         {u"txtCall"_s, u"optA"_s, u"optB"_s, u"cmdAdd"_s, u"lstCalls"_s, u"cmdDefaults"_s});
     row("mnuDownloadKeps", "frmDownload", {u"txtFile0"_s, u"txtFile1"_s, u"txtTerm"_s, u"cmdDownload"_s});
+    row("staStatus", "frmForward",
+        {u"chkUse"_s, u"chkDryRun"_s, u"txtUrl"_s, u"txtToken"_s, u"txtExample"_s, u"lstParked"_s,
+         u"cmdRetry"_s, u"cmdDiscard"_s});
     row("mnuAbout", "frmAbout", {});
 }
 
@@ -134,6 +139,8 @@ void F1Test::inEveryWindowAndFieldItOpensTheTopic() {
     const auto open = [&] {
         if (auto* button = m_rig->window->findChild<QPushButton*>(opener))
             button->click();
+        else if (opener == u"staStatus")
+            Q_EMIT m_rig->Find<StatusBarView>("staStatus")->ForwardingRequested();
         else
             m_rig->window->findChild<QAction*>(opener)->trigger();
     };

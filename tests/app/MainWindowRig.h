@@ -3,6 +3,7 @@
 #include "app/frmQIRAN.h"
 #include "foundation/settings/clsIni.h"
 #include "pesim/EngineSimulator.h"
+#include "support/RecordingNotices.h"
 #include "support/RecordingPresenter.h"
 #include "support/TemporaryProgramFolder.h"
 #include "support/TestClock.h"
@@ -46,7 +47,7 @@ public:
             .GetIniString(QLatin1StringView(section), QLatin1StringView(key), QStringLiteral("absent"));
     }
 
-    void MakeWindow() { window = std::make_unique<frmQIRAN>(folder.Program(), clock, messages); }
+    void MakeWindow() { window = std::make_unique<frmQIRAN>(folder.Program(), clock, messages, notices); }
 
     bool Start() {
         MakeWindow();
@@ -69,6 +70,7 @@ public:
     TestClock clock;
     RecordingPresenter presenter;
     mb messages{presenter};
+    RecordingNotices notices;
     EngineSimulator engine;
     std::unique_ptr<frmQIRAN> window;
 };

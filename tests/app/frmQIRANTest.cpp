@@ -263,7 +263,7 @@ void frmQIRANTest::aSecondStartInTheSameFolderSaysSoAndEnds() {
     QVERIFY(rig.Start());
     RecordingPresenter presenter;
     mb messages(presenter);
-    frmQIRAN second(rig.folder.Program(), rig.clock, messages);
+    frmQIRAN second(rig.folder.Program(), rig.clock, messages, rig.notices);
     QVERIFY(!second.Load());
     QVERIFY(!second.isVisible());
     QCOMPARE(presenter.Texts(), QStringList{u"QiranDecode is already running. "_s});

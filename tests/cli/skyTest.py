@@ -219,6 +219,15 @@ class Calendar(SkyTest):
         first = uids("--from", "2026-11-21T00:00Z")
         self.assertEqual(uids("--from", "2026-11-21T12:00Z")[:5], [uid for uid in first if uid in
                                                                   uids("--from", "2026-11-21T12:00Z")][:5])
+        keps = self.folder / "Keps/example.txt"
+        before = keps.read_text()
+        newer = [with_checksum(line[:43] + f"{float(line[43:51]) + 0.05:8.4f}" + line[51:])  # some 0.8 s later
+                 if line.startswith("2 ") else line for line in before.splitlines()]
+        rises = [one["rise"] for one in self.passes("--days", "3", "--from", "2026-11-21T00:00Z")]
+        keps.write_text("".join(line + "\n" for line in newer))
+        self.assertNotEqual([one["rise"] for one in self.passes("--days", "3", "--from", "2026-11-21T00:00Z")], rises)
+        self.assertEqual(uids("--from", "2026-11-21T00:00Z"), first)
+        keps.write_text(before)
         self.assertFalse(set(first) & set(uids("--from", "2026-11-21T00:00Z", "--at", "48.1,11.5")))
         self.assertFalse(set(first) & set(uids("--from", "2026-11-21T00:00Z", "--satellite", "ISS")))
 

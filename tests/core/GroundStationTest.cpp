@@ -2,6 +2,7 @@
 
 #include "core/StationRig.h"
 #include "core/Texts.h"
+#include "keps/ScriptedServer.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -31,6 +32,8 @@ private Q_SLOTS:
     void theSatelliteIsSavedWhereTheWindowsPlaceIs();
     void replayedFramesAreNeitherShownNorLogged();
     void whatIsMissingIsTold();
+    void forwardingThatIsOffTouchesNothing();
+    void heardFramesAreForwardedUnderTheStationsNameAndPosition();
 };
 
 void GroundStationTest::theRoofHasItsTurnsInTheOrderOfTheStart() {
@@ -173,6 +176,55 @@ void GroundStationTest::replayedFramesAreNeitherShownNorLogged() {
     f.station->heard.Hand(frame);
     QVERIFY(!f.station->monitor.Text().isEmpty());
     QVERIFY(f.folder.Read(u"LOGS/20261121.TXT"_s) != before);
+}
+
+void GroundStationTest::forwardingThatIsOffTouchesNothing() {
+    StationRig f;
+    QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    f.station->heard.Hand({.utc = 1, .source = "QIRAN-3", .raw = "raw"});
+    QVERIFY(!f.station->forwarder.WantsRawFrames());
+    QVERIFY(f.station->forwardPost.children().size() <= 1); // nothing of the network, its timer alone
+    for (const QObject* part :
+         {static_cast<QObject*>(&f.station->forwarder), static_cast<QObject*>(&f.station->forwardPost)})
+        for (const QTimer* timer : part->findChildren<QTimer*>())
+            QVERIFY2(!timer->isActive(), qPrintable(timer->objectName()));
+    f.station->Stop();
+    QCOMPARE(QDir(f.folder.Program().Path()).entryList({u"Forward*"_s}), QStringList());
+    QVERIFY(!f.folder.Read(u"QiranDecode.INI"_s).contains("FORWARD"));
+}
+
+void GroundStationTest::heardFramesAreForwardedUnderTheStationsNameAndPosition() {
+    ScriptedServer server(ScriptedServer::Answer{ScriptedServer::Http("201 Created", "")});
+    StationRig f;
+    f.Set("FORWARD", "USE", u"TRUE"_s);
+    f.Set("FORWARD", "URL", server.Url(u"/api/"_s));
+    f.Set("SETUP", "QIRAN_OBJ_NUM", u"12345"_s);
+    QStringList lines;
+    connect(f.station.get(), &GroundStation::StatusLine, this, [&](const QString& line) { lines += line; });
+    QCOMPARE(f.station->Start(), GroundStation::Outcome::Started);
+    QVERIFY(f.station->forwarder.WantsRawFrames());
+    const HeardFrame frame{.utc = 1795274923120, .source = "QIRAN-3", .raw = "\x01raw"};
+    f.station->heard.Hand(frame);
+    QCOMPARE(lines.last(), u"*** Forwarding - missing: callsign, position"_s);
+    f.station->station.setStrCallsign(u"DL1ABC"_s);
+    f.station->station.setStrLat(u"4944.09N"_s);
+    f.station->station.setStrLong(u"00857.31E"_s);
+    f.station->heard.Hand(frame);
+    HeardFrame replayed = frame;
+    replayed.origin = HeardFrame::Origin::Replayed;
+    replayed.raw = "another";
+    f.station->heard.Hand(replayed);
+    QTRY_COMPARE(f.station->forwarder.Counts(), (ForwardCounts{0, 0, 1, 0, 0}));
+    const QByteArray request = server.Requests().value(0);
+    QVERIFY2(
+        request.endsWith("noradID=12345&source=DL1ABC&timestamp=2026-11-21T15%3A28%3A43.120Z&frame=01726177"
+                         "&locator=longLat&longitude=8.96E&latitude=49.73N&version=QiranDecode-" +
+                         Texts::VersionNumber().toUtf8()),
+        request.constData());
+    // What is heard behind the end is nobody's.
+    f.station->Stop();
+    f.station->heard.Hand({.utc = 2, .source = "QIRAN-3", .raw = "raw"});
+    QCOMPARE(f.station->forwarder.Counts().waiting, 0);
 }
 
 void GroundStationTest::whatIsMissingIsTold() {

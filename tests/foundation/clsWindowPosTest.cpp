@@ -132,7 +132,7 @@ void clsWindowPosTest::closedMaximizedReopensMaximizedWithTheEarlierRectangle() 
         Show(window);
         window.move(41, 53);
         window.resize(420, 310);
-        QTest::qWait(150);
+        QTRY_VERIFY(window.Place().IsSettled());
         window.showMaximized();
         QTRY_VERIFY(window.isMaximized() && window.width() > 420);
         window.close();
@@ -152,7 +152,7 @@ void clsWindowPosTest::maximizedSizeThatComesBeforeTheStateIsNotKept() {
         Window window(m_ini.get());
         Show(window);
         window.resize(420, 310);
-        QTest::qWait(150);
+        QTRY_VERIFY(window.Place().IsSettled());
         window.resize(800, 800); // the window system's new size, and only then the new state
         window.setWindowState(Qt::WindowMaximized);
         window.Place().RecordPosition();

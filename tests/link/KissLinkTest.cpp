@@ -1,12 +1,9 @@
 #include "link/kiss/KissLink.h"
 
 #include "support/TestClock.h"
-#include "telemetry/frames/Ax25Frame.h"
-#include "telemetry/frames/KissReader.h"
+#include "support/Tnc.h"
 
 #include <QEventLoop>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
 
@@ -26,46 +23,6 @@ const QString disconnectedLine = QStringLiteral("*** KISS-Disconnected from - 12
 const QString errorStart = QStringLiteral("*** KISS-Error with connection to 127.0.0.1 - ");
 
 const QByteArray heardText(" 1:Fm XQ9ZZ-1 To APRS Via QIRAN-1 <UI pid=F0 Len=5 P=0 >[12:00:00]\rT#001\r");
-
-QByteArray Raw(std::string_view information) {
-    return QByteArray::fromStdString(Ax25Frame{.destination = {"APRS", true},
-                                               .source = {"XQ9ZZ-1"},
-                                               .digipeaters = {{"QIRAN-1", true}},
-                                               .information = information}
-                                         .ToBytes()
-                                         .value());
-}
-
-QByteArray Kiss(QByteArrayView data, std::uint8_t port = 0, std::uint8_t command = 0) {
-    std::string stream;
-    KissFrame{.port = port, .command = command, .data = {data.data(), static_cast<std::size_t>(data.size())}}
-        .AppendTo(stream);
-    return QByteArray::fromStdString(stream);
-}
-
-/// The TNC's side, for one or more connections.
-class Tnc : public QTcpServer {
-public:
-    QByteArray received;
-    QList<QTcpSocket*> connections;
-
-    Tnc() {
-        connect(this, &QTcpServer::newConnection, this, [this] {
-            QTcpSocket* socket = nextPendingConnection();
-            connections.append(socket);
-            connect(socket, &QTcpSocket::readyRead, this, [this, socket] { received += socket->readAll(); });
-            connect(socket, &QTcpSocket::disconnected, this,
-                    [this, socket] { connections.removeAll(socket); });
-        });
-    }
-
-    void Send(const QByteArray& bytes) const {
-        for (QTcpSocket* socket : connections) {
-            socket->write(bytes);
-            socket->flush();
-        }
-    }
-};
 
 } // namespace
 

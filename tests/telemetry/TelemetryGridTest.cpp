@@ -25,7 +25,24 @@ private Q_SLOTS:
     void tipIsEmptyOverHeaderAndNames();
     void tipStaysWhileTheMouseStays();
     void tipCellIsSharedByTheGrids();
+    void aValueOutsideItsLimitsSaysSoBesideItsText();
+    void aValueOlderThanADayIsStale();
+    void withoutLimitsNothingIsSaid();
 };
+
+namespace {
+
+constexpr qint64 heardAt = 1'000'000'000'000;
+
+// A judge that knows POWER Batt A of side A, and has it at this level.
+void SetUp(LimitJudge& judge, Level level, const QString& unit) {
+    judge.SetLimits(
+        {{{0, 0, 1},
+          {.unit = unit, .lowAlarm = 6.0, .lowWarning = 6.5, .highWarning = {}, .highAlarm = {}}}});
+    judge.TakeUp({{{0, 0, 1}, level}});
+}
+
+} // namespace
 
 void TelemetryGridTest::layout() {
     const TelemetryGrids grids = MakeTelemetryGrids();
@@ -209,6 +226,67 @@ void TelemetryGridTest::tipCellIsSharedByTheGrids() {
     QVERIFY(cell.MouseMove(one, 1, 1).has_value());
     QVERIFY(!cell.MouseMove(other, 1, 1).has_value());
     QVERIFY(cell.MouseMove(other, 1, 2).has_value());
+}
+
+void TelemetryGridTest::aValueOutsideItsLimitsSaysSoBesideItsText() {
+    TelemetryGrid grid(0);
+    LimitJudge judge([](const LimitEvent&) {});
+    grid.ShowLimits(judge, [] { return heardAt; });
+    SetUp(judge, Level::LowAlarm, QStringLiteral("V"));
+    const QModelIndex cell = grid.index(0, TelemetryGrid::ValueA);
+    const QModelIndex other = grid.index(0, TelemetryGrid::ValueB);
+    QCOMPARE(cell.data(TelemetryGrid::LevelRole).toInt(), 0); // no value stands there
+    QCOMPARE(cell.data(TelemetryGrid::LimitText).toString(), QString());
+    for (const int side : {0, 1})
+        grid.SetValue(1, side, 5.5, {"T#1", DateOf(2002, 3, 5), heardAt});
+    QCOMPARE(cell.data(TelemetryGrid::LevelRole).toInt(), -2);
+    QCOMPARE(cell.data(TelemetryGrid::LimitText).toString(), QStringLiteral("5.50 V, low alarm"));
+    QCOMPARE(cell.data(Qt::AccessibleTextRole).toString(), QStringLiteral("Batt A, A: 5.50, low alarm"));
+    QCOMPARE(cell.data().toString(), QStringLiteral("5.50"));
+    QCOMPARE(cell.data(TelemetryGrid::FullText).toString(), QStringLiteral("5.5"));
+    QCOMPARE(grid.TextMatrix(1, TelemetryGrid::LabelA), QStringLiteral("T#1  2002-Mar-05 00:00"));
+    QCOMPARE(other.data(TelemetryGrid::LevelRole).toInt(), 0); // the other side has no limits
+    QCOMPARE(other.data(TelemetryGrid::LimitText).toString(), QString());
+    SetUp(judge, Level::Normal, QStringLiteral("V"));
+    QCOMPARE(cell.data(TelemetryGrid::LevelRole).toInt(), 0);
+    QCOMPARE(cell.data(TelemetryGrid::LimitText).toString(), QStringLiteral("5.50 V"));
+    SetUp(judge, Level::LowWarning, QString());
+    QCOMPARE(cell.data(TelemetryGrid::LimitText).toString(), QStringLiteral("low warning"));
+}
+
+void TelemetryGridTest::aValueOlderThanADayIsStale() {
+    TelemetryGrid grid(0);
+    LimitJudge judge([](const LimitEvent&) {});
+    qint64 now = heardAt + staleAfter;
+    grid.ShowLimits(judge, [&now] { return now; });
+    SetUp(judge, Level::Normal, {});
+    for (const int side : {0, 1})
+        grid.SetValue(1, side, 7.5, {"T#1", 0.0, heardAt});
+    const auto spoken = [&grid](int column) {
+        return grid.index(0, column).data(Qt::AccessibleTextRole).toString();
+    };
+    QCOMPARE(spoken(TelemetryGrid::ValueA), QStringLiteral("Batt A, A: 7.50"));
+    now += 1;
+    QCOMPARE(spoken(TelemetryGrid::ValueA), QStringLiteral("Batt A, A: 7.50, older than 24 hours"));
+    QCOMPARE(spoken(TelemetryGrid::ValueB), QStringLiteral("Batt A, B: 7.50, older than 24 hours"));
+    QCOMPARE(spoken(TelemetryGrid::Name), QStringLiteral("Batt A"));
+    SetUp(judge, Level::LowWarning, QStringLiteral("V"));
+    QCOMPARE(grid.index(0, TelemetryGrid::ValueA).data(TelemetryGrid::LimitText).toString(),
+             QStringLiteral("7.50 V, low warning, older than 24 hours"));
+    grid.SetValue(1, 0, 7.5, {"T#2", 0.0, now});
+    QCOMPARE(spoken(TelemetryGrid::ValueA), QStringLiteral("Batt A, A: 7.50, low warning"));
+}
+
+void TelemetryGridTest::withoutLimitsNothingIsSaid() {
+    TelemetryGrid grid(0);
+    LimitJudge judge([](const LimitEvent&) {});
+    judge.TakeUp({{{0, 0, 1}, Level::LowAlarm}});
+    grid.ShowLimits(judge, [] { return heardAt + 2 * staleAfter; });
+    grid.SetValue(1, 0, 5.5, {"T#1", 0.0, heardAt});
+    const QModelIndex cell = grid.index(0, TelemetryGrid::ValueA);
+    QCOMPARE(cell.data(Qt::AccessibleTextRole).toString(), QStringLiteral("Batt A, A: 5.50"));
+    QCOMPARE(cell.data(TelemetryGrid::LimitText).toString(), QString());
+    QCOMPARE(cell.data(TelemetryGrid::LevelRole).toInt(), 0);
 }
 
 QTEST_GUILESS_MAIN(TelemetryGridTest)

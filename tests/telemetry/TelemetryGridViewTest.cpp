@@ -2,6 +2,7 @@
 
 #include "support/Screenshots.h"
 #include "telemetry/TelemetryRoom.h"
+#include "telemetry/grids/LimitDelegate.h"
 #include "telemetry/grids/TipCell.h"
 
 #include <QClipboard>
@@ -32,6 +33,10 @@ private Q_SLOTS:
     void headerRowAndNameColumnAreFixed();
     void cellsCannotBeEdited();
     void tabLeavesTheGrid();
+    void valuesOutsideTheirLimitsAreMarkedByColourAndShape();
+    void marksAreLegible_data();
+    void marksAreLegible();
+    void theTipHasALineForTheLimit();
 
 private:
     TelemetryGridView& View(int index) { return *m_views[static_cast<std::size_t>(index)]; }
@@ -209,6 +214,128 @@ void TelemetryGridViewTest::tabLeavesTheGrid() {
     View(0).setFocus();
     QTest::keyClick(&View(0), Qt::Key_Tab);
     QTRY_VERIFY(View(1).hasFocus());
+}
+
+namespace {
+
+constexpr auto levels = {Level::LowAlarm, Level::LowWarning, Level::HighWarning, Level::HighAlarm};
+
+// POWER of side A: every row at a level of its own, from low alarm to high alarm without the normal one.
+void SetUpLimits(TelemetryRoom& room, LimitJudge& judge) {
+    LimitTable limits;
+    LimitStates states;
+    int row = 0;
+    for (const Level level : levels) {
+        limits[{0, 0, ++row}].unit = QStringLiteral("<b>V</b>");
+        states[{0, 0, row}] = level;
+    }
+    judge.SetLimits(limits);
+    judge.TakeUp(states);
+    for (const auto& grid : room.grids)
+        grid->ShowLimits(judge, [&room] { return room.clock.Milliseconds(); });
+    room.Receive("XQ9ZZ", "T#123,10,20,30,40,0,0,00110000,0\r");
+    room.Receive("QIRAN", "T#124,10,20,30,40,0,0,00110000,0\r");
+    QCoreApplication::processEvents();
+}
+
+// Of the accessibility guidelines for the web: 1 to 21.
+double Contrast(const QColor& one, const QColor& other) {
+    const auto luminance = [](const QColor& colour) {
+        const auto part = [](double value) {
+            return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
+    };
+    const double a = luminance(one);
+    const double b = luminance(other);
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+} // namespace
+
+void TelemetryGridViewTest::valuesOutsideTheirLimitsAreMarkedByColourAndShape() {
+    LimitJudge judge([](const LimitEvent&) {});
+    m_room->Receive("XQ9ZZ", "T#123,10,20,30,40,0,0,00110000,0\r");
+    m_room->Receive("QIRAN", "T#124,10,20,30,40,0,0,00110000,0\r");
+    View(0).clearFocus(); // it has a tint of its own
+    const auto picture = [this](int row, int column) {
+        return View(0)
+            .viewport()
+            ->grab(View(0).visualRect(View(0).model()->index(row - 1, column)))
+            .toImage();
+    };
+    const QImage before = picture(1, TelemetryGrid::ValueB);
+    SetUpLimits(*m_room, judge);
+    QCOMPARE(picture(1, TelemetryGrid::ValueB), before);
+    // The part of the mark's place that is not ground: how much of its upper and of its lower half.
+    const auto mark = [](const QImage& image) {
+        const QColor ground = image.pixelColor(image.width() / 3, 2);
+        std::array<int, 2> halves{};
+        for (int y = 2; y < image.height() - 2; ++y)
+            for (int x = 1; x < image.width() / 6; ++x)
+                if (image.pixelColor(x, y) != ground)
+                    ++halves[y < image.height() / 2 ? 0 : 1];
+        return halves;
+    };
+    int row = 0;
+    for (const Level level : levels) {
+        const QImage image = picture(++row, TelemetryGrid::ValueA);
+        QCOMPARE(image.pixelColor(image.width() / 3, 2), LimitDelegate::ColoursOf(level).ground);
+        const auto [upper, lower] = mark(image);
+        QVERIFY2(upper + lower > 0, QByteArray::number(row).constData());
+        if (std::abs(static_cast<int>(level)) == 1)
+            QVERIFY(level > Level::Normal ? upper < lower : upper > lower);
+    }
+    const auto all = [&mark, &picture](int at) {
+        const auto [upper, lower] = mark(picture(at, TelemetryGrid::ValueA));
+        return upper + lower;
+    };
+    QVERIFY(all(1) > all(2)); // an alarm has two triangles
+    QVERIFY(all(4) > all(3));
+    View(0).selectAll(); // the mark stays on the colour of a selection
+    QVERIFY(all(1) > 0);
+    View(0).clearSelection();
+    Screenshots::Take(*m_window, QStringLiteral("gTlm-limits"));
+    View(0).selectAll();
+    Screenshots::Take(*m_window, QStringLiteral("gTlm-limits-selected"));
+    View(0).clearSelection();
+    QTest::mouseClick(View(0).viewport(), Qt::LeftButton, Qt::NoModifier, Middle(0, 1, 1));
+    QTest::mouseClick(View(0).viewport(), Qt::LeftButton, Qt::ShiftModifier, Middle(0, 4, 2));
+    View(0).setFocus();
+    QTest::keySequence(&View(0), QKeySequence::Copy);
+    QCOMPARE(QGuiApplication::clipboard()->text(),
+             QStringLiteral("4010\t14010\n4020\t14020\n4030\t14030\n4040\t14040"));
+}
+
+void TelemetryGridViewTest::marksAreLegible_data() {
+    QTest::addColumn<int>("level");
+    for (const Level level : levels)
+        QTest::newRow(LevelName(level).constData()) << static_cast<int>(level);
+}
+
+void TelemetryGridViewTest::marksAreLegible() {
+    QFETCH(const int, level);
+    const LimitDelegate::Colours colours = LimitDelegate::ColoursOf(static_cast<Level>(level));
+    QVERIFY(Contrast(colours.ground, colours.text) >= 4.5);
+}
+
+void TelemetryGridViewTest::theTipHasALineForTheLimit() {
+    LimitJudge judge([](const LimitEvent&) {});
+    SetUpLimits(*m_room, judge);
+    const auto tip = [this](int column) {
+        Hover(0, 1, column);
+        QHelpEvent event(QEvent::ToolTip, Middle(0, 1, column),
+                         View(0).viewport()->mapToGlobal(Middle(0, 1, column)));
+        QCoreApplication::sendEvent(View(0).viewport(), &event);
+        const QString text = QToolTip::text();
+        QToolTip::hideText();
+        return text;
+    };
+    const QString marked = tip(TelemetryGrid::ValueA);
+    QCOMPARE(View(0).toolTip(), QStringLiteral("T#123  2002-Mar-05 14:07"));
+    QCOMPARE(marked, QStringLiteral("T#123  2002-Mar-05 14:07\n4010.00 <b>V</b>, low alarm"));
+    QVERIFY(!Qt::mightBeRichText(marked));
+    QCOMPARE(tip(TelemetryGrid::ValueB), QStringLiteral("T#124  2002-Mar-05 14:07"));
 }
 
 QTEST_MAIN(TelemetryGridViewTest)

@@ -1,5 +1,8 @@
 #include "pesim/EngineSimulator.h"
 
+#include "telemetry/frames/Ax25Frame.h"
+#include "telemetry/frames/ByteViews.h"
+
 #include <QRandomGenerator>
 #include <QTcpSocket>
 #include <QTime>
@@ -38,6 +41,7 @@ struct EngineSimulator::Connection {
     AgwFrameReader reader;
     QByteArray dribble; // waits to leave byte by byte
     bool monitoring = false;
+    bool raw = false;
     bool closing = false; // nothing that it says is read any more
 };
 
@@ -143,6 +147,8 @@ void EngineSimulator::Answer(Connection& connection, const AgwFrame& frame) {
         connection.monitoring = !connection.monitoring;
         Q_EMIT MonitoringChanged();
     }
+    if (frame.kind == AgwKind::ToggleRaw)
+        connection.raw = !connection.raw;
     if (!m_mute) {
         QByteArray version(8, '\0');
         switch (frame.kind) {
@@ -203,10 +209,30 @@ QByteArray EngineSimulator::HeardBytes(const AirFrame& heard, const QByteArray& 
         .ToBytes();
 }
 
+QByteArray EngineSimulator::RawBytes(const AirFrame& heard) {
+    Ax25Frame frame{.destination = {heard.to.toStdString()},
+                    .source = {heard.from.toStdString()},
+                    .information = ToView(heard.information)};
+    for (const QByteArray& digipeater : heard.via)
+        frame.digipeaters.push_back({digipeater.toStdString()});
+    const std::optional<std::string> raw = frame.ToBytes();
+    if (heard.kind != AgwKind::MonitoredUnproto || !raw)
+        return {};
+    return AgwFrame{.port = static_cast<quint8>(heard.port - 1),
+                    .kind = AgwKind::Raw,
+                    .callFrom = heard.from,
+                    .callTo = heard.to,
+                    .data = static_cast<char>((heard.port - 1) << 4) + QByteArray::fromStdString(*raw)}
+        .ToBytes();
+}
+
 void EngineSimulator::SendHeard(const AirFrame& heard) {
     const QByteArray bytes =
         HeardBytes(heard, QTime::currentTime().toString(QStringLiteral("hh:mm:ss")).toLatin1());
+    const QByteArray raw = RawBytes(heard);
     for (const auto& connection : m_connections) {
+        if (connection->raw)
+            Send(*connection, raw); // first, as real engines do
         if (connection->monitoring)
             Send(*connection, bytes);
     }

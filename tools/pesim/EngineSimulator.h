@@ -48,7 +48,8 @@ public:
     void SetDribble(bool dribble) { m_dribble = dribble; } ///< sends byte by byte
     void SetCloseAfter(char kind) { m_closeAfter = kind; } ///< closes having answered this kind; NUL: never
 
-    /// Sends the frame to every connection that monitors.
+    /// Sends the frame to every connection that monitors; before it, as far as it is a UI frame with
+    /// callsigns of AX.25, raw to every connection that has switched raw frames on.
     void SendHeard(const AirFrame& heard);
 
     /// Sends bytes to every connection.
@@ -56,6 +57,9 @@ public:
 
     /// The monitored frame on the wire, as real engines write it; `time` is "hh:mm:ss".
     static QByteArray HeardBytes(const AirFrame& heard, const QByteArray& time);
+
+    /// The raw frame on the wire; empty where SendHeard sends none.
+    static QByteArray RawBytes(const AirFrame& heard);
 
 Q_SIGNALS:
     void ConnectionOpened(int connection); ///< connections are counted from 1

@@ -112,6 +112,18 @@ const RecordType elements{
     },
 };
 
+const RecordType forward{
+    "forward",
+    u"Frames on their way to the server of FORWARD/URL.",
+    {
+        {"state", Kind::Text, 0, 9,
+         u"waiting, refused, sent, discarded by the user, or dropped from a full queue"},
+        {"frames", Kind::Whole, 0, 8, u"how many"},
+        {"oldest", Kind::Text, 0, 24, u"when the first of them was heard, ISO 8601, UTC"},
+        {"words", Kind::Text, 0, 0, u"with which the server refused them"},
+    },
+};
+
 const RecordType setting{
     "setting",
     u"A setting.",
@@ -125,7 +137,8 @@ const RecordType setting{
 // NOLINTEND(cert-err58-cpp)
 
 std::span<const RecordType* const> All() {
-    static constexpr std::array all{&status, &frame, &reading, &event, &pass, &position, &elements, &setting};
+    static constexpr std::array all{&status,   &frame,    &reading, &event,  &pass,
+                                    &position, &elements, &forward, &setting};
     return all;
 }
 

@@ -14,6 +14,7 @@ extern const RecordType event;
 extern const RecordType pass;
 extern const RecordType position;
 extern const RecordType elements;
+extern const RecordType forward;
 extern const RecordType setting;
 
 std::span<const RecordType* const> All();

@@ -11,6 +11,10 @@ int ConfigGet(const Session& session);
 int ConfigList(const Session& session);
 int ConfigSet(const Session& session);
 int Events(const Session& session);
+int ForwardDiscard(const Session& session);
+int ForwardQueue(const Session& session);
+int ForwardRetry(const Session& session);
+int ForwardStatus(const Session& session);
 int Generate(const Session& session);
 int History(const Session& session);
 int Import(const Session& session);
@@ -100,6 +104,36 @@ std::span<const Command> All() {
          .arguments = {{.name = u"FILE", .isOptional = true, .isRepeated = true}},
          .options = {&zone, &dryRun, &undo},
          .run = Import},
+        {.name = u"forward status",
+         .summary = u"What became of the frames that are sent on to a server.",
+         .description = u"Prints how many frames wait, were refused, with the server's words, and were sent. "
+                        u"What keeps frames from being sent is said. Forwarding is set up by the settings of "
+                        u"FORWARD.",
+         .arguments = {},
+         .options = {&format},
+         .run = ForwardStatus},
+        {.name = u"forward retry",
+         .summary = u"Sends the frames that the server refused once more.",
+         .description = u"They wait again, in their old order. A station that runs in the program folder "
+                        u"does it within two seconds.",
+         .arguments = {},
+         .options = {},
+         .run = ForwardRetry},
+        {.name = u"forward discard",
+         .summary = u"Forgets the frames that the server refused.",
+         .description = u"A station that runs in the program folder does it within two seconds.",
+         .arguments = {},
+         .options = {},
+         .run = ForwardDiscard},
+        {.name = u"forward queue",
+         .summary = u"Queues the satellite's frames of KISS recordings.",
+         .description =
+             u"Takes frames that the recording holds byte by byte with their time; those that are queued "
+             u"already or were sent lately are not queued again. A station that runs in the program folder "
+             u"does it within two seconds; without one they wait for the next.",
+         .arguments = {{.name = u"FILE", .isRepeated = true}},
+         .options = {},
+         .run = ForwardQueue},
         {.name = u"config list",
          .summary = u"All settings.",
          .description =

@@ -32,6 +32,9 @@ public:
     /// Notes where the window stands, and in which state.
     void RecordPosition();
 
+    /// Whether the place noted last counts: it does once the window has stood there for a moment.
+    bool IsSettled() const { return !m_pending; }
+
     /// Set by the window once the user has resized it.
     bool blnBeenInResize = false;
 

@@ -75,6 +75,8 @@ inline constexpr Setting noticeMinutes{u"NOTICE", u"MINUTES",          u"5", Set
                                        1440,      FirstWrite::OnChange};
 inline constexpr Setting noticeMinElevation{u"NOTICE", u"MIN_ELEVATION",    u"10", SettingType::Number, 0,
                                             90,        FirstWrite::OnChange};
+inline constexpr Setting noticeEvents{u"NOTICE", u"EVENTS",           u"FALSE", SettingType::Boolean, 0,
+                                      0,         FirstWrite::OnChange};
 inline constexpr Setting kissUse{u"KISS", u"USE", u"FALSE", SettingType::Boolean, 0, 0, FirstWrite::OnChange};
 inline constexpr Setting kissHostAddress{u"KISS", u"HOST_ADDRESS",     u"localhost", SettingType::Host, 0,
                                          0,       FirstWrite::OnChange};
@@ -102,12 +104,12 @@ inline constexpr Setting terminalFontSize{u"TERMINAL", u"FONT_SIZE",        u"0"
 
 /// Those that a user may look at and change, in the order of their sections.
 inline constexpr std::array listed{
-    &qiranObjNum,      &issObjNum,     &objIndex,           &useLocalTime, &onlyShowQiran,     &latitude,
-    &longitude,        &locator,       &callsign,           &comment,      &hostAddress,       &hostPort,
-    &loginId,          &password,      &terminalTo,         &terminalVia,  &terminalPort,      &logging,
-    &terminalFontSize, &kepsFile1,     &kepsFile2,          &historyKeep,  &statusShow,        &guideShow,
-    &gridsDimOld,      &noticeMinutes, &noticeMinElevation, &kissUse,      &kissHostAddress,   &kissHostPort,
-    &forwardUse,       &forwardDryRun, &forwardUrl,         &forwardToken, &forwardKeepAtMost,
+    &qiranObjNum,      &issObjNum,     &objIndex,           &useLocalTime, &onlyShowQiran, &latitude,
+    &longitude,        &locator,       &callsign,           &comment,      &hostAddress,   &hostPort,
+    &loginId,          &password,      &terminalTo,         &terminalVia,  &terminalPort,  &logging,
+    &terminalFontSize, &kepsFile1,     &kepsFile2,          &historyKeep,  &statusShow,    &guideShow,
+    &gridsDimOld,      &noticeMinutes, &noticeMinElevation, &noticeEvents, &kissUse,       &kissHostAddress,
+    &kissHostPort,     &forwardUse,    &forwardDryRun,      &forwardUrl,   &forwardToken,  &forwardKeepAtMost,
 };
 
 // Places of windows, in no list of settings: the windows alone know what to do with them.

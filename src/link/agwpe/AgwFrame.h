@@ -34,12 +34,14 @@ constexpr char LogIn = 'P';
 constexpr char Version = 'R';
 constexpr char Ports = 'G';
 constexpr char ToggleMonitoring = 'm';
+constexpr char ToggleRaw = 'k';
 constexpr char SendUnproto = 'M';
 constexpr char SendUnprotoVia = 'V';
 constexpr char MonitoredUnproto = 'U';
 constexpr char MonitoredInformation = 'I';
 constexpr char MonitoredSupervisory = 'S';
 constexpr char Transmitted = 'T';
+constexpr char Raw = 'K'; ///< data: a byte with the radio port, then the AX.25 frame
 } // namespace AgwKind
 
 /// What stands in the data of the frames whose data has fields of its own.

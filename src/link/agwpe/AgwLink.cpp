@@ -4,11 +4,21 @@
 #include "foundation/text/Text.h"
 #include "link/agwpe/AgwHeard.h"
 #include "link/agwpe/AgwSettings.h"
+#include "telemetry/frames/Ax25Heard.h"
 #include "telemetry/monitor/DisplayKind.h"
+
+#include <algorithm>
+#include <chrono>
 
 namespace {
 
 constexpr QLatin1StringView lineEnd("\r\n");
+
+// Milliseconds of a clock that never goes back.
+qint64 Now() {
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
 
 } // namespace
 
@@ -16,19 +26,32 @@ AgwLink::AgwLink(const AgwSettings& settings, const Clock& clock, QObject* paren
     : PacketLink(QStringLiteral("AGW"), parent)
     , m_settings(settings)
     , m_clock(clock)
-    , m_client(this) {
+    , m_client(this)
+    , m_marriage([this](const HeardFrame& frame) { Q_EMIT Heard(frame); })
+    , m_timRaw(this) {
+    m_timRaw.setObjectName(QStringLiteral("timRaw"));
+    m_timRaw.setSingleShot(true);
+    m_timRaw.setTimerType(Qt::PreciseTimer);
+    connect(&m_timRaw, &QTimer::timeout, this, [this] {
+        m_marriage.PassTime(Now());
+        AwaitMonitored();
+    });
     m_client.setObjectName(QStringLiteral("MERAGW"));
     connect(&m_client, &MERAGW::PortInformation, this, &AgwLink::HandlePortInformation);
     connect(&m_client, &MERAGW::Version, this, [this](const QString& version) {
         Q_EMIT StatusText(QStringLiteral("*** AGWPE V") + version + lineEnd);
     });
     connect(&m_client, &MERAGW::Connected, this, &AgwLink::HandleConnected);
-    connect(&m_client, &MERAGW::Disconnected, this, &AgwLink::HandleDisconnected);
+    connect(&m_client, &MERAGW::Disconnected, this, [this](const QString& host) {
+        m_marriage.End();
+        HandleDisconnected(host);
+    });
     connect(&m_client, &MERAGW::Error, this,
             [this](const QString& description) { HandleError(m_client.Host(), description); });
     connect(&m_client, &MERAGW::FrameArrival, this, [this](const MonitoredFrame& frame) {
-        Q_EMIT Heard(AgwHeard::FromFrame(frame, m_clock.Milliseconds()));
+        m_marriage.AddMonitored(AgwHeard::FromFrame(frame, m_clock.Milliseconds()), Now());
     });
+    connect(&m_client, &MERAGW::RawFrame, this, &AgwLink::HandleRawFrame);
     connect(&m_client, &MERAGW::Monitoring, this, &AgwLink::HandleMonitoring);
 }
 
@@ -59,7 +82,19 @@ void AgwLink::HandleMonitoring(QByteArrayView data, qint16 kind) {
     const HeardFrame::Kind heard = kind == DisplayKind::Transmitted   ? HeardFrame::Kind::T
                                    : kind == DisplayKind::Information ? HeardFrame::Kind::I
                                                                       : HeardFrame::Kind::S;
-    Q_EMIT Heard(AgwHeard::FromText(data, heard, m_clock.Milliseconds()));
+    m_marriage.AddMonitored(AgwHeard::FromText(data, heard, m_clock.Milliseconds()), Now());
+}
+
+void AgwLink::HandleRawFrame(QByteArrayView raw, qint16 port) {
+    Ax25Heard reader;
+    m_marriage.AddRaw(reader.Read(raw, {.utc = m_clock.Milliseconds(), .port = port, .time = {}}), Now());
+    AwaitMonitored();
+}
+
+void AgwLink::AwaitMonitored() {
+    const std::optional<qint64> due = m_marriage.Due();
+    if (due && !m_timRaw.isActive())
+        m_timRaw.start(static_cast<int>(std::max<qint64>(0, *due - Now())));
 }
 
 void AgwLink::HandlePortInformation(const QStringList& descriptions) {

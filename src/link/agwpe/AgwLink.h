@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/PacketLink.h"
+#include "link/agwpe/FrameMarriage.h"
 #include "link/agwpe/MERAGW.h"
 
 class AgwSettings;
@@ -19,6 +20,9 @@ public:
     /// Reconnect, by the system's own name.
     void AgwReconnect() { Reconnect(); }
 
+    /// Whether frames are to come with their raw bytes too, as far as the engine gives them.
+    void SetWantsRawFrames(bool wants) { m_client.SetWantsRawFrames(wants); }
+
     int PortCount() const override { return m_client.PortCount(); }
     QString HostName() const override { return m_client.Host(); }
 
@@ -35,9 +39,13 @@ protected:
 
 private:
     void HandleMonitoring(QByteArrayView data, qint16 kind);
+    void HandleRawFrame(QByteArrayView raw, qint16 port);
+    void AwaitMonitored();
     void HandlePortInformation(const QStringList& descriptions);
 
     const AgwSettings& m_settings;
     const Clock& m_clock;
     MERAGW m_client;
+    FrameMarriage m_marriage;
+    QTimer m_timRaw; // until a raw frame has waited long enough
 };

@@ -5,11 +5,16 @@
 
 namespace {
 
-// Engines cut the text at a NUL, and a CR at its end may be theirs or the frame's.
-bool ShowsInformation(QByteArrayView shown, QByteArrayView information) {
+// A CR at the end may be the engine's or the frame's.
+bool AreSame(QByteArrayView shown, QByteArrayView information) {
     const auto withoutEnd = [](QByteArrayView text) { return text.endsWith('\r') ? text.chopped(1) : text; };
-    const QByteArrayView text = information.first(std::ranges::find(information, '\0') - information.begin());
-    return withoutEnd(shown) == withoutEnd(text);
+    return withoutEnd(shown) == withoutEnd(information);
+}
+
+// Some engines cut the text at a NUL.
+bool ShowsInformation(QByteArrayView shown, QByteArrayView information) {
+    const auto* const nul = std::ranges::find(information, '\0');
+    return AreSame(shown, information.first(nul - information.begin())) || AreSame(shown, information);
 }
 
 // Monitored text has lost the marks of digipeaters.
@@ -52,7 +57,7 @@ void FrameMarriage::AddMonitored(const HeardFrame& monitored, qint64 now) {
     HeardFrame married = monitored;
     married.path = raw.path;
     married.pid = raw.pid;
-    if (!raw.information.contains('\0')) {
+    if (AreSame(monitored.information, raw.information)) {
         married.information = raw.information;
         married.isComplete = true;
     }

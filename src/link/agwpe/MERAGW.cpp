@@ -38,6 +38,7 @@ MERAGW::MERAGW(QObject* parent)
 
 void MERAGW::Connect() {
     m_portCount = 0;
+    m_areRawFramesOn = false;
     TcpClient::Connect(m_host, static_cast<quint16>(m_port),
                        [this, reader = std::make_shared<AgwFrameReader>()](
                            QByteArrayView bytes, const bool& isAlive) { Receive(*reader, bytes, isAlive); });
@@ -52,6 +53,19 @@ void MERAGW::AskEngine() {
     ask(AgwKind::Version);
     ask(AgwKind::Ports);
     ask(AgwKind::ToggleMonitoring);
+    if (m_wantsRawFrames)
+        ToggleRaw();
+}
+
+void MERAGW::SetWantsRawFrames(bool wants) {
+    m_wantsRawFrames = wants;
+    if (m_areRawFramesOn != wants)
+        ToggleRaw();
+}
+
+void MERAGW::ToggleRaw() {
+    if (Send(AgwFrame{.kind = AgwKind::ToggleRaw}.ToBytes()))
+        m_areRawFramesOn = !m_areRawFramesOn;
 }
 
 void MERAGW::Receive(AgwFrameReader& reader, QByteArrayView bytes, const bool& isAlive) {
@@ -86,6 +100,10 @@ void MERAGW::Dispatch(const AgwFrame& frame) {
         break;
     case AgwKind::Transmitted:
         Q_EMIT Monitoring(AgwData::WithoutEndMark(frame.data), DisplayKind::Transmitted);
+        break;
+    case AgwKind::Raw:
+        if (m_areRawFramesOn && !frame.data.isEmpty())
+            Q_EMIT RawFrame(frame.data.sliced(1), static_cast<qint16>(frame.port + 1));
         break;
     case AgwKind::Ports:
         ReportPorts(frame.data);

@@ -28,6 +28,9 @@ public:
     /// on. Ends a connection or an attempt that there is.
     void Connect();
 
+    /// Whether the engine is asked for raw frames too, now and at every connection; it is not, unless told.
+    void SetWantsRawFrames(bool wants);
+
     /// Radio ports that the engine reported; 0 while it has reported none.
     int PortCount() const { return IsConnected() ? m_portCount : 0; }
 
@@ -60,8 +63,13 @@ Q_SIGNALS:
     /// A UI frame that the engine heard.
     void FrameArrival(const MonitoredFrame& frame);
 
+    /// A frame that the engine heard, without flags and checksum; `port` counts from 1. The view holds as
+    /// long as the call.
+    void RawFrame(QByteArrayView raw, qint16 port);
+
 private:
     void AskEngine();
+    void ToggleRaw();
     void Receive(AgwFrameReader& reader, QByteArrayView bytes, const bool& isAlive);
     void Dispatch(const AgwFrame& frame);
     void ReportPorts(QByteArrayView data);
@@ -73,6 +81,8 @@ private:
     qint16 m_port = 8000;
     QString m_loginId;
     QString m_password;
+    bool m_wantsRawFrames = false;
+    bool m_areRawFramesOn = false; // over this connection
     int m_portCount = 0;
     int m_lastErrorNumber = NoError;
     QString m_lastErrorText;

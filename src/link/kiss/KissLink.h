@@ -2,6 +2,7 @@
 
 #include "link/PacketLink.h"
 #include "link/TcpClient.h"
+#include "link/kiss/KissAddress.h"
 #include "telemetry/frames/Ax25Heard.h"
 #include "telemetry/monitor/ClockText.h"
 
@@ -9,12 +10,6 @@
 
 class Clock;
 class KissReader;
-
-/// Where a KISS TNC listens.
-struct KissAddress {
-    QString host;
-    quint16 port = 8001;
-};
 
 /// The link to a KISS TNC behind TCP: Dire Wolf's KISS port, soundmodem, a serial TNC behind a server. The
 /// TNC keeps its own parameters: none are ever set.

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr char mark = '\xC0';
+constexpr char mark = KissFrame::mark;
 constexpr char escape = '\xDB';
 constexpr char escapedMark = '\xDC'; // behind an escape, as the next one
 constexpr char escapedEscape = '\xDD';

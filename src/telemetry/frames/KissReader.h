@@ -6,6 +6,7 @@
 
 /// One frame of a KISS stream.
 struct KissFrame {
+    static constexpr char mark = '\xC0';           ///< before and behind every frame
     static constexpr std::uint8_t dataCommand = 0; ///< the command of a frame that holds an AX.25 frame
     static constexpr std::size_t longestData = 65536;
 

@@ -15,5 +15,5 @@ void GridValues::Take(const TelemetryFrame& frame) {
 void GridValues::ShowChannelValue(const Reading& reading, DateTime time) {
     if (reading.value)
         m_grids[static_cast<std::size_t>(reading.grid)]->SetValue(reading.row, reading.side, *reading.value,
-                                                                  {reading.sequence, time});
+                                                                  {reading.sequence, time, reading.utc});
 }

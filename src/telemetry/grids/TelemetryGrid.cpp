@@ -6,6 +6,9 @@
 #include "telemetry/grids/FixedNumber.h"
 
 #include <QLatin1StringView>
+#include <QStringList>
+
+#include <utility>
 
 namespace {
 
@@ -63,6 +66,41 @@ int TelemetryGrid::FindRow(QByteArrayView upperCaseName) const {
     return GridLayout::FindRow(m_index, upperCaseName);
 }
 
+void TelemetryGrid::ShowLimits(const LimitJudge& limits, std::function<qint64()> now) {
+    m_limits = &limits;
+    m_now = std::move(now);
+}
+
+// A value's cell; null where no value stands, and everywhere without limits.
+const TelemetryGrid::Cell* TelemetryGrid::LimitedCellAt(int row, int column) const {
+    const bool isLimited =
+        m_limits != nullptr && !m_limits->Limits().empty() && (column == ValueA || column == ValueB);
+    const Cell* cell = isLimited ? CellAt(row, column - ValueA) : nullptr;
+    return cell != nullptr && cell->isSet ? cell : nullptr;
+}
+
+Level TelemetryGrid::LevelAt(int row, int column) const {
+    return LimitedCellAt(row, column) == nullptr ? Level::Normal
+                                                 : m_limits->LevelAt({column - ValueA, m_index, row});
+}
+
+QString TelemetryGrid::Unit(int row, int column) const {
+    const ChannelLimits* limits =
+        LimitedCellAt(row, column) == nullptr ? nullptr : m_limits->LimitsOf({column - ValueA, m_index, row});
+    return limits == nullptr ? QString() : limits->unit;
+}
+
+// Whether a value is outside its limits, and whether it is old.
+QString TelemetryGrid::Remarks(int row, int column) const {
+    QStringList remarks;
+    if (const Level level = LevelAt(row, column); level != Level::Normal)
+        remarks += QLatin1StringView(LevelName(level));
+    const Cell* cell = LimitedCellAt(row, column);
+    if (cell != nullptr && IsStale(cell->utc, m_now()))
+        remarks += QStringLiteral("older than 24 hours");
+    return remarks.join(QStringLiteral(", "));
+}
+
 bool TelemetryGrid::SetValue(int row, int side, double value, const FrameLabel& label) {
     if (CellAt(row, side) == nullptr)
         return false;
@@ -71,6 +109,7 @@ bool TelemetryGrid::SetValue(int row, int side, double value, const FrameLabel& 
     cell.value = value;
     cell.sequence.assign(ToView(label.sequence));
     cell.time = label.time;
+    cell.utc = label.utc;
     m_changed[static_cast<std::size_t>(row - 1)] = true;
     if (!m_announced) {
         m_announced = true;
@@ -102,6 +141,26 @@ Qt::ItemFlags TelemetryGrid::flags(const QModelIndex& index) const {
     return index.column() == Name ? Qt::ItemIsEnabled : QAbstractTableModel::flags(index);
 }
 
+// A value alone says nothing to somebody who cannot see its row and column.
+QString TelemetryGrid::AccessibleText(int row, int column) const {
+    if (column == Name)
+        return DisplayText(row, Name);
+    const QString remarks = Remarks(row, column);
+    const QString text = QStringLiteral("%1, %2: %3")
+                             .arg(TextMatrix(row, Name), TextMatrix(0, column), DisplayText(row, column));
+    return remarks.isEmpty() ? text : text + QStringLiteral(", ") + remarks;
+}
+
+// The value with its unit, where that is known, and what else is to be said of it.
+QString TelemetryGrid::TipRemarks(int row, int column) const {
+    const QString unit = Unit(row, column);
+    const QString remarks = Remarks(row, column);
+    if (unit.isEmpty())
+        return remarks;
+    const QString value = QStringLiteral("%1 %2").arg(DisplayText(row, column), unit);
+    return remarks.isEmpty() ? value : value + QStringLiteral(", ") + remarks;
+}
+
 QVariant TelemetryGrid::data(const QModelIndex& index, int role) const {
     const int row = index.row() + 1;
     switch (role) {
@@ -109,11 +168,12 @@ QVariant TelemetryGrid::data(const QModelIndex& index, int role) const {
         return DisplayText(row, index.column());
     case FullText:
         return TextMatrix(row, index.column());
-    case Qt::AccessibleTextRole: // a value alone says nothing to somebody who cannot see its row and column
-        return index.column() == Name ? DisplayText(row, Name)
-                                      : QStringLiteral("%1, %2: %3")
-                                            .arg(TextMatrix(row, Name), TextMatrix(0, index.column()),
-                                                 DisplayText(row, index.column()));
+    case Qt::AccessibleTextRole:
+        return AccessibleText(row, index.column());
+    case LevelRole:
+        return static_cast<int>(LevelAt(row, index.column()));
+    case LimitText:
+        return TipRemarks(row, index.column());
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(Qt::Alignment(index.column() == Name ? Qt::AlignLeft : Qt::AlignRight) |
                                    Qt::AlignVCenter);

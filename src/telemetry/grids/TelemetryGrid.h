@@ -2,11 +2,13 @@
 
 #include "foundation/text/DateTime.h"
 #include "telemetry/calibration/GridLayout.h"
+#include "telemetry/limits/LimitJudge.h"
 
 #include <QAbstractTableModel>
 #include <QByteArrayView>
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,6 +17,7 @@
 struct FrameLabel {
     QByteArrayView sequence; ///< the frame's sequence field, Windows-1252
     DateTime time = 0.0;     ///< when it was heard, in display time
+    qint64 utc = 0;          ///< the same, milliseconds since 1970-01-01 00:00 UTC
 };
 
 /// One of the three grids of decoded telemetry: a header row 0, one row from 1 on for each quantity, and the
@@ -34,8 +37,11 @@ public:
         Columns = 5
     };
 
-    /// `FullText` gives the text of a cell before its display format.
-    enum Role { FullText = Qt::UserRole };
+    enum Role {
+        FullText = Qt::UserRole, ///< the text of a cell before its display format
+        LevelRole,               ///< how far its value lies outside its limits, a Level as int
+        LimitText,               ///< what is to be said of a cell beside its label: unit, limits, age
+    };
 
     /// `index`: 0 POWER, 1 CURRENT, 2 TEMP.
     explicit TelemetryGrid(int index, QObject* parent = nullptr);
@@ -53,6 +59,10 @@ public:
 
     /// The text of a cell as it is shown: values in the grid's display format.
     QString DisplayText(int row, int column) const;
+
+    /// From now on the cells show what is known of their channels' limits, as soon as there are any. `now`:
+    /// milliseconds since 1970-01-01 00:00 UTC. Both must outlive the grid.
+    void ShowLimits(const LimitJudge& limits, std::function<qint64()> now);
 
     /// The first row whose name in upper case is `upperCaseName`; 0 when there is none.
     int FindRow(QByteArrayView upperCaseName) const;
@@ -72,15 +82,24 @@ private:
         double value = 0.0;
         std::string sequence;
         DateTime time = 0.0;
+        qint64 utc = 0;
     };
 
     const Cell* CellAt(int row, int side) const;
+    const Cell* LimitedCellAt(int row, int column) const;
+    Level LevelAt(int row, int column) const;
+    QString Remarks(int row, int column) const;
+    QString Unit(int row, int column) const;
+    QString AccessibleText(int row, int column) const;
+    QString TipRemarks(int row, int column) const;
     void Announce();
 
     const int m_index;
     std::vector<std::array<Cell, 2>> m_cells; // [row - 1][side]
     std::vector<bool> m_changed;              // [row - 1]
     bool m_announced = false;
+    const LimitJudge* m_limits = nullptr; // none until it is given
+    std::function<qint64()> m_now;
 };
 
 /// The three grids in the order of their indices.

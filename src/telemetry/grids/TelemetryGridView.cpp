@@ -1,6 +1,7 @@
 #include "telemetry/grids/TelemetryGridView.h"
 
 #include "foundation/placement/Twips.h"
+#include "telemetry/grids/LimitDelegate.h"
 #include "telemetry/grids/TelemetryGrid.h"
 #include "telemetry/grids/TipCell.h"
 
@@ -35,10 +36,12 @@ protected:
     }
 };
 
-// What the air brought must not be taken for markup, nor fill the screen.
-QString PlainTip(const QString& text) {
+// What the air brought must not be taken for markup, nor fill the screen. The remark has a line of its own.
+QString PlainTip(const QString& text, const QString& remark) {
     constexpr qsizetype longestShown = 200;
-    const QString shown = text.left(longestShown);
+    QString shown = text.left(longestShown);
+    if (!shown.isEmpty() && !remark.isEmpty())
+        shown += u'\n' + remark.left(longestShown);
     return Qt::mightBeRichText(shown) ? Qt::convertFromPlainText(shown, Qt::WhiteSpacePre) : shown;
 }
 
@@ -51,6 +54,7 @@ TelemetryGridView::TelemetryGridView(TelemetryGrid& grid, TipCell& tipCell, QWid
     setObjectName(QStringLiteral("gTlm%1").arg(grid.Index()));
     setAccessibleName(tr("%1 telemetry").arg(grid.TextMatrix(0, TelemetryGrid::Name)));
     setModel(&grid);
+    setItemDelegate(new LimitDelegate(this));
     setItemDelegateForColumn(TelemetryGrid::Name, new FixedColumnDelegate(this));
     setColumnHidden(TelemetryGrid::LabelA, true);
     setColumnHidden(TelemetryGrid::LabelB, true);
@@ -133,7 +137,9 @@ bool TelemetryGridView::eventFilter(QObject* watched, QEvent* event) {
 bool TelemetryGridView::viewportEvent(QEvent* event) {
     if (event->type() != QEvent::ToolTip)
         return QTableView::viewportEvent(event);
-    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), PlainTip(toolTip()), viewport());
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const QString remark = indexAt(help->pos()).data(TelemetryGrid::LimitText).toString();
+    QToolTip::showText(help->globalPos(), PlainTip(toolTip(), remark), viewport());
     return true;
 }
 

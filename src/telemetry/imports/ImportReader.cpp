@@ -2,11 +2,10 @@
 
 #include "foundation/files/BoundedFile.h"
 #include "foundation/text/Text.h"
-#include "telemetry/frames/Ax25Heard.h"
 #include "telemetry/frames/ByteViews.h"
 #include "telemetry/frames/Reading.h"
 #include "telemetry/imports/HistoryWalk.h"
-#include "telemetry/replay/KissRecording.h"
+#include "telemetry/replay/KissReplay.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -18,7 +17,6 @@ namespace {
 
 constexpr qint64 pieceSize = 65536;
 constexpr qsizetype exampleLength = 80;
-constexpr char frameMark = '\xC0'; // of KISS
 
 QByteArrayView Bytes(std::string_view text) {
     return {text.data(), static_cast<qsizetype>(text.size())};
@@ -50,9 +48,9 @@ bool ImportReader::Read(const QString& path, const Progress& progress) {
     if (!m_reason.isEmpty())
         return false;
     const QByteArray start = file.peek(pieceSize);
-    const bool isRead = IsHistory(ToView(start))      ? ReadHistory(path, progress)
-                        : start.startsWith(frameMark) ? ReadRecording(file, progress)
-                                                      : ReadText(file, progress);
+    const bool isRead = IsHistory(ToView(start))         ? ReadHistory(path, progress)
+                        : KissReplay::IsRecording(start) ? ReadRecording(file, progress)
+                                                         : ReadText(file, progress);
     if (file.error() != QFileDevice::NoError)
         m_reason = file.errorString();
     return isRead && m_reason.isEmpty();
@@ -94,21 +92,11 @@ bool ImportReader::ReadPieces(QFile& file, const Progress& progress,
 }
 
 bool ImportReader::ReadRecording(QFile& file, const Progress& progress) {
-    KissRecordingReader reader;
-    Ax25Heard heard;
-    const bool isRead = ReadPieces(file, progress, [&](QByteArrayView piece) {
-        std::string_view bytes = ToView(piece);
-        RecordedFrame recorded;
-        while (reader.Next(bytes, recorded)) {
-            const HeardFrame frame =
-                heard.Read(Bytes(recorded.bytes), {.utc = recorded.utc.value_or(0),
-                                                   .port = static_cast<qint16>(recorded.port + 1),
-                                                   .origin = HeardFrame::Origin::Replayed,
-                                                   .time = {}});
-            TakeFrame(frame, recorded.utc ? std::optional<qint64>(*recorded.utc) : m_options.utc);
-        }
+    KissReplay replay([this](const HeardFrame& frame) {
+        TakeFrame(frame, frame.utc == 0 ? m_options.utc : std::optional(frame.utc));
     });
-    m_notUnderstood += static_cast<qint64>(reader.Refused());
+    const bool isRead = ReadPieces(file, progress, [&replay](QByteArrayView piece) { replay.Add(piece); });
+    m_notUnderstood += replay.Refused();
     return isRead;
 }
 

@@ -19,6 +19,9 @@ struct RecordedFrame {
     /// Appends the frame with its time to a recording.
     void AppendTo(std::string& recording) const;
 
+    static constexpr char mark =
+        KissFrame::mark; ///< a recording's first byte, and its last unless it is torn
+
     /// To be written first where a recording ends within a frame: marks that frame as damaged, so that its
     /// beginning is not read as a frame.
     static constexpr std::string_view tornEnd = "\xDB\xC0";

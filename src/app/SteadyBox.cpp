@@ -1,0 +1,25 @@
+#include "app/SteadyBox.h"
+
+#include <QEvent>
+
+SteadyBox::SteadyBox(QWidget* content)
+    : m_content(content)
+    , m_size(content->sizeHint()) {
+    content->setParent(this);
+}
+
+bool SteadyBox::event(QEvent* event) {
+    if (event->type() == QEvent::LayoutRequest) {
+        const QSize size = m_content->sizeHint().expandedTo(m_size);
+        if (size != m_size) {
+            m_size = size;
+            updateGeometry();
+        }
+    }
+    return QWidget::event(event);
+}
+
+void SteadyBox::resizeEvent(QResizeEvent* event) {
+    m_content->setGeometry(rect());
+    QWidget::resizeEvent(event);
+}
