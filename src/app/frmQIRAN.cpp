@@ -5,8 +5,10 @@
 #include "app/StatusBarView.h"
 #include "app/framGuide.h"
 #include "app/frmAbout.h"
+#include "core/LastPass.h"
 #include "core/Texts.h"
 #include "foundation/messages/DesktopNotices.h"
+#include "foundation/messages/HelpTopics.h"
 #include "foundation/messages/mb.h"
 #include "foundation/placement/PlaceWindow.h"
 #include "foundation/placement/Twips.h"
@@ -31,6 +33,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
@@ -43,6 +46,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds closeRetry(10); // while dialogs close
+constexpr std::chrono::minutes lastPassInterval(1);
 
 } // namespace
 
@@ -54,6 +58,7 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
     , m_timer1(this)
     , m_legible(this)
+    , m_ages([&clock] { return clock.Milliseconds(); })
     , m_size(*this, m_ground.cIni, QStringLiteral("MAIN")) {
     setObjectName(QStringLiteral("frmQIRAN"));
     setWindowTitle(Texts::Title());
@@ -67,6 +72,9 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
             staStatus->Refresh();
     });
     connect(&m_running, &RunningWindow::Knocked, this, &frmQIRAN::ComeForward);
+    m_lastPass.setObjectName(QStringLiteral("timLastPass"));
+    m_lastPass.setInterval(lastPassInterval);
+    connect(&m_lastPass, &QTimer::timeout, this, [this] { m_ages.SetPassStart(StartOfLastPass(m_ground)); });
     LayOut();
     ConnectMenu(*m_menu);
 }
@@ -77,12 +85,22 @@ frmQIRAN::~frmQIRAN() {
 
 void frmQIRAN::LayOut() {
     auto* grids = new QHBoxLayout;
-    for (const auto& grid : m_ground.grids)
-        grids->addWidget(new TelemetryGridView(*grid, m_tipCell), 0, Qt::AlignTop);
+    for (const auto& grid : m_ground.grids) {
+        auto* view = new TelemetryGridView(*grid, m_tipCell);
+        view->ShowAges(m_ages);
+        connect(view, &TelemetryGridView::DimOldToggled, this, [this](bool isOn) {
+            Settings::Save(m_ground.cIni, Settings::gridsDimOld, clsIni::TrueOrFalse(isOn));
+            DimOld(isOn);
+        });
+        grids->addWidget(view, 0, Qt::AlignTop);
+    }
     Label2 = new QLabel;
     Label2->setObjectName(QStringLiteral("Label2"));
     Label2->setTextFormat(Qt::PlainText);
     txtMon = new MonitorPane(m_ground.monitor);
+    connect(txtMon, &TrafficPane::PutInToAsked, this, &frmQIRAN::PutInTo);
+    connect(txtMon, &TrafficPane::AddToCallsignsAsked, this, &frmQIRAN::AddToCallsigns);
+    connect(txtMon, &TrafficPane::LogFolderAsked, this, &frmQIRAN::OpenLogFolder);
 
     auto* telemetry = new QVBoxLayout;
     telemetry->addLayout(grids);
@@ -218,6 +236,15 @@ void frmQIRAN::ShowGuide() {
         m_guide->show();
 }
 
+void frmQIRAN::DimOld(bool isOn) {
+    if (isOn) {
+        m_ages.SetPassStart(StartOfLastPass(m_ground));
+        m_lastPass.start();
+    } else
+        m_lastPass.stop();
+    m_ages.SetOn(isOn);
+}
+
 void frmQIRAN::EndGuide() {
     Settings::Save(m_ground.cIni, Settings::guideShow, clsIni::TrueOrFalse(false));
     m_guide->hide();
@@ -245,6 +272,8 @@ void frmQIRAN::Mend(StartGuide::Step step) {
 void frmQIRAN::LoadTerminal() {
     m_terminal = std::make_unique<frmTerm>(m_ground.cIni, m_messages, m_ground.link, m_ground.terminal,
                                            m_ground.folder);
+    connect(m_terminal.get(), &frmTerm::AddToCallsignsAsked, this, &frmQIRAN::AddToCallsigns);
+    connect(m_terminal.get(), &frmTerm::LogFolderAsked, this, &frmQIRAN::OpenLogFolder);
     connect(m_terminal.get(), &frmTerm::ImUnloading, this,
             [this] { m_terminal.release()->deleteLater(); }); // it is still about its own closing
 }
@@ -257,6 +286,7 @@ void frmQIRAN::Show() {
     if (!staStatus->isHidden())
         staStatus->Refresh();
     ShowGuide();
+    DimOld(Settings::IsOn(m_ground.cIni, Settings::gridsDimOld));
     show();
     m_size.Opened();
 }
@@ -356,6 +386,24 @@ void frmQIRAN::ShowForwarding() {
     frmForward(m_ground.forwarder, m_messages, this).exec();
 }
 
+void frmQIRAN::AddToCallsigns(const QString& callsign) {
+    frmCalls(m_ground.callsigns, m_messages, this).DoCalls(callsign);
+}
+
+void frmQIRAN::PutInTo(const QString& callsign) {
+    ShowTerminal();
+    if (m_terminal)
+        m_terminal->PutInTo(callsign);
+}
+
+void frmQIRAN::OpenLogFolder() {
+    const QString logs = m_ground.folder.LogsFolder();
+    if (QFileInfo(logs).isDir())
+        QDesktopServices::openUrl(QUrl::fromLocalFile(logs));
+    else
+        m_messages.MessageBox(this, Texts::NoLogs(), MessageStyle::Information, {}, HelpTopics::terminal);
+}
+
 void frmQIRAN::ShowCallsigns() {
     frmCalls(m_ground.callsigns, m_messages, this).DoCalls();
 }
@@ -395,6 +443,7 @@ void frmQIRAN::closeEvent(QCloseEvent* event) {
 
 void frmQIRAN::ReleaseWindows() {
     m_timer1.stop();
+    m_lastPass.stop();
     m_terminal.reset();
     if (frmSky* sky = m_sky) {
         sky->close();

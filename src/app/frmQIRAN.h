@@ -8,6 +8,7 @@
 #include "foundation/looks/LegiblePalette.h"
 #include "foundation/placement/WindowSize.h"
 #include "telemetry/grids/TipCell.h"
+#include "telemetry/grids/ValueAge.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -64,6 +65,7 @@ private:
     void EndGuide();
     void Mend(StartGuide::Step step);
     void ComeForward();
+    void DimOld(bool isOn);
     void ConnectMenu(const MainMenuView& menu);
     void ApplyStationPosition();
     void SetDueCaption();
@@ -95,6 +97,8 @@ private:
     QTimer m_timer1;
     RunningWindow m_running;
     LegiblePalette m_legible;
+    ValueAge m_ages;
+    QTimer m_lastPass; // looks for the last pass now and then, while ages are shown
     WindowSize m_size;
     bool m_isClosing = false;
     framGuide* m_guide = nullptr; // none once it has done its work

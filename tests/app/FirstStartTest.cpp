@@ -45,11 +45,11 @@ private:
 namespace {
 
 const QByteArray elements = "QIRAN\r\n"
-                            "1 90417U 01043C   26325.50000000  .00000100  00000+0  10000-3 0  9991\r\n"
-                            "2 90417  67.0500 100.0000 0010000  90.0000 270.0000 14.28000000500000\r\n"
+                            "1 90417U 01043C   26325.50000000  .00000100  00000+0  10000-3 0  9996\r\n"
+                            "2 90417  67.0500 100.0000 0010000  90.0000 270.0000 14.28000000 50001\r\n"
                             "ISS (ZARYA)\r\n"
                             "1 25544U 98067A   26325.50000000  .00010000  00000+0  18000-3 0  9995\r\n"
-                            "2 25544  51.6400 100.0000 0005000  90.0000 270.0000 15.50000000500008\r\n";
+                            "2 25544  51.6400 100.0000 0005000  90.0000 270.0000 15.50000000 50008\r\n";
 
 /// Shared data of an installation, in a folder of its own.
 class SharedData {
@@ -274,7 +274,7 @@ void FirstStartTest::aSecondStartBringsTheFirstForwardAndNamesTheFolder() {
     QTRY_VERIFY(rig.window->isMinimized());
     RecordingPresenter presenter;
     mb messages(presenter);
-    frmQIRAN second(rig.folder.Program(), rig.clock, messages);
+    frmQIRAN second(rig.folder.Program(), rig.clock, messages, rig.notices);
     QVERIFY(!second.Load());
     QTRY_VERIFY(!rig.window->isMinimized());
     QVERIFY(QTest::qWaitForWindowActive(rig.window.get()));

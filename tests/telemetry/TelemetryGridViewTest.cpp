@@ -169,8 +169,10 @@ void TelemetryGridViewTest::tipFromTheAirIsNeverMarkup() {
 void TelemetryGridViewTest::valueIsCopiedInFull() {
     m_room->Receive("XQ9ZZ", "T#1,0.123456789,20,30,40,0,0,00000000,0\r");
     QTest::mouseClick(View(1).viewport(), Qt::LeftButton, Qt::NoModifier, Middle(1, 1, 1));
+    View(1).findChild<QAction*>(QStringLiteral("mnuCopyFull1"))->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("CURRENT\tA\nX+\t1000.123456789"));
     QTest::keySequence(&View(1), QKeySequence::Copy);
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1000.123456789"));
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("CURRENT\tA\nX+\t1000"));
 }
 
 void TelemetryGridViewTest::severalCellsAreCopiedAsATable() {
@@ -179,7 +181,8 @@ void TelemetryGridViewTest::severalCellsAreCopiedAsATable() {
     QTest::mouseClick(View(0).viewport(), Qt::LeftButton, Qt::NoModifier, Middle(0, 1, 1));
     QTest::mouseClick(View(0).viewport(), Qt::LeftButton, Qt::ShiftModifier, Middle(0, 2, 2));
     QTest::keySequence(&View(0), QKeySequence::Copy);
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("4001\t14001\n4002\t14002"));
+    QCOMPARE(QGuiApplication::clipboard()->text(),
+             QStringLiteral("POWER\tA\tB\nBatt A\t4001.00\t14001.00\nBatt B\t4002.00\t14002.00"));
 }
 
 void TelemetryGridViewTest::nothingIsCopiedFromNothing() {
@@ -304,7 +307,8 @@ void TelemetryGridViewTest::valuesOutsideTheirLimitsAreMarkedByColourAndShape() 
     View(0).setFocus();
     QTest::keySequence(&View(0), QKeySequence::Copy);
     QCOMPARE(QGuiApplication::clipboard()->text(),
-             QStringLiteral("4010\t14010\n4020\t14020\n4030\t14030\n4040\t14040"));
+             QStringLiteral("POWER\tA\tB\nBatt A\t4010.00\t14010.00\nBatt B\t4020.00\t14020.00\n"
+                            "P Out\t4030.00\t14030.00\n8V Reg\t4040.00\t14040.00"));
 }
 
 void TelemetryGridViewTest::marksAreLegible_data() {

@@ -38,7 +38,9 @@ LegiblePalette::LegiblePalette(QWidget* window)
 }
 
 bool LegiblePalette::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::PaletteChange && !m_isApplying)
+    const bool isChange =
+        event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationPaletteChange;
+    if (isChange && !m_isApplying)
         Apply();
     return QObject::eventFilter(watched, event);
 }

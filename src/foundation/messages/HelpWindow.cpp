@@ -36,6 +36,7 @@ constexpr qint64 largestFile = 64 * 1024 * 1024;
 constexpr int lowestHeading = 3; // in the contents
 constexpr int positionRole = Qt::UserRole;
 constexpr QSize smallestSize(880, 480); // for the longest lines of the document
+constexpr QSize frameRoom(16, 40);      // that a window system may put around the window
 
 // Shows nothing but what the document itself holds.
 class Page : public QTextBrowser {
@@ -183,13 +184,14 @@ void HelpWindow::Place() {
     const int unit = HelpPlacement::unitsOfScreen;
     const QSize usual = QSize(area.width() * place.width / unit, area.height() * place.height / unit)
                             .expandedTo(smallestSize)
-                            .boundedTo(area.size());
+                            .boundedTo(area.size() - frameRoom);
     if (!m_isOpened && !(m_size && m_size->Restore()))
         resize(usual);
+    resize(size().boundedTo(area.size() - frameRoom));
     const QPoint corner(area.left() + area.width() * place.left / unit,
                         area.top() + area.height() * place.top / unit);
     const QRect other = explained != nullptr ? explained->frameGeometry() : QRect(corner, QSize());
-    move(BesideWindow(size(), other, area).topLeft());
+    move(BesideWindow(size() + frameRoom, other, area).topLeft());
 }
 
 void HelpWindow::closeEvent(QCloseEvent* event) {

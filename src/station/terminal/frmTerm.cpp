@@ -15,6 +15,7 @@
 #include "station/terminal/TerminalFont.h"
 #include "station/terminal/TerminalPane.h"
 
+#include <QApplication>
 #include <QBoxLayout>
 #include <QCloseEvent>
 #include <QFontDatabase>
@@ -27,10 +28,13 @@
 #include <QSignalBlocker>
 #include <QWheelEvent>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int columns = 84; // of the pane, when it opens for the first time
 constexpr int lines = 26;
+constexpr qsizetype mostSent = 100; // lines to walk back through
 
 QLineEdit* Field(QAnyStringView name, int characters) {
     auto* field = Named(name, new QLineEdit);
@@ -107,7 +111,13 @@ void frmTerm::Build() {
     auto* layout = new QVBoxLayout(inside);
     layout->addLayout(address);
     layout->addWidget(rtbMon, 1);
-    layout->addWidget(LabelOf(txtTx, QStringLiteral("T&ransmit")));
+    labCount = Named(u"labCount", new QLabel);
+    labCount->setAccessibleName(QStringLiteral("Characters until it is sent"));
+    auto* above = new QHBoxLayout;
+    above->addWidget(LabelOf(txtTx, QStringLiteral("T&ransmit")));
+    above->addStretch();
+    above->addWidget(labCount);
+    layout->addLayout(above);
     layout->addWidget(txtTx);
     setCentralWidget(inside);
     const QList<QWidget*> order{txtTo, txtVia, txtPort, cmdAprs, cmdLoc, rtbMon, txtTx};
@@ -141,6 +151,10 @@ void frmTerm::SetRules() {
         m_guard.AddField(field, [this, field] { return MayLeave(field); });
     txtTx->installEventFilter(this);
     connect(txtTx, &QLineEdit::textChanged, this, &frmTerm::Wrap);
+    connect(rtbMon, &TrafficPane::PutInToAsked, this, &frmTerm::PutInTo);
+    connect(rtbMon, &TrafficPane::AddToCallsignsAsked, this, &frmTerm::AddToCallsignsAsked);
+    connect(rtbMon, &TrafficPane::LogFolderAsked, this, &frmTerm::LogFolderAsked);
+    ShowCount();
     connect(cmdAprs, &QPushButton::clicked, this, [this] { m_session.transmitter.SendPosition(Fields()); });
     connect(cmdLoc, &QPushButton::clicked, this, [this] { m_session.transmitter.SendLocator(Fields()); });
 }
@@ -162,7 +176,7 @@ void frmTerm::ApplyFontSize() {
     const float twipsPerPixel = Twips::FromPixels(1, *this);
     const int pixels = Settings::NumberOf(m_cIni, Settings::terminalFontSize);
     const float wanted = pixels > 0 ? TerminalFont::PointsOf(pixels, twipsPerPixel)
-                                    : static_cast<float>(QFontInfo(font()).pointSizeF());
+                                    : static_cast<float>(QFontInfo(QApplication::font(this)).pointSizeF());
     m_textFont.setPointSizeF(static_cast<qreal>(TerminalFont::SnapSize(wanted, twipsPerPixel)));
     rtbMon->setFont(m_textFont);
     txtTx->setFont(m_textFont);
@@ -200,12 +214,6 @@ bool frmTerm::Wheel(const QWheelEvent& wheel) {
     if (steps != 0)
         ChangeFontSize(steps);
     return true;
-}
-
-void frmTerm::changeEvent(QEvent* event) {
-    QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::FontChange && rtbMon != nullptr)
-        ApplyFontSize();
 }
 
 void frmTerm::LoadFields() {
@@ -267,23 +275,64 @@ bool frmTerm::TransmitKey(const QKeyEvent& key) {
             txtTx->setText(*m_lastLine);
         return true;
     }
+    if ((key.key() == Qt::Key_Up || key.key() == Qt::Key_Down) &&
+        (key.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier)
+        return WalkHistory(key.key() == Qt::Key_Up ? -1 : 1);
     return false;
+}
+
+// Up and Down through what was sent; below the newest lies what the user was about to write.
+bool frmTerm::WalkHistory(int step) {
+    const qsizetype at = std::clamp<qsizetype>(m_sentAt + step, 0, m_sent.size());
+    if (at == m_sentAt)
+        return true;
+    if (m_sentAt == m_sent.size())
+        m_ownText = txtTx->text();
+    m_sentAt = at;
+    {
+        const QSignalBlocker silent(txtTx); // a full line waits for Enter
+        txtTx->setText(at == m_sent.size() ? m_ownText : m_sent[at]);
+    }
+    ShowCount();
+    return true;
+}
+
+void frmTerm::Remember(const QStringList& texts) {
+    for (const QString& text : texts)
+        if (!text.isEmpty() && (m_sent.isEmpty() || m_sent.last() != text))
+            m_sent.append(text);
+    m_sent.remove(0, std::max<qsizetype>(m_sent.size() - mostSent, 0));
+    m_sentAt = m_sent.size();
+    m_ownText.clear();
+}
+
+void frmTerm::ShowCount() {
+    labCount->setText(QStringLiteral("%1/%2").arg(txtTx->text().size()).arg(longestLine));
+}
+
+void frmTerm::PutInTo(const QString& callsign) {
+    txtTo->setText(callsign);
 }
 
 void frmTerm::Wrap() {
     const LineWrap wrap = WrapLines(txtTx->text());
-    if (wrap.lines.isEmpty())
+    if (wrap.lines.isEmpty()) {
+        ShowCount();
         return;
+    }
     {
         const QSignalBlocker silent(txtTx);
         txtTx->setText(wrap.rest);
     }
+    ShowCount();
     m_lastLine = wrap.lines.last();
     Transmit(wrap.lines);
 }
 
 void frmTerm::Transmit(const QStringList& texts) {
     const AddressFields fields = Fields();
+    Remember(texts);
+    rtbMon->GoToEnd(); // where what is sent will be seen
     m_session.transmitter.TransmitText(texts, fields, fields.to);
 }
 
@@ -291,7 +340,11 @@ bool frmTerm::event(QEvent* event) {
     // Whoever comes back to a field with something wrong in it still has to mend it.
     if (event->type() == QEvent::WindowActivate && FaultOf(focusWidget()).isEmpty())
         txtTx->setFocus(Qt::ActiveWindowFocusReason);
-    return QMainWindow::event(event);
+    const bool isTaken = QMainWindow::event(event);
+    if (rtbMon != nullptr &&
+        (event->type() == QEvent::FontChange || event->type() == QEvent::ApplicationFontChange))
+        ApplyFontSize();
+    return isTaken;
 }
 
 bool frmTerm::eventFilter(QObject* watched, QEvent* event) {

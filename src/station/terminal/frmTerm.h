@@ -9,6 +9,7 @@
 #include <memory>
 
 class QAction;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 class TerminalPane;
@@ -33,6 +34,9 @@ public:
     /// Shows the window, restored if minimised, before all others.
     void BringForward();
 
+    /// Addresses what is sent next to this callsign.
+    void PutInTo(const QString& callsign);
+
     /// Hands what the user has entered to the session, closes it and gives up the window's place; then tells.
     /// What any way of closing the window does. A second call does nothing.
     void Unload();
@@ -42,13 +46,16 @@ Q_SIGNALS:
     /// lets it go, with deleteLater(), and makes a new one when the user asks for the terminal again.
     void ImUnloading();
 
+    /// The user wants a callsign among the satellite's, and the folder of the logs.
+    void AddToCallsignsAsked(const QString& callsign);
+    void LogFolderAsked();
+
 protected:
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
@@ -65,6 +72,9 @@ private:
     QString FaultOf(const QWidget* field);
     bool MayLeave(const QWidget* field);
     bool TransmitKey(const QKeyEvent& key);
+    bool WalkHistory(int step);
+    void Remember(const QStringList& texts);
+    void ShowCount();
     void Wrap();
     void Transmit(const QStringList& lines);
     void Close();
@@ -80,6 +90,9 @@ private:
     QFont m_textFont; // of pane and transmit line
     int m_wheel = 0;  // what it has turned short of a step
     std::optional<QString> m_lastLine;
+    QStringList m_sent;     // the newest last
+    qsizetype m_sentAt = 0; // where the user walks in them; at their end he is in his own text
+    QString m_ownText;
     bool m_isUnloaded = false;
 
     TerminalPane* rtbMon = nullptr;
@@ -87,6 +100,7 @@ private:
     QLineEdit* txtVia = nullptr;
     QLineEdit* txtPort = nullptr;
     QLineEdit* txtTx = nullptr;
+    QLabel* labCount = nullptr;
     QPushButton* cmdAprs = nullptr;
     QPushButton* cmdLoc = nullptr;
     QAction* mnuLogAllData = nullptr;

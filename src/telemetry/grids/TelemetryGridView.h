@@ -3,7 +3,9 @@
 #include <QTableView>
 
 class TelemetryGrid;
+class LimitDelegate;
 class TipCell;
+class ValueAge;
 
 /// Shows one telemetry grid. The header row and the name column stand still; hovering over a value tells
 /// which frame brought it and when; values can be copied in full.
@@ -13,10 +15,18 @@ public:
     /// `tipCell` is shared by the grids.
     TelemetryGridView(TelemetryGrid& grid, TipCell& tipCell, QWidget* parent = nullptr);
 
+    /// Adds an entry to the menu with which old values are dimmed, in all grids that share `ages`; it
+    /// outlives the view.
+    void ShowAges(ValueAge& ages);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
+
+Q_SIGNALS:
+    /// The user has switched the dimming of old values.
+    void DimOldToggled(bool isOn);
 
 protected:
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -26,8 +36,10 @@ protected:
 private:
     void FitCells();
     void MouseOver(int row, int column);
-    void CopySelection() const;
+    QAction* AddEntry(const QString& name, const QString& caption);
+    void CopySelection(int role) const;
 
     TelemetryGrid& m_grid;
     TipCell& m_tipCell;
+    LimitDelegate* m_delegate;
 };

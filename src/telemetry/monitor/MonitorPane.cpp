@@ -24,7 +24,7 @@ QString DocumentText(QByteArrayView text) {
 } // namespace
 
 MonitorPane::MonitorPane(const MonitorText& text, QWidget* parent)
-    : FollowingPane(parent)
+    : TrafficPane(parent)
     , m_text(text)
     , m_shownEnd(text.Begin()) {
     setObjectName(QStringLiteral("txtMon"));

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "foundation/panes/FollowingPane.h"
+#include "telemetry/monitor/TrafficPane.h"
 
 class MonitorText;
 
 /// The monitor pane: shows the monitor text as plain text, whatever characters came from the air.
-class MonitorPane : public FollowingPane {
+class MonitorPane : public TrafficPane {
     Q_OBJECT
 public:
     explicit MonitorPane(const MonitorText& text, QWidget* parent = nullptr);
