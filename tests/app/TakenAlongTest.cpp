@@ -47,7 +47,6 @@ private Q_SLOTS:
     void upAndDownWalkTheLinesSent();
     void sendingShowsTheNewestLine();
     void oldValuesAreDimmedWhenAskedFor();
-    void theKeyboardAloneIsEnough();
     void everyControlHasAnAccessibleName();
 
 public Q_SLOTS:
@@ -501,88 +500,6 @@ void TakenAlongTest::oldValuesAreDimmedWhenAskedFor() {
     Screenshots::Take(*m_rig->window, u"frmQIRAN-dimmed"_s);
     dim->trigger();
     QCOMPARE(m_rig->Get("GRIDS", "DIM_OLD"), u"FALSE"_s);
-}
-
-// From an empty station to a sent line, and out again, without a mouse.
-void TakenAlongTest::theKeyboardAloneIsEnough() {
-    QWidget* window = m_rig->window.get();
-    QVERIFY(QTest::qWaitForWindowActive(window));
-    const auto target = [] {
-        if (QWidget* popup = QApplication::activePopupWidget())
-            return popup;
-        QWidget* active = QApplication::activeModalWidget() != nullptr ? QApplication::activeModalWidget()
-                                                                       : QApplication::activeWindow();
-        return active->focusWidget() != nullptr ? active->focusWidget() : active;
-    };
-    const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QTest::keyClick(target(), key, modifiers);
-    };
-    const auto type = [&](const QString& text) { QTest::keyClicks(target(), text); };
-    QStringList seen;
-
-    // Options, Station Information.
-    QTimer::singleShot(0, this, [&] {
-        QTRY_VERIFY(QApplication::activePopupWidget() != nullptr);
-        QTimer::singleShot(0, this, [&] {
-            QWidget* dialog = QApplication::activeModalWidget();
-            seen += dialog->objectName();
-            press(Qt::Key_A, Qt::ControlModifier); // there is a callsign already
-            type(u"g0abc"_s);
-            press(Qt::Key_Tab);
-            type(u"51.30n"_s);
-            press(Qt::Key_Tab);
-            type(u"0.30w"_s);
-            press(Qt::Key_Tab);
-            type(u"by key"_s);
-            press(Qt::Key_Return);
-            if (dialog->isVisible()) { // refused: nobody else would close it
-                seen += m_rig->presenter.Texts().value(0, u"still open"_s);
-                qobject_cast<QDialog*>(dialog)->reject();
-            }
-        });
-        press(Qt::Key_T);
-    });
-    press(Qt::Key_O, Qt::AltModifier);
-    QTRY_COMPARE(seen, QStringList{u"frmLocation"_s});
-    QCOMPARE(m_rig->Get("SETUP", "CALLSIGN"), u"G0ABC"_s);
-    QCOMPARE(m_rig->Get("SETUP", "LATITUDE"), u"5130.00N"_s);
-    QCOMPARE(m_rig->Get("SETUP", "COMMENT"), u"by key"_s);
-
-    // Every control of the main window is reached by Tab.
-    window->activateWindow();
-    QStringList reached;
-    for (int i = 0; i < 40; ++i) {
-        press(Qt::Key_Tab);
-        if (QWidget* focused = window->focusWidget())
-            reached += focused->objectName();
-    }
-    for (const char* name : {"gTlm0", "gTlm1", "gTlm2", "cmdChangeSat", "cmdPassInfo", "txtMon",
-                             "cmdGuideElements", "cmdGuideClose", "cmdSky"})
-        QVERIFY2(reached.contains(QLatin1StringView(name)), name);
-
-    // The terminal: a line sent, and out by Escape.
-    press(Qt::Key_T, Qt::AltModifier);
-    QTRY_VERIFY(WindowNamed(u"frmTerm"_s) != nullptr);
-    QVERIFY(QTest::qWaitForWindowActive(WindowNamed(u"frmTerm"_s)));
-    QCOMPARE(WindowNamed(u"frmTerm"_s)->focusWidget()->objectName(), u"txtTx"_s);
-    type(u"hello"_s);
-    press(Qt::Key_Return);
-    press(Qt::Key_Escape);
-    QTRY_VERIFY(WindowNamed(u"frmTerm"_s) == nullptr);
-    QCOMPARE(m_rig->presenter.Texts().filter(u"transmit"_s), QStringList());
-
-    // The map, its menu, and out.
-    window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(window));
-    press(Qt::Key_M, Qt::AltModifier);
-    QTRY_VERIFY(WindowNamed(u"frmMap"_s) != nullptr);
-    QVERIFY(QTest::qWaitForWindowActive(WindowNamed(u"frmMap"_s)));
-    press(Qt::Key_F10, Qt::ShiftModifier);
-    QTRY_VERIFY(QApplication::activePopupWidget() != nullptr);
-    press(Qt::Key_F);
-    QTRY_COMPARE(InWindow<QLabel>("frmMap", "labTimeNote")->text(), u"simulated, UTC"_s);
-    press(Qt::Key_Escape);
-    QTRY_VERIFY(WindowNamed(u"frmMap"_s) == nullptr);
 }
 
 // What a screen reader says of a control that it comes to.
