@@ -2,7 +2,7 @@
 
 #include "app/LinkButton.h"
 #include "app/SteadyBox.h"
-#include "foundation/fields/Amber.h"
+#include "foundation/looks/Amber.h"
 
 #include <QKeyEvent>
 #include <QLabel>
@@ -129,4 +129,10 @@ void StatusBarView::Refresh() {
     if (texts.isRiseNear != m_shown.isRiseNear)
         StandOut(labNextRise, texts.isRiseNear);
     m_shown = texts;
+}
+
+void StatusBarView::changeEvent(QEvent* event) {
+    QStatusBar::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_shown.areElementsOld)
+        Mark(labElements, true); // on another ground
 }

@@ -8,8 +8,10 @@
 #include "app/StatusBarView.h"
 #include "app/framGuide.h"
 #include "app/frmAbout.h"
+#include "core/LastPass.h"
 #include "core/Texts.h"
 #include "foundation/messages/DesktopNotices.h"
+#include "foundation/messages/HelpTopics.h"
 #include "foundation/messages/mb.h"
 #include "foundation/placement/PlaceWindow.h"
 #include "foundation/placement/Twips.h"
@@ -23,6 +25,7 @@
 #include "orbit/predictions/frmPass.h"
 #include "orbit/skyview/frmSky.h"
 #include "sharing/frmForward.h"
+#include "station/identity/PositionText.h"
 #include "station/identity/frmLocation.h"
 #include "station/terminal/frmTerm.h"
 #include "telemetry/callsigns/frmCalls.h"
@@ -35,6 +38,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
@@ -47,6 +51,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds closeRetry(10); // while dialogs close
+constexpr std::chrono::minutes lastPassInterval(1);
 
 } // namespace
 
@@ -58,7 +63,10 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     , m_heardTimes(m_ground)
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
     , m_history(std::make_unique<HistoryWindow>(m_ground, clock, messages))
-    , m_timer1(this) {
+    , m_timer1(this)
+    , m_legible(this)
+    , m_ages([&clock] { return clock.Milliseconds(); })
+    , m_size(*this, m_ground.cIni, QStringLiteral("MAIN")) {
     setObjectName(QStringLiteral("frmQIRAN"));
     setWindowTitle(Texts::Title());
     m_ground.setParent(this); // its timers are found by name below the window
@@ -70,6 +78,9 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
         ShowStatus();
     });
     connect(&m_running, &RunningWindow::Knocked, this, &frmQIRAN::ComeForward);
+    m_lastPass.setObjectName(QStringLiteral("timLastPass"));
+    m_lastPass.setInterval(lastPassInterval);
+    connect(&m_lastPass, &QTimer::timeout, this, [this] { m_ages.SetPassStart(StartOfLastPass(m_ground)); });
     LayOut();
     ConnectMenu(*m_menu);
 }
@@ -82,17 +93,25 @@ void frmQIRAN::LayOut() {
     auto* grids = new QHBoxLayout;
     for (const auto& grid : m_ground.grids) {
         auto* view = new TelemetryGridView(*grid, m_tipCell);
-        grids->addWidget(view, 0, Qt::AlignTop);
         connect(view, &TelemetryGridView::History, m_history.get(), &HistoryWindow::Show);
         connect(view, &TelemetryGridView::HistoryOfValue, m_history.get(),
                 [this](int side, int index, int row) {
                     m_history->ShowValue({side, index, row});
                 });
+        view->ShowAges(m_ages);
+        connect(view, &TelemetryGridView::DimOldToggled, this, [this](bool isOn) {
+            Settings::Save(m_ground.cIni, Settings::gridsDimOld, clsIni::TrueOrFalse(isOn));
+            DimOld(isOn);
+        });
+        grids->addWidget(view, 0, Qt::AlignTop);
     }
     Label2 = new QLabel;
     Label2->setObjectName(QStringLiteral("Label2"));
     Label2->setTextFormat(Qt::PlainText);
     txtMon = new MonitorPane(m_ground.monitor);
+    connect(txtMon, &TrafficPane::PutInToAsked, this, &frmQIRAN::PutInTo);
+    connect(txtMon, &TrafficPane::AddToCallsignsAsked, this, &frmQIRAN::AddToCallsigns);
+    connect(txtMon, &TrafficPane::LogFolderAsked, this, &frmQIRAN::OpenLogFolder);
 
     auto* telemetry = new QVBoxLayout;
     telemetry->addLayout(grids);
@@ -167,7 +186,8 @@ void frmQIRAN::PlaceWindow() {
     m_framLocation = new framLocation(m_ground.cSats, m_ground.satellites);
     m_side->addWidget(m_framLocation);
     m_side->addStretch();
-    resize(sizeHint());
+    if (!m_size.Restore())
+        resize(sizeHint());
     CentreOnScreen(this);
     const auto place = [this](const Setting& setting, int pixels) {
         return Twips::PixelsOf(Settings::ReadOr(m_ground.cIni, setting, Twips::TextOf(pixels, *this)), *this);
@@ -235,6 +255,15 @@ void frmQIRAN::ShowGuide() {
         m_guide->show();
 }
 
+void frmQIRAN::DimOld(bool isOn) {
+    if (isOn) {
+        m_ages.SetPassStart(StartOfLastPass(m_ground));
+        m_lastPass.start();
+    } else
+        m_lastPass.stop();
+    m_ages.SetOn(isOn);
+}
+
 void frmQIRAN::EndGuide() {
     Settings::Save(m_ground.cIni, Settings::guideShow, clsIni::TrueOrFalse(false));
     m_guide->hide();
@@ -262,6 +291,8 @@ void frmQIRAN::Mend(StartGuide::Step step) {
 void frmQIRAN::LoadTerminal() {
     m_terminal = std::make_unique<frmTerm>(m_ground.cIni, m_messages, m_ground.link, m_ground.terminal,
                                            m_ground.folder);
+    connect(m_terminal.get(), &frmTerm::AddToCallsignsAsked, this, &frmQIRAN::AddToCallsigns);
+    connect(m_terminal.get(), &frmTerm::LogFolderAsked, this, &frmQIRAN::OpenLogFolder);
     connect(m_terminal.get(), &frmTerm::ImUnloading, this,
             [this] { m_terminal.release()->deleteLater(); }); // it is still about its own closing
 }
@@ -273,7 +304,9 @@ void frmQIRAN::Show() {
     staStatus->setVisible(clsIni::IsItTrue(showStatus));
     ShowStatus();
     ShowGuide();
+    DimOld(Settings::IsOn(m_ground.cIni, Settings::gridsDimOld));
     show();
+    m_size.Opened();
 }
 
 // A rise is told of with the status bar hidden, too.
@@ -303,6 +336,7 @@ void frmQIRAN::ShowPassPredictions() {
                              .alarmMinutes = Settings::NumberOf(m_ground.cIni, Settings::noticeMinutes),
                              .program = Texts::CalendarMaker()};
     frmPass passes(m_ground.cSats, m_ground.satellites, this, std::move(services));
+    passes.RememberSize(m_ground.cIni);
     std::optional<DateTime> chosen;
     connect(&passes, &frmPass::PassChosen, this, [&](DateTime startUtc) {
         chosen = startUtc;
@@ -359,6 +393,7 @@ void frmQIRAN::ShowMap() {
         m_map = new frmMap(m_ground.cSats, m_ground.satellites, m_ground.cIni, m_messages, m_ground.folder,
                            [this] { return PlaceOfStation(); });
         m_map->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_map, &frmMap::PositionChosen, this, &frmQIRAN::UseAsPosition);
         connect(m_map, &frmMap::ChangeSatRequested, m_framLocation, &framLocation::ChangeSat);
         connect(m_map, &frmMap::TimeShown, this, [this] {
             if (m_sky)
@@ -370,6 +405,15 @@ void frmQIRAN::ShowMap() {
     m_map->show();
     m_map->raise();
     m_map->activateWindow();
+}
+
+void frmQIRAN::UseAsPosition(double latitude, double longitude) {
+    using namespace PositionText;
+    const QString lat = ToStored(FromDegrees(latitude, Axis::Latitude), Axis::Latitude);
+    const QString lon = ToStored(FromDegrees(longitude, Axis::Longitude), Axis::Longitude);
+    m_ground.station.setStrLat(lat);
+    m_ground.station.setStrLong(lon);
+    m_ground.station.setStrLoc(Locator(lat, lon).value_or(QString()));
 }
 
 void frmQIRAN::ShowStationInformation() {
@@ -386,6 +430,24 @@ void frmQIRAN::ShowForwarding() {
 
 void frmQIRAN::ShowKissSetup() {
     frmKissSetup(m_ground.kiss, m_ground.link.Kiss(), m_messages, this).exec();
+}
+
+void frmQIRAN::AddToCallsigns(const QString& callsign) {
+    frmCalls(m_ground.callsigns, m_messages, this).DoCalls(callsign);
+}
+
+void frmQIRAN::PutInTo(const QString& callsign) {
+    ShowTerminal();
+    if (m_terminal)
+        m_terminal->PutInTo(callsign);
+}
+
+void frmQIRAN::OpenLogFolder() {
+    const QString logs = m_ground.folder.LogsFolder();
+    if (QFileInfo(logs).isDir())
+        QDesktopServices::openUrl(QUrl::fromLocalFile(logs));
+    else
+        m_messages.MessageBox(this, Texts::NoLogs(), MessageStyle::Information, {}, HelpTopics::terminal);
 }
 
 void frmQIRAN::ShowCallsigns() {
@@ -434,6 +496,7 @@ void frmQIRAN::closeEvent(QCloseEvent* event) {
 
 void frmQIRAN::ReleaseWindows() {
     m_timer1.stop();
+    m_lastPass.stop();
     m_terminal.reset();
     m_history->Close();
     if (frmSky* sky = m_sky) {
@@ -449,6 +512,7 @@ void frmQIRAN::ReleaseWindows() {
 bool frmQIRAN::SaveWindowPlace() {
     if (isMinimized())
         return false;
+    m_size.Save();
     if (WindowsCanBePlaced()) {
         Settings::Save(m_ground.cIni, Settings::left, Twips::TextOf(x(), *this));
         Settings::Save(m_ground.cIni, Settings::top, Twips::TextOf(y(), *this));

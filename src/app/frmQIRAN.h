@@ -6,8 +6,11 @@
 #include "core/Roof.h"
 #include "core/StartGuide.h"
 #include "core/StationStatus.h"
+#include "foundation/looks/LegiblePalette.h"
+#include "foundation/placement/WindowSize.h"
 #include "orbit/skyview/PassSteps.h"
 #include "telemetry/grids/TipCell.h"
+#include "telemetry/grids/ValueAge.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -68,6 +71,7 @@ private:
     void EndGuide();
     void Mend(StartGuide::Step step);
     void ComeForward();
+    void DimOld(bool isOn);
     void ConnectMenu(const MainMenuView& menu);
     void ApplyStationPosition();
     void SetDueCaption();
@@ -103,6 +107,10 @@ private:
     std::unique_ptr<HistoryWindow> m_history;
     QTimer m_timer1;
     RunningWindow m_running;
+    LegiblePalette m_legible;
+    ValueAge m_ages;
+    QTimer m_lastPass; // looks for the last pass now and then, while ages are shown
+    WindowSize m_size;
     bool m_isClosing = false;
     framGuide* m_guide = nullptr; // none once it has done its work
     MonitorPane* txtMon;

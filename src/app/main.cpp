@@ -5,6 +5,7 @@
 #include "foundation/messages/HelpKey.h"
 #include "foundation/messages/MessageBoxPresenter.h"
 #include "foundation/messages/mb.h"
+#include "foundation/settings/clsIni.h"
 #include "foundation/system/EndRequests.h"
 #include "foundation/text/Clock.h"
 
@@ -53,7 +54,8 @@ int Run(const CommandLine& line, const QString& executable) {
     DBusNotices notices;
     const QString helpFile = folder.File(QStringLiteral("qirandecode.HLP"));
     if (line.reportFolder.isEmpty()) {
-        MessageBoxPresenter presenter(helpFile);
+        clsIni places(folder.IniFile());
+        MessageBoxPresenter presenter(helpFile, &places);
         const HelpKey helpKey(qApp, presenter);
         mb messages(presenter);
         frmQIRAN window(folder, clock, messages, notices);

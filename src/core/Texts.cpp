@@ -82,6 +82,12 @@ QString InFolder(const QString& folder) {
     return QStringLiteral("QiranDecode in %1").arg(folder);
 }
 
+QString NoLogs() {
+    return QStringLiteral(
+        "There are no logs yet. Tick 'Log All Data' in the terminal, and everything that is heard is "
+        "written to a file a day.");
+}
+
 QString LastStartEnded(const QString& reason) {
     return QStringLiteral(
                "The program ended at its last start because of %1. Mend the line, and start it again. "

@@ -50,6 +50,9 @@ QString AlreadyRunning();
 /// The caption of that notice, which names the folder.
 QString InFolder(const QString& folder);
 
+/// That no log has been written yet, and how to have one.
+QString NoLogs();
+
 /// Why the last start ended at once, and how to find every such line.
 QString LastStartEnded(const QString& reason);
 

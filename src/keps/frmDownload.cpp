@@ -16,6 +16,12 @@
 
 #include <algorithm>
 
+namespace {
+
+const QString issAddress = QStringLiteral("celestrak.org/NORAD/elements/gp.php?CATNR=25544&FORMAT=tle");
+
+} // namespace
+
 frmDownload::frmDownload(const ProgramFolder& folder, clsIni& ini, const mb& messages, InternetTransfer& inet,
                          QWidget* parent)
     : QDialog(parent)
@@ -25,12 +31,16 @@ frmDownload::frmDownload(const ProgramFolder& folder, clsIni& ini, const mb& mes
     , txtFile{new QLineEdit(this), new QLineEdit(this)}
     , txtTerm(new QPlainTextEdit(this))
     , barProgress(new QProgressBar(this))
+    , cmdUsual(new QPushButton(tr("&Usual addresses"), this))
     , cmdDownload(new QPushButton(tr("&Download"), this))
     , cmdCancel(new QPushButton(tr("Cancel"), this)) {
     setObjectName(QStringLiteral("frmDownload"));
     setWindowTitle(tr("Download Keps"));
     m_sequence.setParent(this);
     LayOut();
+    for (QLineEdit* field : txtFile)
+        connect(field, &QLineEdit::textChanged, this, [field] { DropScheme(field); });
+    connect(cmdUsual, &QPushButton::clicked, this, &frmDownload::TakeUsual);
     connect(cmdDownload, &QPushButton::clicked, this, [this] {
         m_sequence.Download({txtFile[0]->text(), txtFile[1]->text()});
     });
@@ -49,6 +59,25 @@ bool frmDownload::DownloadKeps() {
     CentreOnScreen(this);
     exec();
     return m_sequence.Result();
+}
+
+// An address pasted from a browser begins with what stands before the field already.
+void frmDownload::DropScheme(QLineEdit* field) {
+    for (const QString& scheme : {QStringLiteral("http://"), QStringLiteral("https://")}) {
+        const qsizetype blanks = field->text().size() - QStringView(field->text()).trimmed().size();
+        const qsizetype start = field->text().indexOf(scheme, 0, Qt::CaseInsensitive);
+        if (start < 0 || start > blanks)
+            continue;
+        field->setSelection(0, static_cast<int>(start + scheme.size()));
+        field->del(); // which the field can undo
+        return;
+    }
+}
+
+// One file for QIRAN, and the one in which the ISS is.
+void frmDownload::TakeUsual() {
+    txtFile[0]->setText(QString::fromUtf16(Settings::kepsFile1.defaultValue));
+    txtFile[1]->setText(issAddress);
 }
 
 void frmDownload::done(int result) {
@@ -80,7 +109,9 @@ void frmDownload::LayOut() {
         QLineEdit* field = txtFile[static_cast<std::size_t>(i)];
         field->setObjectName(QStringLiteral("txtFile%1").arg(i));
         field->setMinimumWidth(field->fontMetrics().averageCharWidth() * 72);
-        field->setToolTip(tr("The address of an element file, without http://"));
+        field->setToolTip(
+            tr("The address of an element file; http:// or https:// in front is dropped.\nThe server "
+               "sends the program on to https where it wants that."));
         SelectAllOnFocus(field);
         auto* label = new QLabel(i == 0 ? tr("File &1:   http://") : tr("File &2:   http://"), this);
         label->setObjectName(QStringLiteral("labFile%1").arg(i));
@@ -106,11 +137,16 @@ void frmDownload::LayOut() {
     barProgress->setSizePolicy(policy);
     barProgress->hide();
 
+    txtFile[1]->setPlaceholderText(tr("for the ISS: %1").arg(issAddress));
+    cmdUsual->setObjectName(QStringLiteral("cmdUsual"));
+    cmdUsual->setAutoDefault(false);
+    cmdUsual->setToolTip(tr("One file with QIRAN, and one with the ISS"));
     cmdDownload->setObjectName(QStringLiteral("cmdDownload"));
     cmdDownload->setDefault(true);
     cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
     cmdCancel->setAutoDefault(false);
     auto* buttons = new QDialogButtonBox(this);
+    buttons->addButton(cmdUsual, QDialogButtonBox::ResetRole);
     buttons->addButton(cmdDownload, QDialogButtonBox::ActionRole);
     buttons->addButton(cmdCancel, QDialogButtonBox::RejectRole);
 
@@ -122,6 +158,7 @@ void frmDownload::LayOut() {
     column->addWidget(buttons);
     setTabOrder(txtFile[0], txtFile[1]);
     setTabOrder(txtFile[1], txtTerm);
-    setTabOrder(txtTerm, cmdDownload);
+    setTabOrder(txtTerm, cmdUsual);
+    setTabOrder(cmdUsual, cmdDownload);
     setTabOrder(cmdDownload, cmdCancel);
 }

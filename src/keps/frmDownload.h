@@ -36,6 +36,8 @@ private:
     void AddDownloadStatus(const QString& text);
     void ShowProgress(qint64 received, qint64 total);
     void LayOut();
+    static void DropScheme(QLineEdit* field);
+    void TakeUsual();
 
     clsIni& m_ini;
     const mb& m_messages;
@@ -44,6 +46,7 @@ private:
     std::array<QLineEdit*, 2> txtFile;
     QPlainTextEdit* txtTerm;
     QProgressBar* barProgress;
+    QPushButton* cmdUsual;
     QPushButton* cmdDownload;
     QPushButton* cmdCancel;
 };

@@ -1,6 +1,6 @@
 #include "orbit/panel/framLocation.h"
 
-#include "foundation/fields/Amber.h"
+#include "foundation/looks/Amber.h"
 #include "orbit/FakeLibrary.h"
 #include "support/Screenshots.h"
 #include "support/TemporaryProgramFolder.h"

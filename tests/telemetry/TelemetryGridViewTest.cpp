@@ -1,5 +1,6 @@
 #include "telemetry/grids/TelemetryGridView.h"
 
+#include "foundation/looks/Contrast.h"
 #include "support/Screenshots.h"
 #include "telemetry/TelemetryRoom.h"
 #include "telemetry/grids/LimitDelegate.h"
@@ -173,8 +174,10 @@ void TelemetryGridViewTest::tipFromTheAirIsNeverMarkup() {
 void TelemetryGridViewTest::valueIsCopiedInFull() {
     m_room->Receive("XQ9ZZ", "T#1,0.123456789,20,30,40,0,0,00000000,0\r");
     QTest::mouseClick(View(1).viewport(), Qt::LeftButton, Qt::NoModifier, Middle(1, 1, 1));
+    View(1).findChild<QAction*>(QStringLiteral("mnuCopyFull1"))->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("CURRENT\tA\nX+\t1000.123456789"));
     QTest::keySequence(&View(1), QKeySequence::Copy);
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1000.123456789"));
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("CURRENT\tA\nX+\t1000"));
 }
 
 void TelemetryGridViewTest::severalCellsAreCopiedAsATable() {
@@ -183,7 +186,8 @@ void TelemetryGridViewTest::severalCellsAreCopiedAsATable() {
     QTest::mouseClick(View(0).viewport(), Qt::LeftButton, Qt::NoModifier, Middle(0, 1, 1));
     QTest::mouseClick(View(0).viewport(), Qt::LeftButton, Qt::ShiftModifier, Middle(0, 2, 2));
     QTest::keySequence(&View(0), QKeySequence::Copy);
-    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("4001\t14001\n4002\t14002"));
+    QCOMPARE(QGuiApplication::clipboard()->text(),
+             QStringLiteral("POWER\tA\tB\nBatt A\t4001.00\t14001.00\nBatt B\t4002.00\t14002.00"));
 }
 
 void TelemetryGridViewTest::nothingIsCopiedFromNothing() {
@@ -242,19 +246,6 @@ void SetUpLimits(TelemetryRoom& room, LimitJudge& judge) {
     QCoreApplication::processEvents();
 }
 
-// Of the accessibility guidelines for the web: 1 to 21.
-double Contrast(const QColor& one, const QColor& other) {
-    const auto luminance = [](const QColor& colour) {
-        const auto part = [](double value) {
-            return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-        };
-        return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
-    };
-    const double a = luminance(one);
-    const double b = luminance(other);
-    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
-}
-
 } // namespace
 
 void TelemetryGridViewTest::valuesOutsideTheirLimitsAreMarkedByColourAndShape() {
@@ -308,7 +299,8 @@ void TelemetryGridViewTest::valuesOutsideTheirLimitsAreMarkedByColourAndShape() 
     View(0).setFocus();
     QTest::keySequence(&View(0), QKeySequence::Copy);
     QCOMPARE(QGuiApplication::clipboard()->text(),
-             QStringLiteral("4010\t14010\n4020\t14020\n4030\t14030\n4040\t14040"));
+             QStringLiteral("POWER\tA\tB\nBatt A\t4010.00\t14010.00\nBatt B\t4020.00\t14020.00\n"
+                            "P Out\t4030.00\t14030.00\n8V Reg\t4040.00\t14040.00"));
 }
 
 void TelemetryGridViewTest::marksAreLegible_data() {
@@ -320,7 +312,7 @@ void TelemetryGridViewTest::marksAreLegible_data() {
 void TelemetryGridViewTest::marksAreLegible() {
     QFETCH(const int, level);
     const LimitDelegate::Colours colours = LimitDelegate::ColoursOf(static_cast<Level>(level));
-    QVERIFY(Contrast(colours.ground, colours.text) >= 4.5);
+    QVERIFY(Contrast::Between(colours.text, colours.ground) >= Contrast::least);
 }
 
 void TelemetryGridViewTest::theTipHasALineForTheLimit() {
@@ -370,8 +362,9 @@ void TelemetryGridViewTest::theContextMenuAsksForTheHistory() {
     QStringList names;
     for (const QAction* entry : View(1).actions())
         names += entry->isSeparator() ? QStringLiteral("-") : entry->text();
-    QCOMPARE(names, (QStringList{QStringLiteral("&Copy"), QStringLiteral("-"),
-                                 QStringLiteral("History of this &value"), QStringLiteral("&History")}));
+    QCOMPARE(names, (QStringList{QStringLiteral("&Copy"), QStringLiteral("Copy with &full precision"),
+                                 QStringLiteral("-"), QStringLiteral("History of this &value"),
+                                 QStringLiteral("&History")}));
     QSignalSpy ofValue(&View(1), &TelemetryGridView::HistoryOfValue);
     QSignalSpy history(&View(1), &TelemetryGridView::History);
     QTest::mouseClick(View(1).viewport(), Qt::RightButton, Qt::NoModifier, Middle(1, 3, 1));

@@ -1,7 +1,37 @@
 #include "foundation/fields/FixedFont.h"
 
 #include <QFontDatabase>
+#include <QFontMetricsF>
+
+namespace {
+
+bool IsFixed(const QFont& font) {
+    const QFontMetricsF metrics(font);
+    const qreal width = metrics.horizontalAdvance(u'i');
+    return qFuzzyCompare(width, metrics.horizontalAdvance(u'W')) &&
+           qFuzzyCompare(width, metrics.horizontalAdvance(u' '));
+}
+
+} // namespace
 
 QFont FixedFont() {
-    return QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    return FixedFontLike(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+}
+
+QFont FixedFontLike(const QFont& wanted) {
+    if (IsFixed(wanted))
+        return wanted;
+    QFont font = wanted;
+    font.setStyleHint(QFont::TypeWriter);
+    QStringList families{QStringLiteral("DejaVu Sans Mono"), QStringLiteral("Liberation Mono"),
+                         QStringLiteral("Noto Sans Mono")};
+    for (const QString& family : QFontDatabase::families())
+        if (QFontDatabase::isFixedPitch(family))
+            families.append(family);
+    for (const QString& family : families) {
+        font.setFamilies({family});
+        if (QFontDatabase::hasFamily(family) && IsFixed(font))
+            return font;
+    }
+    return wanted;
 }

@@ -1,6 +1,9 @@
 #include "foundation/messages/HelpWindow.h"
 
+#include "foundation/looks/Contrast.h"
 #include "foundation/messages/mb.h"
+#include "foundation/placement/BesideWindow.h"
+#include "foundation/placement/WindowSize.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QApplication>
@@ -9,6 +12,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -32,6 +36,7 @@ constexpr qint64 largestFile = 64 * 1024 * 1024;
 constexpr int lowestHeading = 3; // in the contents
 constexpr int positionRole = Qt::UserRole;
 constexpr QSize smallestSize(880, 480); // for the longest lines of the document
+constexpr QSize frameRoom(16, 40);      // that a window system may put around the window
 
 // Shows nothing but what the document itself holds.
 class Page : public QTextBrowser {
@@ -48,8 +53,9 @@ public:
 // Dark desktops do not always name a colour for links that can be read on their ground.
 QColor LinkColour(const QPalette& palette) {
     const QColor link = palette.color(QPalette::Link);
-    const bool isDark = palette.color(QPalette::Base).lightness() < 128;
-    return isDark && link.lightness() < 160 ? QColor(0x6c, 0xb4, 0xff) : link;
+    const QColor ground = palette.color(QPalette::Base);
+    const bool isDark = ground.lightness() < 128;
+    return Contrast::Legible(isDark && link.lightness() < 160 ? QColor(0x6c, 0xb4, 0xff) : link, ground);
 }
 
 QPushButton* Button(QWidget* parent, const QString& name, const QString& caption) {
@@ -72,6 +78,8 @@ HelpWindow::HelpWindow(QWidget* parent)
     setWindowTitle(tr("QIRAN Telemetry Decoder Help"));
     m_contents->setObjectName(QStringLiteral("lstContents"));
     m_contents->setHeaderHidden(true);
+    m_contents->header()->setStretchLastSection(false);
+    m_contents->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_contents->setAccessibleName(tr("Contents"));
     m_page->setObjectName(QStringLiteral("txtHelp"));
     m_page->setOpenLinks(false);
@@ -91,13 +99,11 @@ HelpWindow::HelpWindow(QWidget* parent)
     for (QWidget* widget :
          std::initializer_list<QWidget*>{m_back, findLabel, m_find, next, previous, m_found, print, close})
         bar->addWidget(widget, widget == m_find || widget == m_found ? 1 : 0);
-    auto* panes = new QSplitter(this);
+    auto* panes = m_panes = new QSplitter(this);
     panes->setObjectName(QStringLiteral("picPanes"));
     panes->addWidget(m_contents);
     panes->addWidget(m_page);
     panes->setStretchFactor(1, 1);
-    const int character = fontMetrics().averageCharWidth();
-    panes->setSizes({38 * character, 82 * character}); // headings in full, pages in lines that read well
     panes->setChildrenCollapsible(false);
     auto* column = new QVBoxLayout(this);
     column->addLayout(bar);
@@ -114,8 +120,11 @@ HelpWindow::HelpWindow(QWidget* parent)
     const auto goToItem = [this](const QTreeWidgetItem* item) { GoTo(item->data(0, positionRole).toInt()); };
     connect(m_contents, &QTreeWidget::itemClicked, this, goToItem);
     connect(m_contents, &QTreeWidget::itemActivated, this, goToItem);
+    connect(m_page->verticalScrollBar(), &QScrollBar::valueChanged, this, &HelpWindow::MarkPlace);
     m_back->setEnabled(false);
 }
+
+HelpWindow::~HelpWindow() = default;
 
 void HelpWindow::Load(const QString& file) {
     const QFileInfo info(file);
@@ -144,17 +153,8 @@ void HelpWindow::Load(const QString& file) {
 }
 
 void HelpWindow::Open(const QStringList& topics) {
-    if (!testAttribute(Qt::WA_Resized)) {
-        const QRect area = screen()->availableGeometry();
-        const HelpPlacement place;
-        const int unit = HelpPlacement::unitsOfScreen;
-        const QSize size = QSize(area.width() * place.width / unit, area.height() * place.height / unit)
-                               .expandedTo(smallestSize)
-                               .boundedTo(area.size());
-        resize(size);
-        move(std::min(area.left() + area.width() * place.left / unit, area.right() + 1 - size.width()),
-             std::min(area.top() + area.height() * place.top / unit, area.bottom() + 1 - size.height()));
-    }
+    if (!isVisible())
+        Place();
     // A dialog that stands over everything would keep the user from reading; as its child the help is free.
     winId();
     const QWidget* modal = QApplication::activeModalWidget();
@@ -162,11 +162,56 @@ void HelpWindow::Open(const QStringList& topics) {
     if (isMinimized())
         showNormal();
     show();
+    if (m_size && !m_isOpened)
+        m_size->Opened();
+    m_isOpened = true;
     raise();
     activateWindow();
     const auto known = std::ranges::find_if(topics, [this](const QString& name) { return HasTopic(name); });
     GoTo(known == topics.end() ? 0 : m_topics.value(*known));
     m_page->setFocus();
+}
+
+void HelpWindow::RememberSize(clsIni& ini) {
+    m_size = std::make_unique<WindowSize>(*this, ini, QStringLiteral("HELP"));
+}
+
+// Beside the window that it explains, so that both can be read.
+void HelpWindow::Place() {
+    const QWidget* explained = QApplication::activeWindow();
+    const QRect area = (explained != nullptr ? explained->screen() : screen())->availableGeometry();
+    const HelpPlacement place;
+    const int unit = HelpPlacement::unitsOfScreen;
+    const QSize usual = QSize(area.width() * place.width / unit, area.height() * place.height / unit)
+                            .expandedTo(smallestSize)
+                            .boundedTo(area.size() - frameRoom);
+    if (!m_isOpened && !(m_size && m_size->Restore()))
+        resize(usual);
+    resize(size().boundedTo(area.size() - frameRoom));
+    const QPoint corner(area.left() + area.width() * place.left / unit,
+                        area.top() + area.height() * place.top / unit);
+    const QRect other = explained != nullptr ? explained->frameGeometry() : QRect(corner, QSize());
+    move(BesideWindow(size() + frameRoom, other, area).topLeft());
+}
+
+void HelpWindow::closeEvent(QCloseEvent* event) {
+    if (m_size)
+        m_size->Save();
+    QWidget::closeEvent(event);
+}
+
+// The entry of the heading under which the top of the page stands.
+void HelpWindow::MarkPlace() {
+    const int position = m_page->cursorForPosition(QPoint(1, 1)).position();
+    QTreeWidgetItem* here = nullptr;
+    for (QTreeWidgetItemIterator item(m_contents); *item != nullptr; ++item)
+        if ((*item)->data(0, positionRole).toInt() <= position)
+            here = *item;
+    if (here == m_contents->currentItem())
+        return;
+    m_contents->setCurrentItem(here);
+    if (here != nullptr)
+        m_contents->scrollToItem(here);
 }
 
 void HelpWindow::keyPressEvent(QKeyEvent* event) {
@@ -222,10 +267,19 @@ void HelpWindow::BuildContents() {
             --parent;
         auto* item = new QTreeWidgetItem(above[parent], {block.text().trimmed()});
         item->setData(0, positionRole, block.position());
+        item->setToolTip(0, block.text().trimmed());
         above[level] = item;
         std::fill(above.begin() + level + 1, above.end(), nullptr);
     }
     m_contents->expandToDepth(0);
+    // Titles in full, as far as they leave the page its larger part.
+    m_contents->resizeColumnToContents(0);
+    const int wanted = m_contents->columnWidth(0) + m_contents->verticalScrollBar()->sizeHint().width() +
+                       2 * m_contents->frameWidth();
+    const int all = std::max(m_panes->width(), smallestSize.width());
+    const int contents = std::min(wanted, all / 3);
+    m_panes->setSizes({contents, all - contents});
+    MarkPlace();
 }
 
 void HelpWindow::GoTo(int position) {

@@ -40,7 +40,7 @@ QMessageBox::Icon IconOf(qint16 style) {
     switch (style & 0x70) {
     case MessageStyle::Critical:
         return QMessageBox::Critical;
-    case 32:
+    case MessageStyle::Question:
         return QMessageBox::Question;
     case MessageStyle::Exclamation:
         return QMessageBox::Warning;
@@ -53,8 +53,9 @@ QMessageBox::Icon IconOf(qint16 style) {
 
 } // namespace
 
-MessageBoxPresenter::MessageBoxPresenter(QString helpFile)
-    : m_helpFile(std::move(helpFile)) {}
+MessageBoxPresenter::MessageBoxPresenter(QString helpFile, clsIni* places)
+    : m_helpFile(std::move(helpFile))
+    , m_places(places) {}
 
 MessageBoxPresenter::~MessageBoxPresenter() = default;
 
@@ -98,8 +99,11 @@ void MessageBoxPresenter::ShowHelp(QObject*, const QString& helpFile, HelpComman
 }
 
 void MessageBoxPresenter::OpenHelp(const QStringList& topics) {
-    if (!m_help)
+    if (!m_help) {
         m_help = std::make_unique<HelpWindow>();
+        if (m_places != nullptr)
+            m_help->RememberSize(*m_places);
+    }
     m_help->Load(ShippedFile(m_helpFile));
     m_help->Open(topics);
 }

@@ -7,12 +7,14 @@
 #include <memory>
 
 class HelpWindow;
+class clsIni;
 
 /// Shows messages in message boxes, as plain text, and help in a help window.
 class MessageBoxPresenter : public MessagePresenter {
 public:
-    /// `helpFile` is opened by help buttons and by F1.
-    explicit MessageBoxPresenter(QString helpFile);
+    /// `helpFile` is opened by help buttons and by F1. `places`: where the help window keeps its size, if it
+    /// does; it outlives the presenter.
+    explicit MessageBoxPresenter(QString helpFile, clsIni* places = nullptr);
     ~MessageBoxPresenter() override;
 
     int ShowMessage(const Message& message) override;
@@ -23,5 +25,6 @@ public:
 
 private:
     QString m_helpFile;
+    clsIni* m_places;
     std::unique_ptr<HelpWindow> m_help; // made when first asked for
 };

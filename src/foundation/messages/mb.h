@@ -15,11 +15,15 @@ struct Message {
 
 /// The platform's message box flags.
 namespace MessageStyle {
+constexpr qint16 YesNo = 4; ///< two buttons in the place of OK; 6 is the answer Yes
 constexpr qint16 Critical = 16;
+constexpr qint16 Question = 32;
 constexpr qint16 Exclamation = 48;
 constexpr qint16 Information = 64;
 constexpr qint16 HelpButton = 16384;
 } // namespace MessageStyle
+
+constexpr int answerYes = 6;
 
 /// Commands of the platform's help.
 enum class HelpCommand { Quit = 2, Contents = 11 };

@@ -1,5 +1,12 @@
 #include "foundation/panes/FollowingPane.h"
 
+#include "foundation/panes/FindBar.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QMenu>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -21,6 +28,55 @@ FollowingPane::FollowingPane(QWidget* parent)
     setUndoRedoEnabled(false);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setTabChangesFocus(true);
+    AddEntries();
+}
+
+void FollowingPane::AddEntries() {
+    mnuCopy = AddEntry(QStringLiteral("mnuCopy"), tr("&Copy"), [this](const QTextCursor&) { copy(); });
+    AddEntry(QStringLiteral("mnuCopyLine"), tr("Copy &line"),
+             [](const QTextCursor& place) { QGuiApplication::clipboard()->setText(place.block().text()); });
+    QAction* all = AddEntry(QStringLiteral("mnuSelectAll"), tr("Select &all"),
+                            [this](const QTextCursor&) { selectAll(); });
+    QAction* find = AddEntry(QStringLiteral("mnuFind"), tr("&Find…"), [this](const QTextCursor&) {
+        if (m_find == nullptr)
+            m_find = new FindBar(this);
+        m_find->Open();
+    });
+    mnuCopy->setShortcut(QKeySequence::Copy);
+    all->setShortcut(QKeySequence::SelectAll);
+    find->setShortcut(QKeySequence::Find);
+}
+
+QAction* FollowingPane::AddEntry(const QString& name, const QString& caption,
+                                 std::function<void(const QTextCursor&)> action) {
+    auto* entry = new QAction(caption, this);
+    entry->setObjectName(name);
+    entry->setShortcutContext(Qt::WidgetShortcut);
+    connect(entry, &QAction::triggered, this, [this, act = std::move(action)] {
+        act(m_menuPlace.isNull() ? textCursor() : m_menuPlace);
+        m_menuPlace = {};
+    });
+    addAction(entry);
+    return entry;
+}
+
+void FollowingPane::contextMenuEvent(QContextMenuEvent* event) {
+    const bool isMouse = event->reason() == QContextMenuEvent::Mouse;
+    const QTextCursor place = isMouse ? cursorForPosition(event->pos()) : textCursor();
+    m_menuPlace = place;
+    mnuCopy->setEnabled(textCursor().hasSelection());
+    PrepareMenu(place);
+    auto* menu = new QMenu(this);
+    menu->setObjectName(QStringLiteral("mnuPane"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addActions(actions());
+    connect(menu, &QMenu::aboutToHide, mnuCopy, [this] { mnuCopy->setEnabled(true); });
+    menu->popup(isMouse ? event->globalPos() : viewport()->mapToGlobal(cursorRect().bottomLeft()));
+}
+
+void FollowingPane::GoToEnd() {
+    verticalScrollBar()->setValue(verticalScrollBar()->maximum());
+    m_end = verticalScrollBar()->value();
 }
 
 bool FollowingPane::IsAtEnd() const {

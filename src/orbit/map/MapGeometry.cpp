@@ -105,6 +105,11 @@ PixelPoint ToPixel(const GeoPoint& point, const MapSize& size) {
     return {(point.longitude + 180.0) / 360.0 * size.width, (90.0 - point.latitude) / 180.0 * size.height};
 }
 
+GeoPoint ToPoint(const PixelPoint& pixel, const MapSize& size) {
+    return {.longitude = pixel.x / size.width * 360.0 - 180.0,
+            .latitude = 90.0 - pixel.y / size.height * 180.0};
+}
+
 std::vector<Piece> TrackPieces(std::span<const GeoPoint> track) {
     Folder folder;
     double unrolled = 0.0;

@@ -32,6 +32,9 @@ using Piece = std::vector<GeoPoint>;
 
 PixelPoint ToPixel(const GeoPoint& point, const MapSize& size);
 
+/// The point of the earth that the picture shows at a pixel.
+GeoPoint ToPoint(const PixelPoint& pixel, const MapSize& size);
+
 /// The lines along a track whose neighbouring points are joined the shorter way round the earth. A line
 /// across longitude 180 becomes two, which meet the map's edges at the latitude interpolated there: no line
 /// is longer than half the map.

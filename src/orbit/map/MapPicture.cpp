@@ -1,8 +1,11 @@
 #include "orbit/map/MapPicture.h"
 
 #include "orbit/map/NightLevels.h"
+#include "orbit/service/LatLongText.h"
 #include "orbit/sky/Sun.h"
 
+#include <QLabel>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPolygonF>
 
@@ -103,10 +106,27 @@ void DrawStation(QPainter& painter, const QPointF& place, const MapGeometry::Map
         painter.drawPolygon(mark.translated(turn, 0));
 }
 
+// A text over the map that lets the mouse through.
+QLabel* Overlay(QWidget* map, const QString& name) {
+    auto* label = new QLabel(map);
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    label->setAutoFillBackground(true);
+    label->setBackgroundRole(QPalette::Base);
+    label->setForegroundRole(QPalette::Text);
+    label->setMargin(3);
+    label->hide();
+    return label;
+}
+
 } // namespace
 
 MapPicture::MapPicture(QWidget* parent)
-    : QWidget(parent) {
+    : QWidget(parent)
+    , labPointer(Overlay(this, QStringLiteral("labPointer")))
+    , labMapNote(Overlay(this, QStringLiteral("labMapNote"))) {
+    setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent); // every pixel is painted, once
     SetWorld({});
 }
@@ -128,6 +148,50 @@ void MapPicture::SetTrack(GroundTrack track) {
 void MapPicture::SetOverlay(MapOverlay overlay) {
     m_overlay = std::move(overlay);
     update();
+}
+
+std::optional<MapGeometry::GeoPoint> MapPicture::PointUnder(const QPoint& place) const {
+    const QRectF map = MapPlace();
+    if (!map.contains(place))
+        return std::nullopt;
+    return MapGeometry::ToPoint({.x = place.x() - map.left(), .y = place.y() - map.top()},
+                                {.width = map.width(), .height = map.height()});
+}
+
+void MapPicture::SetNote(const QString& note) {
+    labMapNote->setText(note);
+    labMapNote->setAccessibleName(note);
+    labMapNote->adjustSize();
+    labMapNote->move((width() - labMapNote->width()) / 2, (height() - labMapNote->height()) / 2);
+    labMapNote->setVisible(!note.isEmpty());
+}
+
+void MapPicture::mouseMoveEvent(QMouseEvent* event) {
+    const auto point = PointUnder(event->position().toPoint());
+    labPointer->setVisible(point.has_value());
+    if (point) {
+        labPointer->setText(LatLongText::Latitude(point->latitude).value_or(QString()) + u' ' +
+                            LatLongText::Longitude(point->longitude).value_or(QString()));
+        labPointer->adjustSize();
+        labPointer->move(0, height() - labPointer->height());
+    }
+    QWidget::mouseMoveEvent(event);
+}
+
+void MapPicture::mouseDoubleClickEvent(QMouseEvent* event) {
+    const auto point = PointUnder(event->position().toPoint());
+    if (event->button() == Qt::LeftButton && point)
+        Q_EMIT PointChosen(*point);
+}
+
+void MapPicture::leaveEvent(QEvent* event) {
+    labPointer->hide();
+    QWidget::leaveEvent(event);
+}
+
+void MapPicture::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    SetNote(labMapNote->text());
 }
 
 QSize MapPicture::minimumSizeHint() const {

@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QFontMetrics>
+#include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -10,11 +11,19 @@
 namespace {
 
 constexpr int margin = 6;
+constexpr QColor markedGround(255, 224, 130); // under black text, whatever the theme
 
 } // namespace
 
 TimeBox::TimeBox(QWidget* parent)
-    : QWidget(parent) {
+    : QWidget(parent)
+    , labTimeNote(new QLabel(parent)) {
+    labTimeNote->setObjectName(QStringLiteral("labTimeNote"));
+    labTimeNote->setAttribute(Qt::WA_TransparentForMouseEvents);
+    labTimeNote->setAutoFillBackground(true);
+    labTimeNote->setBackgroundRole(QPalette::Base);
+    labTimeNote->setForegroundRole(QPalette::Text);
+    labTimeNote->setMargin(margin / 3);
     setCursor(Qt::SizeAllCursor);
     parent->installEventFilter(this);
     FitText();
@@ -27,6 +36,47 @@ void TimeBox::SetText(const QString& text) {
     setAccessibleName(text);
     FitText();
     update();
+}
+
+void TimeBox::SetNote(const QString& note, bool isMarked) {
+    setAccessibleDescription(note);
+    labTimeNote->setText(note);
+    if (m_isMarked != isMarked) {
+        m_isMarked = isMarked;
+        QPalette colours;
+        if (isMarked) {
+            colours.setColor(QPalette::Base, markedGround);
+            colours.setColor(QPalette::Text, Qt::black);
+        }
+        setPalette(colours);
+        labTimeNote->setPalette(colours);
+    }
+    FitNote();
+    update();
+}
+
+// Over the box, or under it at the upper edge.
+void TimeBox::FitNote() {
+    labTimeNote->adjustSize();
+    const int x = geometry().center().x() - labTimeNote->width() / 2;
+    const int most = parentWidget()->width() - labTimeNote->width();
+    const int above = y() - labTimeNote->height();
+    labTimeNote->move(std::max(std::min(x, most), 0), above >= 0 ? above : geometry().bottom() + 1);
+}
+
+void TimeBox::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    labTimeNote->show();
+}
+
+void TimeBox::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    labTimeNote->hide();
+}
+
+void TimeBox::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    FitNote();
 }
 
 void TimeBox::FitText() {

@@ -8,6 +8,7 @@
 #include "foundation/settings/Settings.h"
 #include "foundation/settings/ShippedFile.h"
 #include "orbit/map/TimeBox.h"
+#include "orbit/service/LatLongText.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -79,7 +80,9 @@ frmMap::frmMap(const clsSats& cSats, const TrackedSatellites& satellites, clsIni
     : m_cSats(cSats)
     , m_satellites(satellites)
     , m_cIni(cIni)
+    , m_messages(messages)
     , m_layers(cSats, satellites, std::move(placeOfStation))
+    , m_size(*this, cIni, QStringLiteral("MAP"))
     , picMap(new MapPicture(this))
     , picTime(new TimeBox(picMap))
     , mnuSpeed(new QMenu(this))
@@ -98,9 +101,12 @@ frmMap::frmMap(const clsSats& cSats, const TrackedSatellites& satellites, clsIni
 
     LoadWorld(folder, messages);
     FitPicture();
+    if (m_size.Restore())
+        picMap->resize(size());
     RestorePosition();
     ShowCaption();
     Tick();
+    connect(picMap, &MapPicture::PointChosen, this, &frmMap::AskForPosition);
     connect(Timer1, &QTimer::timeout, this, &frmMap::Tick);
     FollowClock();
 }
@@ -191,6 +197,7 @@ void frmMap::RestorePosition() {
 }
 
 void frmMap::SavePosition() {
+    m_size.Save();
     if (isMinimized() || !WindowsCanBePlaced())
         return;
     Settings::Save(m_cIni, Settings::mapLeft, Twips::TextOf(x(), *this));
@@ -229,7 +236,15 @@ std::optional<DateTime> frmMap::SimulatedTime() const {
 
 void frmMap::Tick() {
     const DateTime start = m_clock.Shown(m_cSats.datGmtTime());
-    DrawSat(GroundTrack::Of(m_cSats, m_satellites.Selected().strObjNum, start));
+    const GroundTrack track = GroundTrack::Of(m_cSats, m_satellites.Selected().strObjNum, start);
+    DrawSat(track);
+    picMap->SetNote(
+        track.points.empty()
+            ? tr("There are no elements of %1 that can be used. Fetch them with Options, Download Keps.")
+                  .arg(m_satellites.Selected().strBaseName)
+            : QString());
+    const QString zone = m_cSats.blnLocalTime() ? tr("local") : tr("UTC");
+    picTime->SetNote(m_clock.IsSimulated() ? tr("simulated, %1").arg(zone) : zone, m_clock.IsSimulated());
     picTime->SetText(
         FormatDateTime(m_cSats.ToDisplayTime(start), u"yyyy-mmm-dd hh:nn:ss", MonthNames::English));
     m_shown = start;
@@ -265,6 +280,22 @@ void frmMap::contextMenuEvent(QContextMenuEvent* event) {
         mnuSpeed->popup(mapToGlobal(rect().center()));
 }
 
+void frmMap::AskForPosition(const MapGeometry::GeoPoint& point) {
+    const QString place = LatLongText::Latitude(point.latitude).value_or(QString()) + u' ' +
+                          LatLongText::Longitude(point.longitude).value_or(QString());
+    const int answer =
+        m_messages.MessageBox(this, tr("Use %1 as your station's position?").arg(place),
+                              MessageStyle::Question | MessageStyle::YesNo, {}, HelpTopics::station);
+    if (answer == answerYes)
+        Q_EMIT PositionChosen(point.latitude, point.longitude);
+}
+
+void frmMap::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!event->spontaneous())
+        m_size.Opened();
+}
+
 void frmMap::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::RightButton)
         mnuSpeed->popup(event->globalPosition().toPoint());
@@ -273,6 +304,8 @@ void frmMap::mouseReleaseEvent(QMouseEvent* event) {
 void frmMap::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape)
         close();
+    else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)
+        mnuSpeed->popup(mapToGlobal(rect().center())); // where the system makes no menu key of it
     else
         QWidget::keyPressEvent(event);
 }

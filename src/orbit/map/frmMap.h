@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/messages/mb.h"
+#include "foundation/placement/WindowSize.h"
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
 #include "orbit/map/MapPicture.h"
@@ -44,7 +45,11 @@ Q_SIGNALS:
     /// The user asks for the other satellite.
     void ChangeSatRequested();
 
+    /// The user has said that his station is here; degrees, north and east positive.
+    void PositionChosen(double latitude, double longitude);
+
 protected:
+    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -63,10 +68,13 @@ private:
     void Reset();
     void Tick();
     void FollowClock();
+    void AskForPosition(const MapGeometry::GeoPoint& point);
 
     const clsSats& m_cSats;
     const TrackedSatellites& m_satellites;
     clsIni& m_cIni;
+    const mb& m_messages;
+    WindowSize m_size;
     SimulatedClock m_clock;
     MapLayers m_layers;
     DateTime m_shown = 0.0; // by the last tick, UTC

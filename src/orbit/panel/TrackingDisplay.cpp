@@ -38,12 +38,24 @@ TrackingLabels TrackingDisplay::Refresh() {
     m_labels.strLat = info ? info->strLat : unknown;
     m_labels.strLong = info ? info->strLong : unknown;
     m_labels.strDue = info && m_locationKnown ? info->strDue : unknown;
+    m_labels.strDueTip = info && m_locationKnown && !inView ? DueTip() : QString();
     m_labels.strAz = inView ? Whole(info->dblAz) : unknown;
     m_labels.strEl = inView ? Whole(info->dblEl) : unknown;
     if (inView)
         satellite.intInView = inViewCount;
     SetBackground(inView ? TrackingLabels::Background::InView : TrackingLabels::Background::Window);
     return m_labels;
+}
+
+// A search of passes costs, so it is asked for only when another pass is the next.
+QString TrackingDisplay::DueTip() {
+    const QString question = m_satellites.Selected().strObjNum + u' ' + m_labels.strDue;
+    if (question != m_askedFor)
+        m_due = m_cSats.GetNextPassTime(m_satellites.Selected().strObjNum);
+    m_askedFor = question;
+    if (!m_due || std::floor(*m_due) <= std::floor(m_cSats.datTime()))
+        return {};
+    return FormatDateTime(*m_due, u"yyyy-mmm-dd hh:nn:ss");
 }
 
 void TrackingDisplay::SetBackground(TrackingLabels::Background background) {

@@ -16,6 +16,7 @@ struct TrackingLabels {
     QString strAz;
     QString strEl;
     QString strDue;
+    QString strDueTip; ///< the day as well, where the pass begins later than today; else empty
     std::optional<Background> newBackground; ///< set when the background changes
 };
 
@@ -51,11 +52,15 @@ public:
 
 private:
     void SetBackground(TrackingLabels::Background background);
+    QString DueTip();
 
     clsSats& m_cSats;
     TrackedSatellites& m_satellites;
     bool m_locationKnown = false;
     TrackingLabels m_labels{QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("-"),
-                            QStringLiteral("-"), QStringLiteral("-"), std::nullopt};
+                            QStringLiteral("-"), QStringLiteral("-"), {},
+                            std::nullopt};
+    QString m_askedFor; // the satellite and due text for which `m_due` was asked
+    std::optional<DateTime> m_due;
     TrackingLabels::Background m_background = TrackingLabels::Background::Window;
 };

@@ -1,7 +1,7 @@
 #include "orbit/panel/framLocation.h"
 
-#include "foundation/fields/Amber.h"
 #include "foundation/fields/FixedFont.h"
+#include "foundation/looks/Amber.h"
 
 #include <QAction>
 #include <QFontMetrics>
@@ -123,6 +123,8 @@ void framLocation::Show(const TrackingLabels& labels) {
     labAz->setText(labels.strAz);
     labEl->setText(labels.strEl);
     labDue->setText(labels.strDue);
+    labDue->setToolTip(labels.strDueTip);
+    labDue->setAccessibleDescription(labels.strDueTip);
     if (!labels.newBackground)
         return;
     for (QLabel* label : {labLat, labLong, labAz, labEl, labDue})

@@ -61,6 +61,10 @@ frmPass::frmPass(const clsSats& cSats, const TrackedSatellites& satellites, QWid
     txtInfo->setLineWrapMode(QPlainTextEdit::NoWrap);
     txtInfo->setFont(FixedFont());
     txtInfo->setPlainText(m_table);
+    txtInfo->setPlaceholderText(
+        tr("There are no elements of %1 that can be used.\n\nFetch them: close this window and choose "
+           "Options, Download Keps.")
+            .arg(satellites.Selected().strBaseName));
     txtInfo->installEventFilter(this);
     txtInfo->viewport()->installEventFilter(this);
     const QFontMetrics metrics(txtInfo->font());
@@ -96,8 +100,33 @@ frmPass::frmPass(const clsSats& cSats, const TrackedSatellites& satellites, QWid
 
 void frmPass::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
-    if (!event->spontaneous())
-        CentreOnScreen(this);
+    if (event->spontaneous())
+        return;
+    if (m_size) {
+        m_size->Restore();
+        m_size->Opened();
+    }
+    CentreOnScreen(this);
+}
+
+void frmPass::RememberSize(clsIni& ini) {
+    m_size = std::make_unique<WindowSize>(*this, ini, QStringLiteral("PASS"));
+}
+
+void frmPass::done(int result) {
+    if (m_size)
+        m_size->Save();
+    QDialog::done(result);
+}
+
+// The list scrolls by page wherever the focus is.
+void frmPass::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_PageDown)
+        txtInfo->verticalScrollBar()->triggerAction(QScrollBar::SliderPageStepAdd);
+    else if (event->key() == Qt::Key_PageUp)
+        txtInfo->verticalScrollBar()->triggerAction(QScrollBar::SliderPageStepSub);
+    else
+        QDialog::keyPressEvent(event);
 }
 
 // Enter on any other line is left to the window's default button.

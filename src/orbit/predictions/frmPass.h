@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/messages/FileChoice.h"
+#include "foundation/placement/WindowSize.h"
 #include "orbit/service/PassRecords.h"
 #include "orbit/service/TrackedSatellites.h"
 #include "orbit/service/clsSats.h"
@@ -8,6 +9,7 @@
 #include <QDialog>
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 class QAction;
@@ -51,6 +53,7 @@ Q_SIGNALS:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     using Making = PassRecords::CalendarMaking;
@@ -72,6 +75,7 @@ private:
     const clsSats& m_cSats;
     const TrackedSatellite m_satellite;
     const PassServices m_services;
+    std::unique_ptr<WindowSize> m_size; // none where nothing is remembered
     QString m_caption;
     QString m_table;
     std::vector<DateTime> m_starts; // of the table's passes

@@ -3,6 +3,9 @@
 #include "foundation/text/QIRUtil.h"
 #include "foundation/text/Text.h"
 
+#include <QRegularExpression>
+
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -83,6 +86,58 @@ std::optional<QString> ValidateLatLong(const QString& entry, Axis axis, bool bln
         return std::nullopt;
     return Digits(*degrees, rule.degreeDigits) + u'.' + Digits(*minutes, 2) + u'.' + Digits(*hundredths, 2) +
            hemisphere;
+}
+
+QString Understood(const QString& entry, Axis axis) {
+    if (entry.trimmed().isEmpty())
+        return {};
+    const std::optional<QString> position = ValidateLatLong(entry, axis, false);
+    const AxisRule rule = RuleOf(axis);
+    if (!position)
+        return QStringLiteral("No %1 yet: degrees, minutes and %2 or %3, as in %4")
+            .arg(Name(axis), rule.positive, rule.negative,
+                 axis == Axis::Latitude ? QStringLiteral("51.30.25N") : QStringLiteral("000.07.50W"));
+    const QString stored = ToStored(*position, axis);
+    const double degrees =
+        axis == Axis::Latitude ? QIRUtil::LatToDegrees(stored) : QIRUtil::LongToDegrees(stored);
+    const qint16 digits = rule.degreeDigits;
+    return QStringLiteral("%1\u00B0 %2' %3 = %4\u00B0")
+        .arg(QString::number(stored.left(digits).toInt()), stored.mid(digits, stored.size() - digits - 1),
+             stored.right(1), QString::number(degrees, 'f', 5));
+}
+
+std::optional<DecimalDegrees> FromDecimal(const QString& text) {
+    const QString number = QStringLiteral("([-+\u2212]?\\d{1,3}(?:\\.\\d+)?)\\s*\u00B0?\\s*");
+    static const QRegularExpression form(QRegularExpression::anchoredPattern(
+        QStringLiteral("\\s*") + number + QStringLiteral("([NS]?)(?:(?:\\s*[,;]\\s*|\\s+)") + number +
+        QStringLiteral("([EW]?))?\\s*")));
+    const QRegularExpressionMatch match = form.match(text);
+    const auto value = [&match](int digits, int letter, QChar negative) {
+        const double degrees = match.captured(digits).replace(QChar(0x2212), u'-').toDouble();
+        return match.captured(letter) == negative ? -degrees : degrees;
+    };
+    const bool isDecimal = match.captured(1).contains(u'.') || match.captured(3).contains(u'.');
+    if (!match.hasMatch() || !isDecimal)
+        return std::nullopt;
+    DecimalDegrees degrees{.first = value(1, 2, u'S'), .second = {}};
+    if (!match.captured(3).isEmpty())
+        degrees.second = value(3, 4, u'W');
+    const double limit = degrees.second ? 90.0 : 180.0;
+    if (std::abs(degrees.first) > limit || std::abs(degrees.second.value_or(0.0)) > 180.0)
+        return std::nullopt;
+    return degrees;
+}
+
+QString FromDegrees(double degrees, Axis axis) {
+    const AxisRule rule = RuleOf(axis);
+    constexpr long long perMinute = 100;
+    constexpr long long perDegree = 60 * perMinute;
+    const double inside = std::clamp(std::abs(degrees), 0.0, static_cast<double>(rule.limit));
+    const long long hundredths = std::max(1LL, std::llround(inside * static_cast<double>(perDegree)));
+    return Digits(static_cast<qint16>(hundredths / perDegree), rule.degreeDigits) + u'.' +
+           Digits(static_cast<qint16>(hundredths % perDegree / perMinute), 2) + u'.' +
+           Digits(static_cast<qint16>(hundredths % perMinute), 2) +
+           (degrees < 0.0 ? rule.negative : rule.positive);
 }
 
 QString Name(Axis axis) {

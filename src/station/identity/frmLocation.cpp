@@ -7,11 +7,14 @@
 #include "foundation/messages/mb.h"
 #include "foundation/placement/PlaceWindow.h"
 #include "foundation/text/QIRUtil.h"
+#include "foundation/text/Text.h"
 #include "station/identity/FieldRules.h"
 #include "station/identity/Station.h"
 
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QFormLayout>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -33,6 +36,10 @@ frmLocation::frmLocation(Station& station, const mb& messages, QWidget* parent)
     , txtLat(Named(u"txtLat", new QLineEdit(this)))
     , txtLong(Named(u"txtLong", new QLineEdit(this)))
     , txtComment(Named(u"txtComment", new QLineEdit(this)))
+    , labLatMeans(Named(u"labLatMeans", new QLabel(this)))
+    , labLongMeans(Named(u"labLongMeans", new QLabel(this)))
+    , cmdUseDecimal(Named(u"cmdUseDecimal", new QPushButton(this)))
+    , labCommentNote(Named(u"labCommentNote", new QLabel(this)))
     , labLocator(Named(u"labLocator", new QLabel(this))) {
     setObjectName(QStringLiteral("frmLocation"));
     setWindowTitle(QStringLiteral("Station Information"));
@@ -42,6 +49,13 @@ frmLocation::frmLocation(Station& station, const mb& messages, QWidget* parent)
     FilterCharacters(txtLat, FieldRules::PositionCharacter);
     FilterCharacters(txtLong, FieldRules::PositionCharacter);
     KeepOnOneLine(txtComment);
+    for (QLineEdit* field : {txtLat, txtLong}) {
+        connect(field, &QLineEdit::textChanged, this, &frmLocation::ShowMeaning);
+        connect(field, &QLineEdit::textEdited, this, &frmLocation::OfferDecimal);
+    }
+    connect(txtComment, &QLineEdit::textChanged, this, &frmLocation::ShowCommentNote);
+    connect(cmdUseDecimal, &QPushButton::clicked, this, &frmLocation::UseDecimal);
+    m_guard.AddExempt(cmdUseDecimal); // it mends what stands in the fields
     m_guard.AddField(txtCallsign, [this] { return CheckCallsign(); });
     m_guard.AddField(txtLat, [this] { return CheckPosition(*txtLat, Axis::Latitude); });
     m_guard.AddField(txtLong, [this] { return CheckPosition(*txtLong, Axis::Longitude); });
@@ -63,7 +77,18 @@ void frmLocation::Build() {
         field->setMinimumWidth(field->fontMetrics().averageCharWidth() * fieldWidth);
         SelectAllOnFocus(field);
         form->addRow(label, field);
+        if (field == txtLat)
+            form->addRow(QString(), labLatMeans);
+        else if (field == txtLong) {
+            form->addRow(QString(), labLongMeans);
+            form->addRow(QString(), cmdUseDecimal);
+        } else if (field == txtComment)
+            form->addRow(QString(), labCommentNote);
     }
+    for (QLabel* note : {labLatMeans, labLongMeans, labCommentNote})
+        note->setTextFormat(Qt::PlainText);
+    cmdUseDecimal->setAutoDefault(false);
+    cmdUseDecimal->hide();
     txtCallsign->setPlaceholderText(QStringLiteral("N0CALL-1"));
     txtLat->setPlaceholderText(QStringLiteral("DD.MM.hhN"));
     txtLong->setPlaceholderText(QStringLiteral("DDD.MM.hhE"));
@@ -86,7 +111,7 @@ void frmLocation::Build() {
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addLayout(buttons);
-    const QList<QWidget*> order{txtCallsign, txtLat, txtLong, txtComment, cmdOk, cmdCancel};
+    const QList<QWidget*> order{txtCallsign, txtLat, txtLong, cmdUseDecimal, txtComment, cmdOk, cmdCancel};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
 }
@@ -126,6 +151,59 @@ void frmLocation::ShowLocator() {
                                                PositionText::ToStored(txtLong->text(), Axis::Longitude));
     if (locator)
         labLocator->setText(*locator);
+}
+
+// What was understood, as the user types.
+void frmLocation::ShowMeaning() {
+    labLatMeans->setText(PositionText::Understood(txtLat->text(), Axis::Latitude));
+    labLongMeans->setText(PositionText::Understood(txtLong->text(), Axis::Longitude));
+    txtLat->setAccessibleDescription(labLatMeans->text());
+    txtLong->setAccessibleDescription(labLongMeans->text());
+}
+
+// Decimal degrees from a map's page would be read as something else, or not at all: their meaning is offered.
+void frmLocation::OfferDecimal() {
+    auto* field = qobject_cast<QLineEdit*>(sender());
+    QString pasted;
+    for (const QChar character : QGuiApplication::clipboard()->text())
+        if (const auto kept = FieldRules::PositionCharacter(character))
+            pasted += *kept;
+    const auto decimal = PositionText::FromDecimal(QGuiApplication::clipboard()->text());
+    const bool isPasted = decimal && !pasted.trimmed().isEmpty() && field->text().contains(pasted.trimmed());
+    cmdUseDecimal->setVisible(isPasted);
+    if (!isPasted)
+        return;
+    const bool isLongitude = !decimal->second && field == txtLong;
+    m_offeredLat = isLongitude ? QString() : PositionText::FromDegrees(decimal->first, Axis::Latitude);
+    m_offeredLong = decimal->second ? PositionText::FromDegrees(*decimal->second, Axis::Longitude)
+                    : isLongitude   ? PositionText::FromDegrees(decimal->first, Axis::Longitude)
+                                    : QString();
+    const QStringList offered = QStringList{m_offeredLat, m_offeredLong}.filter(QStringLiteral("."));
+    cmdUseDecimal->setText(QStringLiteral("&Use the decimal degrees: ") + offered.join(u' '));
+}
+
+void frmLocation::UseDecimal() {
+    if (!m_offeredLat.isEmpty())
+        txtLat->setText(m_offeredLat);
+    if (!m_offeredLong.isEmpty())
+        txtLong->setText(m_offeredLong);
+    ShowLocator();
+    cmdUseDecimal->hide();
+    (m_offeredLong.isEmpty() ? txtLat : txtLong)->setFocus();
+}
+
+void frmLocation::ShowCommentNote() {
+    QString lost;
+    const QString comment = txtComment->text();
+    for (qsizetype i = 0; i < comment.size(); ++i) {
+        const QString character = comment.mid(i, comment[i].isHighSurrogate() ? 2 : 1);
+        if (Text::FromBytes(Text::ToBytes(character)) != character && !lost.contains(character))
+            lost += character;
+        i += character.size() - 1;
+    }
+    labCommentNote->setText(
+        lost.isEmpty() ? QString() : QStringLiteral("The air cannot carry: %1 (\"?\" is sent)").arg(lost));
+    txtComment->setAccessibleDescription(labCommentNote->text());
 }
 
 // What a position field stands for: what is stored, in whatever form, as long as the field shows just that.

@@ -7,6 +7,7 @@
 
 class QLabel;
 class QLineEdit;
+class QPushButton;
 class Station;
 class mb;
 
@@ -26,6 +27,10 @@ private:
     bool CheckCallsign();
     bool CheckPosition(QLineEdit& field, PositionText::Axis axis);
     void ShowLocator();
+    void ShowMeaning();
+    void OfferDecimal();
+    void UseDecimal();
+    void ShowCommentNote();
     static QString StoredForm(const QLineEdit& field, const QString& stored, PositionText::Axis axis);
     void Ok();
 
@@ -36,6 +41,12 @@ private:
     QLineEdit* txtLat;
     QLineEdit* txtLong;
     QLineEdit* txtComment;
+    QLabel* labLatMeans;
+    QLabel* labLongMeans;
+    QPushButton* cmdUseDecimal;
+    QLabel* labCommentNote;
     QLabel* labLocator;
+    QString m_offeredLat; // behind the button; empty where it leaves the field alone
+    QString m_offeredLong;
     QString m_shownLocator; // on opening
 };

@@ -4,7 +4,6 @@
 
 namespace {
 
-constexpr qsizetype longestLine = 72;
 constexpr qsizetype firstBreak = 52; // the 53rd character, counted from 0
 
 // After how many characters a text breaks that is longer than may stay.

@@ -2,6 +2,9 @@
 
 #include <QStringList>
 
+/// A transmit line that becomes as long is sent.
+constexpr qsizetype longestLine = 72;
+
 /// What a transmit line that has become too long falls into.
 struct LineWrap {
     QStringList lines; ///< to be sent, in order, none longer than 72 characters

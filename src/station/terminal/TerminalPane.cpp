@@ -13,7 +13,7 @@ QColor Shade(TerminalText::Colour colour) {
 } // namespace
 
 TerminalPane::TerminalPane(QWidget* parent)
-    : FollowingPane(parent) {
+    : TrafficPane(parent) {
     QPalette colours = palette();
     colours.setColor(QPalette::Base, Qt::black);
     colours.setColor(QPalette::Text, Shade(TerminalText::Colour::Green));
@@ -36,7 +36,7 @@ void TerminalPane::Empty() {
 }
 
 void TerminalPane::showEvent(QShowEvent* event) {
-    FollowingPane::showEvent(event);
+    TrafficPane::showEvent(event);
     Refresh();
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "foundation/panes/FollowingPane.h"
 #include "station/terminal/TerminalText.h"
+#include "telemetry/monitor/TrafficPane.h"
 
 #include <QTimer>
 
 /// The terminal's monitor pane: green and cyan on black. However many texts come, it is redrawn once a turn
 /// of the event loop, and only while it can be seen.
-class TerminalPane : public FollowingPane {
+class TerminalPane : public TrafficPane {
     Q_OBJECT
 public:
     explicit TerminalPane(QWidget* parent = nullptr);

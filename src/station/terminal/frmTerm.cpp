@@ -7,6 +7,7 @@
 #include "foundation/messages/mb.h"
 #include "foundation/placement/Twips.h"
 #include "foundation/settings/ProgramFolder.h"
+#include "foundation/settings/Settings.h"
 #include "foundation/text/QIRUtil.h"
 #include "link/UnprotoLink.h"
 #include "station/identity/FieldRules.h"
@@ -14,20 +15,26 @@
 #include "station/terminal/TerminalFont.h"
 #include "station/terminal/TerminalPane.h"
 
+#include <QApplication>
 #include <QBoxLayout>
 #include <QCloseEvent>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QWheelEvent>
+
+#include <algorithm>
 
 namespace {
 
 constexpr int columns = 84; // of the pane, when it opens for the first time
 constexpr int lines = 26;
+constexpr qsizetype mostSent = 100; // lines to walk back through
 
 QLineEdit* Field(QAnyStringView name, int characters) {
     auto* field = Named(name, new QLineEdit);
@@ -64,6 +71,7 @@ frmTerm::frmTerm(clsIni& cIni, const mb& messages, UnprotoLink& link, TerminalSe
     BuildMenu();
     SetRules();
     LoadFont();
+    AddFontSizes();
     const QFontMetrics metrics = rtbMon->fontMetrics();
     resize(metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines);
 
@@ -103,7 +111,13 @@ void frmTerm::Build() {
     auto* layout = new QVBoxLayout(inside);
     layout->addLayout(address);
     layout->addWidget(rtbMon, 1);
-    layout->addWidget(LabelOf(txtTx, QStringLiteral("T&ransmit")));
+    labCount = Named(u"labCount", new QLabel);
+    labCount->setAccessibleName(QStringLiteral("Characters until it is sent"));
+    auto* above = new QHBoxLayout;
+    above->addWidget(LabelOf(txtTx, QStringLiteral("T&ransmit")));
+    above->addStretch();
+    above->addWidget(labCount);
+    layout->addLayout(above);
     layout->addWidget(txtTx);
     setCentralWidget(inside);
     const QList<QWidget*> order{txtTo, txtVia, txtPort, cmdAprs, cmdLoc, rtbMon, txtTx};
@@ -137,6 +151,10 @@ void frmTerm::SetRules() {
         m_guard.AddField(field, [this, field] { return MayLeave(field); });
     txtTx->installEventFilter(this);
     connect(txtTx, &QLineEdit::textChanged, this, &frmTerm::Wrap);
+    connect(rtbMon, &TrafficPane::PutInToAsked, this, &frmTerm::PutInTo);
+    connect(rtbMon, &TrafficPane::AddToCallsignsAsked, this, &frmTerm::AddToCallsignsAsked);
+    connect(rtbMon, &TrafficPane::LogFolderAsked, this, &frmTerm::LogFolderAsked);
+    ShowCount();
     connect(cmdAprs, &QPushButton::clicked, this, [this] { m_session.transmitter.SendPosition(Fields()); });
     connect(cmdLoc, &QPushButton::clicked, this, [this] { m_session.transmitter.SendLocator(Fields()); });
 }
@@ -147,13 +165,55 @@ void frmTerm::LoadFont() {
     const QString file = m_folder.File(QStringLiteral("vornak.fon"));
     if (!QFontDatabase::hasFamily(family) && QFile::exists(file))
         QFontDatabase::addApplicationFont(file);
-    QFont font = FixedFont();
+    m_textFont = FixedFont();
     if (QFontDatabase::hasFamily(family))
-        font.setFamily(family);
-    const float size = TerminalFont::SnapSize(TerminalFont::wantedPoints, Twips::FromPixels(1, *this));
-    font.setPointSizeF(static_cast<qreal>(size));
-    rtbMon->setFont(font);
-    txtTx->setFont(font);
+        m_textFont.setFamily(family);
+    ApplyFontSize();
+}
+
+// As large as the desktop's text, or as the user wants it: always one of the sizes that the font has.
+void frmTerm::ApplyFontSize() {
+    const float twipsPerPixel = Twips::FromPixels(1, *this);
+    const int pixels = Settings::NumberOf(m_cIni, Settings::terminalFontSize);
+    const float wanted = pixels > 0 ? TerminalFont::PointsOf(pixels, twipsPerPixel)
+                                    : static_cast<float>(QFontInfo(QApplication::font(this)).pointSizeF());
+    m_textFont.setPointSizeF(static_cast<qreal>(TerminalFont::SnapSize(wanted, twipsPerPixel)));
+    rtbMon->setFont(m_textFont);
+    txtTx->setFont(m_textFont);
+}
+
+// So many sizes larger; 0 is the desktop's again.
+void frmTerm::ChangeFontSize(int steps) {
+    const auto now = static_cast<float>(m_textFont.pointSizeF());
+    const int pixels = steps == 0 ? 0 : TerminalFont::StepFrom(now, Twips::FromPixels(1, *this), steps);
+    Settings::Save(m_cIni, Settings::terminalFontSize, QString::number(pixels));
+    ApplyFontSize();
+}
+
+void frmTerm::AddFontSizes() {
+    const auto add = [this](const QString& caption, QAnyStringView name, const QList<QKeySequence>& keys,
+                            int steps) {
+        QAction* entry = Named(name, new QAction(caption, this));
+        entry->setShortcuts(keys);
+        connect(entry, &QAction::triggered, this, [this, steps] { ChangeFontSize(steps); });
+        addAction(entry);
+    };
+    add(QStringLiteral("&Larger text"), u"mnuLarger",
+        {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)}, 1);
+    add(QStringLiteral("S&maller text"), u"mnuSmaller", {QKeySequence(Qt::CTRL | Qt::Key_Minus)}, -1);
+    add(QStringLiteral("&Usual text size"), u"mnuUsualSize", {QKeySequence(Qt::CTRL | Qt::Key_0)}, 0);
+    rtbMon->viewport()->installEventFilter(this);
+}
+
+bool frmTerm::Wheel(const QWheelEvent& wheel) {
+    if (!wheel.modifiers().testFlag(Qt::ControlModifier))
+        return false;
+    m_wheel += wheel.angleDelta().y();
+    const int steps = m_wheel / QWheelEvent::DefaultDeltasPerStep;
+    m_wheel %= QWheelEvent::DefaultDeltasPerStep;
+    if (steps != 0)
+        ChangeFontSize(steps);
+    return true;
 }
 
 void frmTerm::LoadFields() {
@@ -215,23 +275,64 @@ bool frmTerm::TransmitKey(const QKeyEvent& key) {
             txtTx->setText(*m_lastLine);
         return true;
     }
+    if ((key.key() == Qt::Key_Up || key.key() == Qt::Key_Down) &&
+        (key.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier)
+        return WalkHistory(key.key() == Qt::Key_Up ? -1 : 1);
     return false;
+}
+
+// Up and Down through what was sent; below the newest lies what the user was about to write.
+bool frmTerm::WalkHistory(int step) {
+    const qsizetype at = std::clamp<qsizetype>(m_sentAt + step, 0, m_sent.size());
+    if (at == m_sentAt)
+        return true;
+    if (m_sentAt == m_sent.size())
+        m_ownText = txtTx->text();
+    m_sentAt = at;
+    {
+        const QSignalBlocker silent(txtTx); // a full line waits for Enter
+        txtTx->setText(at == m_sent.size() ? m_ownText : m_sent[at]);
+    }
+    ShowCount();
+    return true;
+}
+
+void frmTerm::Remember(const QStringList& texts) {
+    for (const QString& text : texts)
+        if (!text.isEmpty() && (m_sent.isEmpty() || m_sent.last() != text))
+            m_sent.append(text);
+    m_sent.remove(0, std::max<qsizetype>(m_sent.size() - mostSent, 0));
+    m_sentAt = m_sent.size();
+    m_ownText.clear();
+}
+
+void frmTerm::ShowCount() {
+    labCount->setText(QStringLiteral("%1/%2").arg(txtTx->text().size()).arg(longestLine));
+}
+
+void frmTerm::PutInTo(const QString& callsign) {
+    txtTo->setText(callsign);
 }
 
 void frmTerm::Wrap() {
     const LineWrap wrap = WrapLines(txtTx->text());
-    if (wrap.lines.isEmpty())
+    if (wrap.lines.isEmpty()) {
+        ShowCount();
         return;
+    }
     {
         const QSignalBlocker silent(txtTx);
         txtTx->setText(wrap.rest);
     }
+    ShowCount();
     m_lastLine = wrap.lines.last();
     Transmit(wrap.lines);
 }
 
 void frmTerm::Transmit(const QStringList& texts) {
     const AddressFields fields = Fields();
+    Remember(texts);
+    rtbMon->GoToEnd(); // where what is sent will be seen
     m_session.transmitter.TransmitText(texts, fields, fields.to);
 }
 
@@ -239,10 +340,16 @@ bool frmTerm::event(QEvent* event) {
     // Whoever comes back to a field with something wrong in it still has to mend it.
     if (event->type() == QEvent::WindowActivate && FaultOf(focusWidget()).isEmpty())
         txtTx->setFocus(Qt::ActiveWindowFocusReason);
-    return QMainWindow::event(event);
+    const bool isTaken = QMainWindow::event(event);
+    if (rtbMon != nullptr &&
+        (event->type() == QEvent::FontChange || event->type() == QEvent::ApplicationFontChange))
+        ApplyFontSize();
+    return isTaken;
 }
 
 bool frmTerm::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == rtbMon->viewport() && event->type() == QEvent::Wheel)
+        return Wheel(*static_cast<QWheelEvent*>(event));
     if (watched == txtTx && event->type() == QEvent::KeyPress)
         return TransmitKey(*static_cast<QKeyEvent*>(event));
     return QMainWindow::eventFilter(watched, event);

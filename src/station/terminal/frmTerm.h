@@ -9,6 +9,7 @@
 #include <memory>
 
 class QAction;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 class TerminalPane;
@@ -33,6 +34,9 @@ public:
     /// Shows the window, restored if minimised, before all others.
     void BringForward();
 
+    /// Addresses what is sent next to this callsign.
+    void PutInTo(const QString& callsign);
+
     /// Hands what the user has entered to the session, closes it and gives up the window's place; then tells.
     /// What any way of closing the window does. A second call does nothing.
     void Unload();
@@ -41,6 +45,10 @@ Q_SIGNALS:
     /// The window has saved and closed everything that is its own, the last thing it does: whoever holds it
     /// lets it go, with deleteLater(), and makes a new one when the user asks for the terminal again.
     void ImUnloading();
+
+    /// The user wants a callsign among the satellite's, and the folder of the logs.
+    void AddToCallsignsAsked(const QString& callsign);
+    void LogFolderAsked();
 
 protected:
     bool event(QEvent* event) override;
@@ -55,11 +63,18 @@ private:
     void BuildMenu();
     void SetRules();
     void LoadFont();
+    void AddFontSizes();
+    void ApplyFontSize();
+    void ChangeFontSize(int steps);
+    bool Wheel(const QWheelEvent& wheel);
     void LoadFields();
     AddressFields Fields() const;
     QString FaultOf(const QWidget* field);
     bool MayLeave(const QWidget* field);
     bool TransmitKey(const QKeyEvent& key);
+    bool WalkHistory(int step);
+    void Remember(const QStringList& texts);
+    void ShowCount();
     void Wrap();
     void Transmit(const QStringList& lines);
     void Close();
@@ -72,7 +87,12 @@ private:
     TerminalSession& m_session;
     FieldGuard m_guard;
     std::unique_ptr<clsWindowPos> m_placement;
+    QFont m_textFont; // of pane and transmit line
+    int m_wheel = 0;  // what it has turned short of a step
     std::optional<QString> m_lastLine;
+    QStringList m_sent;     // the newest last
+    qsizetype m_sentAt = 0; // where the user walks in them; at their end he is in his own text
+    QString m_ownText;
     bool m_isUnloaded = false;
 
     TerminalPane* rtbMon = nullptr;
@@ -80,6 +100,7 @@ private:
     QLineEdit* txtVia = nullptr;
     QLineEdit* txtPort = nullptr;
     QLineEdit* txtTx = nullptr;
+    QLabel* labCount = nullptr;
     QPushButton* cmdAprs = nullptr;
     QPushButton* cmdLoc = nullptr;
     QAction* mnuLogAllData = nullptr;

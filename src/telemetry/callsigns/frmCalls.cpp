@@ -53,6 +53,7 @@ frmCalls::frmCalls(CallsignList& callsigns, const mb& messages, QWidget* parent)
     connect(txtCall, &QLineEdit::textChanged, this, &frmCalls::EnableAdd);
     connect(optA, &QRadioButton::toggled, this, &frmCalls::EnableAdd);
     connect(optB, &QRadioButton::toggled, this, &frmCalls::EnableAdd);
+    connect(txtCall, &QLineEdit::returnPressed, this, &frmCalls::SayWhatIsMissing);
     connect(txtCall, &QLineEdit::returnPressed, cmdAdd, &QPushButton::click);
     connect(cmdAdd, &QPushButton::clicked, this, &frmCalls::PutInList);
     connect(lstCalls, &QListWidget::itemDoubleClicked, this, &frmCalls::EditItem);
@@ -90,7 +91,9 @@ void frmCalls::LayOut() {
     editor->addWidget(txtCall, 0, 1);
     editor->addWidget(labSide, 1, 0);
     editor->addLayout(sides, 1, 1);
+    labMissing = Named(u"labMissing", new QLabel(this));
     editor->addWidget(cmdAdd, 2, 1);
+    editor->addWidget(labMissing, 3, 0, 1, 2);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(cmdOk);
     buttons->addWidget(cmdCancel);
@@ -107,8 +110,9 @@ void frmCalls::LayOut() {
         setTabOrder(order[i - 1], order[i]);
 }
 
-void frmCalls::DoCalls() {
+void frmCalls::DoCalls(const QString& callsign) {
     ShowCallsigns();
+    txtCall->setText(callsign);
     exec();
 }
 
@@ -140,6 +144,16 @@ QStringList frmCalls::Items() const {
 
 void frmCalls::EnableAdd() {
     cmdAdd->setEnabled(!txtCall->text().isEmpty() && (optA->isChecked() || optB->isChecked()));
+    labMissing->clear();
+    labMissing->setAccessibleName({});
+}
+
+// Enter acts as the button, which may not be pressed yet.
+void frmCalls::SayWhatIsMissing() {
+    if (cmdAdd->isEnabled())
+        return;
+    labMissing->setText(txtCall->text().isEmpty() ? tr("Enter a callsign.") : tr("Choose the side: A or B."));
+    labMissing->setAccessibleName(labMissing->text());
 }
 
 bool frmCalls::IsCallsignGood() {

@@ -4,6 +4,7 @@
 
 class CallsignList;
 class FieldGuard;
+class QLabel;
 class QLineEdit;
 class QListWidget;
 class QPushButton;
@@ -16,8 +17,8 @@ class frmCalls : public QDialog {
 public:
     frmCalls(CallsignList& callsigns, const mb& messages, QWidget* parent = nullptr);
 
-    /// Shows the dialog modally until the user closes it.
-    void DoCalls();
+    /// Shows the dialog modally until the user closes it, with `callsign`, if any, in the editor.
+    void DoCalls(const QString& callsign = {});
 
     /// Fills the list with the present callsigns and empties the editor.
     void ShowCallsigns();
@@ -33,6 +34,7 @@ private:
     QStringList Items() const;
     bool IsCallsignGood();
     void EnableAdd();
+    void SayWhatIsMissing();
     void PutInList();
     void EditItem();
     void RemoveItem();
@@ -49,5 +51,6 @@ private:
     QPushButton* cmdOk;
     QPushButton* cmdCancel;
     QPushButton* cmdDefaults;
+    QLabel* labMissing = nullptr;
     FieldGuard* m_guard;
 };

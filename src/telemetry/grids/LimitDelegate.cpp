@@ -1,6 +1,8 @@
 #include "telemetry/grids/LimitDelegate.h"
 
+#include "foundation/looks/Contrast.h"
 #include "telemetry/grids/TelemetryGrid.h"
+#include "telemetry/grids/ValueAge.h"
 
 #include <QPainter>
 
@@ -29,6 +31,7 @@ LimitDelegate::Colours LimitDelegate::ColoursOf(Level level) {
 
 void LimitDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
+    ShowAge(*option, index);
     const Level level = LevelShown(index);
     if (level == Level::Normal)
         return;
@@ -36,6 +39,22 @@ void LimitDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIn
     option->backgroundBrush = colours.ground;
     option->state.setFlag(QStyle::State_MouseOver, false); // it would tint the ground
     option->palette.setColor(QPalette::Text, colours.text);
+}
+
+void LimitDelegate::ShowAge(QStyleOptionViewItem& option, const QModelIndex& index) const {
+    if (m_ages == nullptr || !m_ages->IsOn())
+        return;
+    const QVariant heard = index.data(TelemetryGrid::HeardUtc);
+    if (heard.isNull())
+        return;
+    const QPalette::ColorGroup group =
+        option.state.testFlag(QStyle::State_Active) ? QPalette::Active : QPalette::Inactive;
+    if (m_ages->IsOld(heard.toLongLong()))
+        option.palette.setColor(QPalette::Text,
+                                Contrast::Dimmed(option.palette.color(group, QPalette::Text),
+                                                 option.palette.color(group, QPalette::Base)));
+    else if (m_ages->IsFresh(heard.toLongLong()))
+        option.font.setBold(true);
 }
 
 void LimitDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,

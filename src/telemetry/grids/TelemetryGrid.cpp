@@ -174,6 +174,10 @@ QVariant TelemetryGrid::data(const QModelIndex& index, int role) const {
         return static_cast<int>(LevelAt(row, index.column()));
     case LimitText:
         return TipRemarks(row, index.column());
+    case HeardUtc: {
+        const Cell* cell = index.column() == Name ? nullptr : CellAt(row, index.column() - ValueA);
+        return cell != nullptr && cell->isSet ? QVariant(cell->utc) : QVariant();
+    }
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(Qt::Alignment(index.column() == Name ? Qt::AlignLeft : Qt::AlignRight) |
                                    Qt::AlignVCenter);

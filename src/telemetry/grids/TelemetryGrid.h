@@ -41,6 +41,7 @@ public:
         FullText = Qt::UserRole, ///< the text of a cell before its display format
         LevelRole,               ///< how far its value lies outside its limits, a Level as int
         LimitText,               ///< what is to be said of a cell beside its label: unit, limits, age
+        HeardUtc, ///< when its value was heard, milliseconds since 1970; none while it has none
     };
 
     /// `index`: 0 POWER, 1 CURRENT, 2 TEMP.

@@ -4,6 +4,7 @@
 #include "telemetry/grids/LimitDelegate.h"
 #include "telemetry/grids/TelemetryGrid.h"
 #include "telemetry/grids/TipCell.h"
+#include "telemetry/grids/ValueAge.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -14,6 +15,7 @@
 #include <QMouseEvent>
 #include <QStyledItemDelegate>
 #include <QTextDocument>
+#include <QTimer>
 #include <QToolTip>
 
 #include <algorithm>
@@ -51,11 +53,12 @@ QString PlainTip(const QString& text, const QString& remark) {
 TelemetryGridView::TelemetryGridView(TelemetryGrid& grid, TipCell& tipCell, QWidget* parent)
     : QTableView(parent)
     , m_grid(grid)
-    , m_tipCell(tipCell) {
+    , m_tipCell(tipCell)
+    , m_delegate(new LimitDelegate(this)) {
     setObjectName(QStringLiteral("gTlm%1").arg(grid.Index()));
     setAccessibleName(tr("%1 telemetry").arg(grid.TextMatrix(0, TelemetryGrid::Name)));
     setModel(&grid);
-    setItemDelegate(new LimitDelegate(this));
+    setItemDelegate(m_delegate);
     setItemDelegateForColumn(TelemetryGrid::Name, new FixedColumnDelegate(this));
     setColumnHidden(TelemetryGrid::LabelA, true);
     setColumnHidden(TelemetryGrid::LabelB, true);
@@ -74,12 +77,11 @@ TelemetryGridView::TelemetryGridView(TelemetryGrid& grid, TipCell& tipCell, QWid
     horizontalHeader()->viewport()->setMouseTracking(true);
     horizontalHeader()->viewport()->installEventFilter(this);
 
-    auto* copy = new QAction(tr("&Copy"), this);
-    copy->setObjectName(QStringLiteral("mnuCopy%1").arg(grid.Index()));
+    QAction* copy = AddEntry(QStringLiteral("mnuCopy"), tr("&Copy"));
     copy->setShortcut(QKeySequence::Copy);
-    copy->setShortcutContext(Qt::WidgetShortcut);
-    connect(copy, &QAction::triggered, this, &TelemetryGridView::CopySelection);
-    addAction(copy);
+    connect(copy, &QAction::triggered, this, [this] { CopySelection(Qt::DisplayRole); });
+    QAction* copyFull = AddEntry(QStringLiteral("mnuCopyFull"), tr("Copy with &full precision"));
+    connect(copyFull, &QAction::triggered, this, [this] { CopySelection(TelemetryGrid::FullText); });
     AddHistoryEntries();
     setContextMenuPolicy(Qt::ActionsContextMenu);
     selectionModel()->setCurrentIndex(grid.index(0, TelemetryGrid::ValueA), QItemSelectionModel::NoUpdate);
@@ -89,11 +91,9 @@ TelemetryGridView::TelemetryGridView(TelemetryGrid& grid, TipCell& tipCell, QWid
 void TelemetryGridView::AddHistoryEntries() {
     auto* bar = new QAction(this);
     bar->setSeparator(true);
-    auto* ofValue = new QAction(tr("History of this &value"), this);
-    ofValue->setObjectName(QStringLiteral("mnuHistoryOfValue%1").arg(m_grid.Index()));
-    auto* history = new QAction(tr("&History"), this);
-    history->setObjectName(QStringLiteral("mnuHistory%1").arg(m_grid.Index()));
-    addActions({bar, ofValue, history});
+    addAction(bar);
+    QAction* ofValue = AddEntry(QStringLiteral("mnuHistoryOfValue"), tr("History of this &value"));
+    QAction* history = AddEntry(QStringLiteral("mnuHistory"), tr("&History"));
     connect(ofValue, &QAction::triggered, this, [this] { AskForHistory(currentIndex()); });
     connect(history, &QAction::triggered, this, &TelemetryGridView::History);
     connect(this, &QTableView::doubleClicked, this, &TelemetryGridView::AskForHistory);
@@ -171,17 +171,52 @@ bool TelemetryGridView::viewportEvent(QEvent* event) {
     return true;
 }
 
-void TelemetryGridView::CopySelection() const {
-    QModelIndexList cells = selectionModel()->selectedIndexes();
-    std::sort(cells.begin(), cells.end()); // by rows, then columns
-    QString text;
-    int row = -1;
-    for (const QModelIndex& cell : cells) {
-        if (!text.isEmpty() || row >= 0)
-            text += cell.row() == row ? u'\t' : u'\n';
-        text += cell.data(TelemetryGrid::FullText).toString();
-        row = cell.row();
+void TelemetryGridView::ShowAges(ValueAge& ages) {
+    m_delegate->SetAges(ages);
+    QAction* dim = AddEntry(QStringLiteral("mnuDimOld"), tr("&Dim old values"));
+    dim->setCheckable(true);
+    dim->setChecked(ages.IsOn());
+    connect(dim, &QAction::triggered, this, &TelemetryGridView::DimOldToggled);
+    auto* fresh = new QTimer(this); // until a new value is like the others
+    fresh->setObjectName(QStringLiteral("timFresh%1").arg(m_grid.Index()));
+    fresh->setSingleShot(true);
+    fresh->setInterval(ValueAge::freshFor);
+    connect(fresh, &QTimer::timeout, viewport(), QOverload<>::of(&QWidget::update));
+    connect(&m_grid, &TelemetryGrid::dataChanged, fresh, [fresh, &ages] {
+        if (ages.IsOn())
+            fresh->start();
+    });
+    connect(&ages, &ValueAge::Changed, this, [this, dim, &ages] {
+        dim->setChecked(ages.IsOn());
+        viewport()->update();
+    });
+}
+
+QAction* TelemetryGridView::AddEntry(const QString& name, const QString& caption) {
+    auto* entry = new QAction(caption, this);
+    entry->setObjectName(name + QString::number(m_grid.Index()));
+    entry->setShortcutContext(Qt::WidgetShortcut);
+    addAction(entry);
+    return entry;
+}
+
+// What is marked, with the headings over it and the names before it, as a spreadsheet takes it.
+void TelemetryGridView::CopySelection(int role) const {
+    const QItemSelection marked = selectionModel()->selection();
+    if (marked.isEmpty())
+        return;
+    const QItemSelectionRange cells = marked.first(); // a selection is one rectangle
+    const int left = std::max<int>(cells.left(), TelemetryGrid::ValueA);
+    const int right = std::min<int>(cells.right(), TelemetryGrid::ValueB);
+    QStringList lines;
+    for (int row = cells.top() - 1; row <= cells.bottom(); ++row) {
+        const bool isHeading = row < cells.top();
+        QStringList line{isHeading ? m_grid.TextMatrix(0, TelemetryGrid::Name)
+                                   : m_grid.TextMatrix(row + 1, TelemetryGrid::Name)};
+        for (int column = left; column <= right; ++column)
+            line.append(isHeading ? m_grid.TextMatrix(0, column)
+                                  : m_grid.index(row, column).data(role).toString());
+        lines.append(line.join(u'\t'));
     }
-    if (!cells.isEmpty())
-        QGuiApplication::clipboard()->setText(text);
+    QGuiApplication::clipboard()->setText(lines.join(u'\n'));
 }

@@ -3,7 +3,9 @@
 #include <QTableView>
 
 class TelemetryGrid;
+class LimitDelegate;
 class TipCell;
+class ValueAge;
 
 /// Shows one telemetry grid. The header row and the name column stand still; hovering over a value tells
 /// which frame brought it and when; values can be copied in full.
@@ -12,6 +14,10 @@ class TelemetryGridView : public QTableView {
 public:
     /// `tipCell` is shared by the grids.
     TelemetryGridView(TelemetryGrid& grid, TipCell& tipCell, QWidget* parent = nullptr);
+
+    /// Adds an entry to the menu with which old values are dimmed, in all grids that share `ages`; it
+    /// outlives the view.
+    void ShowAges(ValueAge& ages);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -25,6 +31,9 @@ Q_SIGNALS:
     /// The user wants to see the history.
     void History();
 
+    /// The user has switched the dimming of old values.
+    void DimOldToggled(bool isOn);
+
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -34,10 +43,12 @@ protected:
 private:
     void FitCells();
     void MouseOver(int row, int column);
-    void CopySelection() const;
     void AddHistoryEntries();
     void AskForHistory(const QModelIndex& cell);
+    QAction* AddEntry(const QString& name, const QString& caption);
+    void CopySelection(int role) const;
 
     TelemetryGrid& m_grid;
     TipCell& m_tipCell;
+    LimitDelegate* m_delegate;
 };

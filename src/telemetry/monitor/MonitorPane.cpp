@@ -4,6 +4,8 @@
 #include "foundation/text/Text.h"
 #include "telemetry/monitor/MonitorText.h"
 
+#include <QAbstractTextDocumentLayout>
+#include <QTextBlock>
 #include <QTextCursor>
 
 #include <algorithm>
@@ -22,7 +24,7 @@ QString DocumentText(QByteArrayView text) {
 } // namespace
 
 MonitorPane::MonitorPane(const MonitorText& text, QWidget* parent)
-    : FollowingPane(parent)
+    : TrafficPane(parent)
     , m_text(text)
     , m_shownEnd(text.Begin()) {
     setObjectName(QStringLiteral("txtMon"));
@@ -38,6 +40,7 @@ void MonitorPane::ShowChanges() {
     const qsizetype shown = std::max(m_shownEnd, m_text.Begin()) - m_text.Begin();
     m_shownEnd = m_text.End();
 
+    ShowLastBlock(true);
     QTextCursor edit(document());
     edit.beginEditBlock();
     const qsizetype before = document()->characterCount() - 1; // without the document's own end
@@ -46,4 +49,16 @@ void MonitorPane::ShowChanges() {
     edit.movePosition(QTextCursor::End);
     edit.insertText(DocumentText(text.sliced(shown)));
     edit.endEditBlock();
+    ShowLastBlock(!document()->lastBlock().text().isEmpty());
+}
+
+// The text ends with a line end; the empty line behind it takes no room.
+void MonitorPane::ShowLastBlock(bool isShown) {
+    QTextBlock last = document()->lastBlock();
+    if (last.isVisible() == isShown || document()->blockCount() == 1)
+        return;
+    last.setVisible(isShown);
+    last.setLineCount(isShown ? 1 : 0);
+    QAbstractTextDocumentLayout& layout = *document()->documentLayout();
+    Q_EMIT layout.documentSizeChanged(layout.documentSize());
 }
