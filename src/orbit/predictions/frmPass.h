@@ -46,6 +46,12 @@ public:
     frmPass(const clsSats& cSats, const TrackedSatellites& satellites, QWidget* parent = nullptr,
             PassServices services = {});
 
+    /// The window keeps the size that the user gives it in these settings, which outlive it.
+    void RememberSize(clsIni& ini);
+
+    /// Closing by any way keeps the size.
+    void done(int result) override;
+
 Q_SIGNALS:
     /// The user has double-clicked a pass, or pressed Enter on it: it begins at this UTC, to the second.
     void PassChosen(DateTime startUtc);
