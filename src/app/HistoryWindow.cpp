@@ -67,6 +67,7 @@ void HistoryWindow::Show() {
             Services(), std::make_unique<TelemetryHistory>(m_ground.folder.File(QStringLiteral("tlm.txt")),
                                                            m_ground.channelMap, m_formulae, m_sides));
         m_window->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_window, &frmHistory::EventsSeen, this, &HistoryWindow::EventsSeen);
         connect(m_window, &frmHistory::ImUnloading, this, [this] { m_window.clear(); });
     }
     m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
@@ -78,6 +79,11 @@ void HistoryWindow::Show() {
 void HistoryWindow::ShowValue(const HistoryChannel& channel) {
     Show();
     m_window->Plot(channel);
+}
+
+void HistoryWindow::ShowEvents() {
+    Show();
+    m_window->ListEvents();
 }
 
 void HistoryWindow::Close() {

@@ -23,11 +23,18 @@ public:
     void Show();
     void ShowValue(const HistoryChannel& channel);
 
+    /// Shows the window with its list of events.
+    void ShowEvents();
+
     void Close();
 
     /// Whether times are local has changed; elements, or the station's position.
     void TellTimes();
     void TellPasses();
+
+Q_SIGNALS:
+    /// The user looks at the list of events.
+    void EventsSeen();
 
 private:
     HistoryServices Services();

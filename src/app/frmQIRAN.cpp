@@ -1,10 +1,10 @@
 #include "app/frmQIRAN.h"
 
-#include "app/HearingOfSky.h"
 #include "app/HistoryWindow.h"
 #include "app/LinkMenu.h"
 #include "app/MainMenuView.h"
 #include "app/OpenDialogs.h"
+#include "app/OrbitWindows.h"
 #include "app/StatusBarView.h"
 #include "app/framGuide.h"
 #include "app/frmAbout.h"
@@ -20,12 +20,8 @@
 #include "keps/frmDownload.h"
 #include "link/agwpe/frmAgwpeSetup.h"
 #include "link/kiss/frmKissSetup.h"
-#include "orbit/map/frmMap.h"
 #include "orbit/panel/framLocation.h"
-#include "orbit/predictions/frmPass.h"
-#include "orbit/skyview/frmSky.h"
 #include "sharing/frmForward.h"
-#include "station/identity/PositionText.h"
 #include "station/identity/frmLocation.h"
 #include "station/terminal/frmTerm.h"
 #include "telemetry/callsigns/frmCalls.h"
@@ -60,8 +56,8 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     , m_notices(notices)
     , m_ground(folder, clock, messages, *this)
     , m_status(m_ground)
-    , m_heardTimes(m_ground)
     , m_menu(std::make_unique<MainMenuView>(*menuBar()))
+    , m_orbit(std::make_unique<OrbitWindows>(m_ground, messages, this))
     , m_history(std::make_unique<HistoryWindow>(m_ground, clock, messages))
     , m_timer1(this)
     , m_legible(this)
@@ -139,7 +135,7 @@ void frmQIRAN::ConnectMenu(const MainMenuView& menu) {
         connect(action, &QAction::triggered, this, operation);
     };
     entry(menu.mnuTerminal, &frmQIRAN::ShowTerminal);
-    entry(menu.mnuMap, &frmQIRAN::ShowMap);
+    connect(menu.mnuMap, &QAction::triggered, m_orbit.get(), &OrbitWindows::ShowMap);
     entry(menu.mnuLocation, &frmQIRAN::ShowStationInformation);
     entry(menu.mnuAGWPESetup, &frmQIRAN::ShowAgwpeSetup);
     entry(menu.mnuCallsigns, &frmQIRAN::ShowCallsigns);
@@ -200,19 +196,19 @@ void frmQIRAN::PlaceWindow() {
 
 void frmQIRAN::PrepareTracking() {
     m_menu->mnuOnlyShowQIRAN->setChecked(m_ground.OnlyShowQiran());
-    connect(m_framLocation, &framLocation::SatChanged, this, [this] {
-        if (m_map)
-            m_map->SatHasChanged();
-        if (m_sky)
-            m_sky->SatHasChanged();
-    });
-    connect(m_framLocation, &framLocation::SkyRequested, this, &frmQIRAN::ShowSky);
-    connect(staStatus, &StatusBarView::SkyRequested, this, &frmQIRAN::ShowSky);
+    connect(m_framLocation, &framLocation::SatChanged, m_orbit.get(), &OrbitWindows::SatHasChanged);
+    connect(m_framLocation, &framLocation::SkyRequested, m_orbit.get(), &OrbitWindows::ShowSky);
+    connect(m_framLocation, &framLocation::PassInfoRequested, m_orbit.get(), &OrbitWindows::ShowPasses);
+    connect(m_orbit.get(), &OrbitWindows::ChangeSatRequested, m_framLocation, &framLocation::ChangeSat);
+    connect(staStatus, &StatusBarView::SkyRequested, m_orbit.get(), &OrbitWindows::ShowSky);
     m_history->SetImport([this](QWidget* owner) { ImportHistory(owner); });
     connect(staStatus, &StatusBarView::HistoryRequested, m_history.get(), &HistoryWindow::Show);
-    connect(staStatus, &StatusBarView::EventRequested, m_history.get(), &HistoryWindow::Show);
+    connect(staStatus, &StatusBarView::EventRequested, m_history.get(), &HistoryWindow::ShowEvents);
+    connect(m_history.get(), &HistoryWindow::EventsSeen, this, [this] {
+        m_status.EventSeen();
+        staStatus->Refresh();
+    });
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::TellWindows);
-    connect(m_framLocation, &framLocation::PassInfoRequested, this, &frmQIRAN::ShowPassPredictions);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
     connect(&m_ground, &GroundStation::ElementsChanged, this, [this] {
         TellWindows();
@@ -328,56 +324,9 @@ void frmQIRAN::SetDueCaption() {
     m_menu->mnuUseLocalTime->setChecked(m_ground.cSats.blnLocalTime());
 }
 
-void frmQIRAN::ShowPassPredictions() {
-    PassServices services{.messages = &m_messages};
-    if (const auto place = PlaceOfStation())
-        services.calendar = {.latitude = place->latitude,
-                             .longitude = place->longitude,
-                             .alarmMinutes = Settings::NumberOf(m_ground.cIni, Settings::noticeMinutes),
-                             .program = Texts::CalendarMaker()};
-    frmPass passes(m_ground.cSats, m_ground.satellites, this, std::move(services));
-    passes.RememberSize(m_ground.cIni);
-    std::optional<DateTime> chosen;
-    connect(&passes, &frmPass::PassChosen, this, [&](DateTime startUtc) {
-        chosen = startUtc;
-        passes.accept();
-    });
-    passes.exec();
-    if (!chosen)
-        return;
-    ShowSky();
-    m_sky->ShowPassAt(*chosen);
-}
-
-std::optional<PassSteps::Place> frmQIRAN::PlaceOfStation() const {
-    const Station& station = m_ground.station;
-    return station.PositionKnown() ? std::optional(PassSteps::Place{station.dblLat(), station.dblLong()})
-                                   : std::nullopt;
-}
-
-void frmQIRAN::ShowSky() {
-    if (!m_sky) {
-        const auto place = [this] { return PlaceOfStation(); };
-        const auto simulated = [this] { return m_map ? m_map->SimulatedTime() : std::nullopt; };
-        m_sky = new frmSky(m_ground.cSats, m_ground.satellites, place, simulated, m_ground.cIni,
-                           m_ground.folder, HearingOfSky(m_ground, m_heardTimes, m_messages));
-        m_heardTimes.Load();
-        connect(&m_heardTimes, &HeardTimes::Loaded, m_sky, &frmSky::HeardHasChanged);
-        m_sky->setAttribute(Qt::WA_DeleteOnClose);
-        connect(m_sky, &frmSky::ImUnloading, this, [this] { m_sky.clear(); });
-    }
-    m_sky->setWindowState(m_sky->windowState() & ~Qt::WindowMinimized);
-    m_sky->show();
-    m_sky->raise();
-    m_sky->activateWindow();
-}
-
 // Elements, the station's position, or whether times are local.
 void frmQIRAN::TellWindows() {
-    if (m_map)
-        m_map->DataHaveChanged();
-    if (m_sky)
-        m_sky->DataHaveChanged();
+    m_orbit->DataHaveChanged();
     m_history->TellPasses();
 }
 
@@ -386,34 +335,6 @@ void frmQIRAN::ShowTerminal() {
         m_ground.OpenTerminal(); // LoadTerminal has its turn in it
     if (m_terminal)
         m_terminal->BringForward();
-}
-
-void frmQIRAN::ShowMap() {
-    if (!m_map) {
-        m_map = new frmMap(m_ground.cSats, m_ground.satellites, m_ground.cIni, m_messages, m_ground.folder,
-                           [this] { return PlaceOfStation(); });
-        m_map->setAttribute(Qt::WA_DeleteOnClose);
-        connect(m_map, &frmMap::PositionChosen, this, &frmQIRAN::UseAsPosition);
-        connect(m_map, &frmMap::ChangeSatRequested, m_framLocation, &framLocation::ChangeSat);
-        connect(m_map, &frmMap::TimeShown, this, [this] {
-            if (m_sky)
-                m_sky->Refresh();
-        });
-        connect(m_map, &frmMap::ImUnloading, this, [this] { m_map.clear(); });
-    }
-    m_map->setWindowState(m_map->windowState() & ~Qt::WindowMinimized);
-    m_map->show();
-    m_map->raise();
-    m_map->activateWindow();
-}
-
-void frmQIRAN::UseAsPosition(double latitude, double longitude) {
-    using namespace PositionText;
-    const QString lat = ToStored(FromDegrees(latitude, Axis::Latitude), Axis::Latitude);
-    const QString lon = ToStored(FromDegrees(longitude, Axis::Longitude), Axis::Longitude);
-    m_ground.station.setStrLat(lat);
-    m_ground.station.setStrLong(lon);
-    m_ground.station.setStrLoc(Locator(lat, lon).value_or(QString()));
 }
 
 void frmQIRAN::ShowStationInformation() {
@@ -499,14 +420,7 @@ void frmQIRAN::ReleaseWindows() {
     m_lastPass.stop();
     m_terminal.reset();
     m_history->Close();
-    if (frmSky* sky = m_sky) {
-        sky->close();
-        delete sky;
-    }
-    if (frmMap* map = m_map) {
-        map->close();
-        delete map;
-    }
+    m_orbit->Close();
 }
 
 bool frmQIRAN::SaveWindowPlace() {

@@ -2,18 +2,15 @@
 
 #include "app/RunningWindow.h"
 #include "core/GroundStation.h"
-#include "core/HeardTimes.h"
 #include "core/Roof.h"
 #include "core/StartGuide.h"
 #include "core/StationStatus.h"
 #include "foundation/looks/LegiblePalette.h"
 #include "foundation/placement/WindowSize.h"
-#include "orbit/skyview/PassSteps.h"
 #include "telemetry/grids/TipCell.h"
 #include "telemetry/grids/ValueAge.h"
 
 #include <QMainWindow>
-#include <QPointer>
 #include <QTimer>
 
 #include <memory>
@@ -22,11 +19,10 @@ class DesktopNotices;
 class framGuide;
 class HistoryWindow;
 class framLocation;
-class frmMap;
-class frmSky;
 class frmTerm;
 class mb;
 class MonitorPane;
+class OrbitWindows;
 class QLabel;
 class QVBoxLayout;
 class StatusBarView;
@@ -76,11 +72,7 @@ private:
     void ApplyStationPosition();
     void SetDueCaption();
     void ShowStatus();
-    void ShowPassPredictions();
     void ShowTerminal();
-    void ShowMap();
-    std::optional<PassSteps::Place> PlaceOfStation() const;
-    void ShowSky();
     void TellWindows();
     void ShowStationInformation();
     void ShowAgwpeSetup();
@@ -90,7 +82,6 @@ private:
     void AddToCallsigns(const QString& callsign);
     void PutInTo(const QString& callsign);
     void OpenLogFolder();
-    void UseAsPosition(double latitude, double longitude);
     void DownloadKeps();
     void TellOfEvent(const LimitEvent& event);
 
@@ -98,12 +89,10 @@ private:
     DesktopNotices& m_notices;
     GroundStation m_ground;
     StationStatus m_status;
-    HeardTimes m_heardTimes;
     TipCell m_tipCell;
     std::unique_ptr<MainMenuView> m_menu;
     std::unique_ptr<frmTerm> m_terminal;
-    QPointer<frmMap> m_map;
-    QPointer<frmSky> m_sky;
+    std::unique_ptr<OrbitWindows> m_orbit;
     std::unique_ptr<HistoryWindow> m_history;
     QTimer m_timer1;
     RunningWindow m_running;

@@ -1,8 +1,8 @@
 #include "sharing/ForwardRequest.h"
 
 #include "foundation/settings/ProgramFolder.h"
-#include "foundation/system/FolderLock.h"
 #include "foundation/system/FileSync.h"
+#include "foundation/system/FolderLock.h"
 #include "sharing/ForwardQueue.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,9 @@
 #include "app/MainWindowRig.h"
 #include "app/StatusBarView.h"
+#include "telemetry/plots/frmHistory.h"
 
+#include <QTabBar>
+#include <QTabWidget>
 #include <QTest>
 #include <QToolButton>
 
@@ -10,12 +13,25 @@ class LimitsInMainWindowTest : public QObject {
 private Q_SLOTS:
     void anEventIsShownUntilItIsLookedAt_data();
     void anEventIsShownUntilItIsLookedAt();
+    void aLookAtTheListOfEventsIsOneToo();
     void anEventIsANoticeOnlyWhereItIsAskedFor_data();
     void anEventIsANoticeOnlyWhereItIsAskedFor();
     void aValueOutsideItsLimitsIsMarkedInItsGrid();
 };
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+// Of the history window, which is open.
+QTabWidget* Tabs() {
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (auto* history = qobject_cast<frmHistory*>(window))
+            return history->findChild<QTabWidget*>();
+    qFatal("the history window is not open");
+}
+
+} // namespace
 
 void LimitsInMainWindowTest::anEventIsShownUntilItIsLookedAt_data() {
     QTest::addColumn<int>("key"); // 0: the mouse
@@ -48,6 +64,25 @@ void LimitsInMainWindowTest::anEventIsShownUntilItIsLookedAt() {
     }
     QCOMPARE(requested.size(), 1);
     QCOMPARE(requested[0][0].toLongLong(), rig.clock.Milliseconds());
+    QVERIFY(event->isHidden());
+    const auto* list = Tabs()->currentWidget();
+    QCOMPARE(list->objectName(), u"tblEvents"_s);
+    QVERIFY(list->isVisible());
+}
+
+void LimitsInMainWindowTest::aLookAtTheListOfEventsIsOneToo() {
+    MainWindowRig rig;
+    rig.folder.Write(u"channels.txt"_s, "A,TEMP,X+,degC,,5,,,1\n");
+    QVERIFY(rig.Start());
+    rig.Hear(1, 1);
+    rig.Find<StatusBarView>("staStatus")->Refresh();
+    const auto* event = rig.Find<QToolButton>("labEvent");
+    QVERIFY(event->isVisible());
+    rig.Find<QToolButton>("cmdHistory")->click();
+    QVERIFY(event->isVisible());
+    auto* bar = Tabs()->tabBar();
+    QTest::mouseClick(bar, Qt::LeftButton, Qt::NoModifier, bar->tabRect(2).center());
+    QCOMPARE(Tabs()->currentWidget()->objectName(), u"tblEvents"_s);
     QVERIFY(event->isHidden());
 }
 

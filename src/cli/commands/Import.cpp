@@ -48,7 +48,8 @@ int Import(const Session& session) {
     callsigns.PeekCallsigns();
     HistoryImport import(path, SidesOf(callsigns));
     using Result = HistoryImport::Result;
-    if (import.Count(files, {.zone = *zone, .utc = session.call.Get<qint64>(Options::recordingTime)}) != Result::Done)
+    if (import.Count(files, {.zone = *zone, .utc = session.call.Get<qint64>(Options::recordingTime)}) !=
+        Result::Done)
         return Answers::Fail(session, import.Reason());
     PrintCount(session, import.Counted());
     if (session.call.Has(Options::dryRun) || import.Counted().frames == 0)

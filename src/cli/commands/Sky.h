@@ -21,6 +21,8 @@ struct Satellite {
 class Sky {
 public:
     explicit Sky(const Session& session);
+    Sky(const Sky&) = delete; // the reader of its elements tells this one of damage
+    Sky& operator=(const Sky&) = delete;
 
     const clsSats& Service() const { return m_sats; }
 

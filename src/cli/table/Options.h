@@ -124,10 +124,11 @@ inline constexpr Option zone{
     .help =
         u"Of times without one, in logs for example: utc (unless told otherwise), local, or a name such as "
         u"Europe/Berlin."};
-inline constexpr Option recordingTime{.name = u"time",
-                             .value = u"UTC",
-                             .takes = Takes::Utc,
-                             .help = u"Of recordings that tell no times, for example 2026-11-21T15:00Z."};
+inline constexpr Option recordingTime{
+    .name = u"time",
+    .value = u"UTC",
+    .takes = Takes::Utc,
+    .help = u"Of recordings that tell no times, for example 2026-11-21T15:00Z."};
 inline constexpr Option dryRun{.name = u"dry-run", .help = u"Only count what would come in."};
 inline constexpr Option undo{.name = u"undo", .help = u"Take the last import back."};
 inline constexpr Option force{.name = u"force",

@@ -145,7 +145,11 @@ void frmHistory::MakeTabs() {
     tabHistory->addTab(tblReadings, tr("Rea&dings"));
     tabHistory->addTab(tblEvents, tr("&Events"));
     connect(&m_channels, &ChannelTable::PlottedChanged, this, &frmHistory::LoadPlotted);
-    connect(tabHistory, &QTabWidget::currentChanged, this, &frmHistory::ListReadings);
+    connect(tabHistory, &QTabWidget::currentChanged, this, [this] {
+        ListReadings();
+        if (tabHistory->currentWidget() == tblEvents)
+            Q_EMIT EventsSeen();
+    });
     connect(tblReadings, &QTableView::activated, this,
             [this](const QModelIndex& cell) { JumpTo(m_readings.TimeOf(cell.row())); });
     connect(tblEvents, &QTableView::activated, this,
@@ -246,6 +250,11 @@ void frmHistory::Plot(const HistoryChannel& channel) {
     tblChannels->setCurrentIndex(
         m_channels.index(std::max(m_channels.RowOf(channel), 0), ChannelTable::Channel));
     LoadPlotted();
+}
+
+void frmHistory::ListEvents() {
+    tabHistory->setCurrentWidget(tblEvents);
+    tblEvents->setFocus();
 }
 
 void frmHistory::LoadPlotted() {

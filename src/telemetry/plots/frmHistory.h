@@ -31,6 +31,9 @@ public:
     /// Plots this channel alone.
     void Plot(const HistoryChannel& channel);
 
+    /// Shows the list of events.
+    void ListEvents();
+
     /// Times are shown as local or UTC from now on.
     void TimesHaveChanged();
 
@@ -41,6 +44,9 @@ public:
     void PassesHaveChanged();
 
 Q_SIGNALS:
+    /// The user has turned to the list of events.
+    void EventsSeen();
+
     /// The window closes; its owner deletes it (later: the signal comes from within its close event).
     void ImUnloading();
 
