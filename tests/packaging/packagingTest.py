@@ -145,7 +145,7 @@ class Packages(unittest.TestCase):
         documents = root / "usr/share/doc"
         copyright = (documents / "qirandecode/copyright").read_text()
         self.assertIn("License: Expat and GPL-3+", copyright)
-        self.assertEqual((documents / "qirandecode-cli/copyright").read_text(), (ROOT / "LICENSE").read_text())
+        self.assertEqual((documents / "qirandecode-cli/copyright").read_text(), (ROOT / "packaging/copyright-cli").read_text())
         linked = call("ldd", BUILD / "QiranDecode/qirandecode-cli")
         self.assertNotIn("QCustomPlot", linked)
         self.assertIn("QCustomPlot", call("ldd", BUILD / "QiranDecode/QiranDecode"))
