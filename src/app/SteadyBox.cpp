@@ -9,7 +9,8 @@ SteadyBox::SteadyBox(QWidget* content)
 }
 
 bool SteadyBox::event(QEvent* event) {
-    if (event->type() == QEvent::LayoutRequest) {
+    // While it is hidden, nobody tells it.
+    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Show) {
         const QSize size = m_content->sizeHint().expandedTo(m_size);
         if (size != m_size) {
             m_size = size;

@@ -14,6 +14,7 @@ private Q_SLOTS:
     void init();
     void cleanup() { m_window.reset(); }
 
+    void aTextGivenWhileItIsHiddenGetsItsRoom();
     void aTextThatNeedsNoMoreRoomAsksForNoLayout();
     void aLongerTextGetsItsRoomAndAShorterOneLeavesIt();
     void aLongTextMakesNoWindowWider();
@@ -45,6 +46,13 @@ void SteadyBoxTest::init() {
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     m_window->installEventFilter(this);
     m_layouts = 0;
+}
+
+void SteadyBoxTest::aTextGivenWhileItIsHiddenGetsItsRoom() {
+    m_window->hide();
+    m_label->setText(u"0000000000"_s);
+    m_window->show();
+    QTRY_COMPARE(m_box->width(), m_label->sizeHint().width());
 }
 
 void SteadyBoxTest::aTextThatNeedsNoMoreRoomAsksForNoLayout() {
