@@ -21,6 +21,8 @@
 #include <QTreeWidget>
 #include <QWheelEvent>
 
+#include <memory>
+
 using namespace Qt::StringLiterals;
 
 /// What can be read and seen in the true windows: contrast, fonts, sizes, places.
@@ -79,7 +81,8 @@ QPalette HighContrast(const QColor& ground, const QColor& text) {
 
 void AddPalettes() {
     QTest::addColumn<QPalette>("palette");
-    QTest::newRow("light") << QStyleFactory::create(u"Fusion"_s)->standardPalette();
+    const std::unique_ptr<QStyle> fusion(QStyleFactory::create(u"Fusion"_s));
+    QTest::newRow("light") << fusion->standardPalette();
     QTest::newRow("dark") << Screenshots::DarkPalette();
     QTest::newRow("white on black") << HighContrast(Qt::black, Qt::white);
     QTest::newRow("black on white") << HighContrast(Qt::white, Qt::black);

@@ -341,8 +341,8 @@ bool frmTerm::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate && FaultOf(focusWidget()).isEmpty())
         txtTx->setFocus(Qt::ActiveWindowFocusReason);
     const bool isTaken = QMainWindow::event(event);
-    if (rtbMon != nullptr &&
-        (event->type() == QEvent::FontChange || event->type() == QEvent::ApplicationFontChange))
+    const bool isFont = event->type() == QEvent::FontChange || event->type() == QEvent::ApplicationFontChange;
+    if (isFont && rtbMon != nullptr) // the window may be gone after any other event
         ApplyFontSize();
     return isTaken;
 }
