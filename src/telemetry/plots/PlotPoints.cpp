@@ -39,8 +39,8 @@ public:
                 high = at;
         }
         std::array places{first, std::min(low, high), std::max(low, high), end - 1};
-        const auto rest = std::ranges::unique(places);
-        for (auto place = places.begin(); place != rest.begin(); ++place)
+        const auto rest = std::unique(places.begin(), places.end());
+        for (auto place = places.begin(); place != rest; ++place)
             if (!std::isnan(value(*place))) {
                 m_points.push_back({static_cast<double>(m_readings.utc[*place]) / 1000.0, value(*place)});
                 ++m_joined;
