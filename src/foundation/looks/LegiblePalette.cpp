@@ -6,6 +6,7 @@
 #include <QEvent>
 #include <QPalette>
 #include <QScopedValueRollback>
+#include <QWidget>
 
 #include <array>
 #include <utility>
