@@ -205,7 +205,7 @@ void TelemetryGridView::CopySelection(int role) const {
     const QItemSelection marked = selectionModel()->selection();
     if (marked.isEmpty())
         return;
-    const QItemSelectionRange cells = marked.first(); // a selection is one rectangle
+    const QItemSelectionRange& cells = marked.first(); // a selection is one rectangle
     const int left = std::max<int>(cells.left(), TelemetryGrid::ValueA);
     const int right = std::min<int>(cells.right(), TelemetryGrid::ValueB);
     QStringList lines;
