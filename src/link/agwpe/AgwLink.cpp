@@ -49,7 +49,7 @@ AgwLink::AgwLink(const AgwSettings& settings, const Clock& clock, QObject* paren
     connect(&m_client, &MERAGW::Error, this,
             [this](const QString& description) { HandleError(m_client.Host(), description); });
     connect(&m_client, &MERAGW::FrameArrival, this, [this](const MonitoredFrame& frame) {
-        m_marriage.AddMonitored(AgwHeard::FromFrame(frame, m_clock.Milliseconds()), Now());
+        TellMonitored(AgwHeard::FromFrame(frame, m_clock.Milliseconds()));
     });
     connect(&m_client, &MERAGW::RawFrame, this, &AgwLink::HandleRawFrame);
     connect(&m_client, &MERAGW::Monitoring, this, &AgwLink::HandleMonitoring);
@@ -82,7 +82,14 @@ void AgwLink::HandleMonitoring(QByteArrayView data, qint16 kind) {
     const HeardFrame::Kind heard = kind == DisplayKind::Transmitted   ? HeardFrame::Kind::T
                                    : kind == DisplayKind::Information ? HeardFrame::Kind::I
                                                                       : HeardFrame::Kind::S;
-    m_marriage.AddMonitored(AgwHeard::FromText(data, heard, m_clock.Milliseconds()), Now());
+    TellMonitored(AgwHeard::FromText(data, heard, m_clock.Milliseconds()));
+}
+
+void AgwLink::TellMonitored(const HeardFrame& frame) {
+    if (m_marriage.Due())
+        m_marriage.AddMonitored(frame, Now());
+    else
+        Q_EMIT Heard(frame); // nothing waits for it
 }
 
 void AgwLink::HandleRawFrame(QByteArrayView raw, qint16 port) {

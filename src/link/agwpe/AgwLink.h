@@ -39,6 +39,7 @@ protected:
 
 private:
     void HandleMonitoring(QByteArrayView data, qint16 kind);
+    void TellMonitored(const HeardFrame& frame);
     void HandleRawFrame(QByteArrayView raw, qint16 port);
     void AwaitMonitored();
     void HandlePortInformation(const QStringList& descriptions);
