@@ -19,7 +19,7 @@ constexpr double lastSeconds = 120.0;      // of a countdown, which shows them
 constexpr int minutesOfAnHour = 60;
 
 constexpr int retryStep =
-    5000; // milliseconds: a line that changes every second would catch the eye, and cost
+    10000; // milliseconds: a line that changes every second would catch the eye, and cost
 
 int RoundUp(int value, int step) {
     return (value + step - 1) / step * step;

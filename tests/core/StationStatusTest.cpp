@@ -48,7 +48,7 @@ void StationStatusTest::theLinkIsConnectedOrWaits() {
     QTRY_COMPARE(status.Now().link, u"Connected to 127.0.0.1"_s);
     rig.engine.DropConnections();
     rig.station->link.Agw().SetRetryInterval(12000);
-    QTRY_COMPARE(status.Now().link, u"Retrying in 15 s"_s); // in steps of five seconds
+    QTRY_COMPARE(status.Now().link, u"Retrying in 20 s"_s); // in steps of ten seconds
 }
 
 void StationStatusTest::framesOfTheSatelliteAreCountedByDay() {
