@@ -19,8 +19,9 @@ The file: a line "run LATITUDE LONGITUDE START" (degrees, days since 1899-12-30 
 set, then a line per pass that begins and ends within the three days: rise, highest, set in seconds after the
 start, and the highest elevation in degrees.
 """
-import os
 import sys
+
+import golden
 
 try:
     import skyfield
@@ -30,15 +31,10 @@ except ImportError:
     print("python3-skyfield is not installed")
     sys.exit(77)
 
-HERE = os.path.dirname(os.path.abspath(__file__))
 DAYS = 3
 ORBITS = [(51.64, 208.9, 0.00067, 70.0, 25.0, 15.4956), (97.7, 30.0, 0.0012, 210.0, 100.0, 14.92)]
 STATIONS = [(-65, 12), (-33.9, 151.2), (0, 179.99), (47.4, 8.5), (65, -147.7)]
 EPOCHS = [(26320, 46342), (26045, 46067), (26136, 46158), (26227, 46249)]  # the four seasons
-
-
-def with_checksum(line):
-    return line + str(sum(int(c) if c.isdigit() else c == "-" for c in line) % 10)
 
 
 def text():
@@ -46,14 +42,8 @@ def text():
     out = [f"# python3-skyfield {skyfield.__version__}. Made by make_passes.py beside this file, where its form is described."]
     for k in range(10):
         latitude, longitude = STATIONS[k // 2]
-        inclination, node, e, perigee, anomaly, revs = ORBITS[k % 2]
         epoch, start = EPOCHS[k % 4]
-        lines = (
-            with_checksum(f"1 90417U 26001A   {epoch}.00000000  .00000000  00000-0  10000-3 0  999"),
-            with_checksum(
-                f"2 90417 {inclination:8.4f} {node:8.4f} {round(e * 1e7):07d} {perigee:8.4f} {anomaly:8.4f} {revs:11.8f}    1"
-            ),
-        )
+        lines = golden.element_lines(f"{epoch}.00000000", "10000-3", ORBITS[k % 2])
         satellite = EarthSatellite(*lines, "X", scale)
         begin = scale.utc(1899, 12, 30 + start)
         station = wgs84.latlon(latitude, longitude)
@@ -93,17 +83,5 @@ def agree(a, b):
     return all(abs(float(x) - float(y)) <= limit for x, y, limit in zip(one, two, [0.002, 0.05, 0.002, 0.055]))
 
 
-def main():
-    path = os.path.join(HERE, "passes.txt")
-    if "--compare" not in sys.argv:
-        open(path, "w").write(text())
-        return 0
-    old, new = (t.splitlines()[1:] for t in (open(path).read(), text()))
-    different = [(a, b) for a, b in zip(old, new) if not agree(a, b)]
-    for a, b in different[:10]:
-        print(f"- {a}\n+ {b}")
-    return 1 if different or len(old) != len(new) else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(golden.main(__file__, text, agree))

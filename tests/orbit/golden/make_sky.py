@@ -16,8 +16,9 @@ The file: a line "run LATITUDE LONGITUDE START" (degrees, days since 1899-12-30 
 then per pass "pass RISE TOP SET ELEVATION" (seconds after the start, degrees) and nine lines "at SECONDS AZIMUTH
 ELEVATION" from its rise to its set.
 """
-import os
 import sys
+
+import golden
 
 try:
     import skyfield
@@ -26,7 +27,6 @@ except ImportError:
     print("python3-skyfield is not installed")
     sys.exit(77)
 
-HERE = os.path.dirname(os.path.abspath(__file__))
 DAYS = 2
 POINTS = 9
 # Low and polar, the space station, an eccentric one: inclination, node, eccentricity, perigee, anomaly, revolutions.
@@ -39,20 +39,11 @@ STATIONS = [(52, 11), (-33.9, 151.2), (78.2, 15.6), (0, 179.99)]
 EPOCH, START = "26320.00000000", 46343
 
 
-def with_checksum(line):
-    return line + str(sum(int(c) if c.isdigit() else c == "-" for c in line) % 10)
-
-
 def text():
     scale = load.timescale(delta_t=69.184)
     out = [f"# python3-skyfield {skyfield.__version__}. Made by make_sky.py beside this file, where its form is described."]
-    for inclination, node, e, perigee, anomaly, revs in ORBITS:
-        lines = (
-            with_checksum(f"1 90417U 26001A   {EPOCH}  .00000000  00000-0  10000-4 0  999"),
-            with_checksum(
-                f"2 90417 {inclination:8.4f} {node:8.4f} {round(e * 1e7):07d} {perigee:8.4f} {anomaly:8.4f} {revs:11.8f}    1"
-            ),
-        )
+    for orbit in ORBITS:
+        lines = golden.element_lines(EPOCH, "10000-4", orbit)
         satellite = EarthSatellite(*lines, "X", scale)
         begin = scale.utc(1899, 12, 30 + START)
         for latitude, longitude in STATIONS:
@@ -91,17 +82,5 @@ def agree(a, b):
     return all(abs(float(x) - float(y)) <= 0.2 for x, y in zip(one[1:], two[1:]))
 
 
-def main():
-    path = os.path.join(HERE, "sky.txt")
-    if "--compare" not in sys.argv:
-        open(path, "w").write(text())
-        return 0
-    old, new = (t.splitlines()[1:] for t in (open(path).read(), text()))
-    different = [(a, b) for a, b in zip(old, new) if not agree(a, b)]
-    for a, b in different[:10]:
-        print(f"- {a}\n+ {b}")
-    return 1 if different or len(old) != len(new) else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(golden.main(__file__, text, agree))

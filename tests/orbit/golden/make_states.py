@@ -17,6 +17,8 @@ import os
 import random
 import sys
 
+import golden
+
 try:
     import sgp4
     from sgp4.api import Satrec
@@ -25,7 +27,6 @@ except ImportError:
     print("python3-sgp4 is not installed")
     sys.exit(77)
 
-HERE = os.path.dirname(os.path.abspath(__file__))
 DAY = 1440.0
 
 
@@ -131,17 +132,5 @@ def numbers_agree(a, b):
     return all(abs(float(x) - float(y)) <= limit for x, y, limit in zip(one, two, limits))
 
 
-def main():
-    path = os.path.join(HERE, "states.txt")
-    if "--compare" not in sys.argv:
-        open(path, "w").write(text())
-        return 0
-    old, new = (t.splitlines()[1:] for t in (open(path).read(), text()))
-    different = [(a, b) for a, b in zip(old, new) if not numbers_agree(a, b)]
-    for a, b in different[:10]:
-        print(f"- {a}\n+ {b}")
-    return 1 if different or len(old) != len(new) else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(golden.main(__file__, text, numbers_agree))

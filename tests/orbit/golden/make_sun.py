@@ -21,9 +21,10 @@ and by satellites around the edges of the earth's shadow,
 km in the frame that turns with the earth; 0 sunlit, 1 penumbra, 2 umbra; km to the nearer edge. The shadow is made of
 the two cones that touch the spheres of sun and earth, with their vertices; distances are taken from its axis.
 """
-import os
 import random
 import sys
+
+import golden
 
 try:
     import astropy
@@ -39,7 +40,6 @@ except ImportError:
 iers.conf.auto_download = False
 iers.conf.iers_degraded_accuracy = "ignore"
 
-HERE = os.path.dirname(os.path.abspath(__file__))
 EARTH, SUN = 6378.137, 696000.0
 START = Time("2026-01-01T00:00:00", scale="utc")
 ZERO = 2415018.5
@@ -109,17 +109,5 @@ def agree(a, b):
     )
 
 
-def main():
-    path = os.path.join(HERE, "sun.txt")
-    if "--compare" not in sys.argv:
-        open(path, "w").write(text())
-        return 0
-    old, new = (t.splitlines()[1:] for t in (open(path).read(), text()))
-    different = [(a, b) for a, b in zip(old, new) if not agree(a, b)]
-    for a, b in different[:10]:
-        print(f"- {a}\n+ {b}")
-    return 1 if different or len(old) != len(new) else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(golden.main(__file__, text, agree))
