@@ -38,10 +38,11 @@ class CommandTest(unittest.TestCase):
         self.environment = {"LC_ALL": "C.UTF-8", "TZ": "UTC", "PATH": os.environ["PATH"], "HOME": str(self.scratch)}
 
     def start(self, *words, **options):
-        """A process; the folder is named unless `words` do."""
+        """A process; the folder is named unless `words` do. `prefix`: what runs the command."""
         folder = [] if "--folder" in words else ["--folder", self.folder]
         environment = self.environment | options.pop("environment", {})
-        return subprocess.Popen([str(word) for word in (PROGRAM, *folder, *words)], env=environment,
+        prefix = options.pop("prefix", ())
+        return subprocess.Popen([str(word) for word in (*prefix, PROGRAM, *folder, *words)], env=environment,
                                 stdin=options.pop("stdin", subprocess.DEVNULL), **options)
 
     def call(self, *words, code=0, typed=None, **options):

@@ -4,7 +4,6 @@
 import json
 import re
 import signal
-import ssl
 import subprocess
 import sys
 import unittest
@@ -14,6 +13,7 @@ from command import NAME, ROOT, CommandTest, records, rows
 sys.path += [str(ROOT / "tools"), str(ROOT / "tests/e2e")]
 
 import calibration  # noqa: E402
+import certificates  # noqa: E402
 import kiss  # noqa: E402
 import rig  # noqa: E402
 import sids  # noqa: E402
@@ -44,11 +44,11 @@ class ForwardingTest(CommandTest):
     def switch_on(self):
         self.set({("FORWARD", "USE"): "TRUE"})
 
-    def listen(self):
+    def listen(self, **options):
         """A running station, connected to the TNC."""
         before = self.tnc.connected()
         with open(self.scratch / "output", "ab") as output, open(self.scratch / "errors", "ab") as errors:
-            process = self.start("listen", "--format", "json", stdout=output, stderr=errors)
+            process = self.start("listen", "--format", "json", stdout=output, stderr=errors, **options)
         self.addCleanup(rig.end, process)
         rig.wait_for(lambda: self.tnc.connected() > before, "the station is connected", alive=process)
         return process
@@ -155,17 +155,48 @@ class Forwarding(ForwardingTest):
                      alive=process)
         self.end(process)
 
-    def test_a_server_that_cannot_prove_who_it_is_gets_nothing(self):
-        key, certificate = self.scratch / "key.pem", self.scratch / "certificate.pem"
-        subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj", "/CN=wrong",
-                        "-addext", "subjectAltName=IP:127.0.0.1", "-keyout", key, "-out", certificate], check=True,
-                       capture_output=True)
-        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
-        context.load_cert_chain(certificate, key)
-        wrong = sids.SidsServer(context)
-        self.addCleanup(wrong.stop)
+    def https(self, authority, **of_certificate):
+        """A server by https, to which frames are sent from now on."""
+        server = sids.SidsServer(authority.context(**of_certificate))
+        self.addCleanup(server.stop)
+        self.set({("FORWARD", "URL"): server.url, ("FORWARD", "TOKEN"): "secret"})
+        return server
+
+    def test_a_server_that_proves_who_it_is_gets_frames_and_token_by_https(self):
+        authority = certificates.Authority(self.scratch / "authority")
+        trusting = authority.trusting()
         self.switch_on()
-        self.set({("FORWARD", "URL"): wrong.url, ("FORWARD", "TOKEN"): "secret"})
+        server = self.https(authority)
+        process = self.listen(prefix=trusting)
+        self.tnc.send(telemetry(1))
+        rig.wait_for(lambda: server.taken, "the frame is at the server", alive=process)
+        self.end(process)
+        self.assertEqual(sids.frame(server.taken[0]), telemetry(1))
+        self.assertEqual(server.headers[0]["Authorization"], "Token secret")
+        self.assertEqual(self.statuses(), [])
+
+    def test_a_server_with_the_wrong_name_or_an_old_certificate_gets_nothing(self):
+        authority = certificates.Authority(self.scratch / "authority")
+        trusting = authority.trusting()
+        self.switch_on()
+        recording = self.scratch / "pass.kiss"
+        recording.write_bytes(kiss.recorded(FIRST, telemetry(1)))
+        self.call("forward", "queue", recording)
+        for certificate, reason in (({"address": "DNS:elsewhere.example"}, "host name did not match"),
+                                    ({"address": "IP:127.0.0.2"}, "host name did not match"),
+                                    ({"days": -1}, "expired")):
+            with self.subTest(certificate):
+                server = self.https(authority, **certificate)
+                (self.scratch / "output").unlink(missing_ok=True)
+                process = self.listen(prefix=trusting)
+                rig.wait_for(self.statuses, "a status line", alive=process)
+                self.assertRegex(self.statuses()[0], f"^127.0.0.1 cannot take frames now: .*{reason}")
+                self.end(process)
+                self.assertEqual(server.bodies, [])
+
+    def test_a_server_for_whom_nobody_vouches_gets_nothing(self):
+        wrong = self.https(certificates.Authority(self.scratch / "authority"))
+        self.switch_on()
         process = self.listen()
         self.tnc.send(telemetry(1))
         rig.wait_for(self.statuses, "a status line", alive=process)
