@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What is installed: the portable archive, the Debian package, and the files that tell a desktop about the program."""
+"""What is installed: the portable archive, the Debian packages, and the files that tell a desktop about the program."""
 
 import os
 import pathlib
@@ -7,26 +7,14 @@ import re
 import shutil
 import subprocess
 import sys
-import tempfile
 import unittest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-sys.path[:0] = [str(ROOT / "tools"), str(ROOT / "tests/cli")]
+from packages import BUILD, ROOT, VERSION, PackagesTest, call
 
-import kiss  # noqa: E402
+sys.path.insert(0, str(ROOT / "tools"))
+
 import rig  # noqa: E402
-import sids  # noqa: E402
-
-BUILD = pathlib.Path(os.environ["QIRAN_BUILD"])
-VERSION = os.environ["QIRAN_VERSION"]
-
-
-def call(*command, **options):
-    done = subprocess.run([str(word) for word in command], capture_output=True, text=True, stdin=subprocess.DEVNULL,
-                          timeout=120, **options)
-    if done.returncode != 0:
-        raise AssertionError(f"{command} ended with {done.returncode}:\n{done.stdout}{done.stderr}")
-    return done.stdout
+from serviceTest import Service  # noqa: E402,F401
 
 
 def needed_packages(depends):
@@ -51,29 +39,7 @@ def files_of(folder):
     return {str(path.relative_to(folder)) for path in folder.rglob("*") if not path.is_dir() or path.is_symlink()}
 
 
-class Packages(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.made = tempfile.TemporaryDirectory(prefix="qiran packages ")
-        cls.out = pathlib.Path(cls.made.name)
-        call("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", cls.out)
-        cls.archive = next(cls.out.glob("*.tar.gz"))
-        cls.debian = next(cls.out.glob("qirandecode_*.deb"))
-        cls.commands = next(cls.out.glob("qirandecode-cli_*.deb"))
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.made.cleanup()
-
-    def setUp(self):
-        scratch = tempfile.TemporaryDirectory(prefix="qiran home ")
-        self.addCleanup(scratch.cleanup)
-        self.scratch = pathlib.Path(scratch.name)
-        self.home = self.scratch / "home"
-        self.home.mkdir()
-        self.environment = {"HOME": str(self.home), "PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8",
-                            "QT_QPA_PLATFORM": "offscreen", "XDG_RUNTIME_DIR": str(self.scratch)}
-
+class Packages(PackagesTest):
     def run_report(self, program, *options, **environment):
         """Lets the program start, show its windows and end; answers what it reported."""
         pictures = self.scratch / "pictures"
@@ -84,30 +50,6 @@ class Packages(unittest.TestCase):
         report = rig.Report(text)
         self.assertEqual(set(report.grids), {"gTlm0", "gTlm1", "gTlm2"})
         return report
-
-    def install(self):
-        """The packages put into a root of their own, with the package manager's own records."""
-        root = self.scratch / "root"
-        (root / "var/lib/dpkg/info").mkdir(parents=True)
-        (root / "etc").mkdir()
-        (root / "var/lib/dpkg/updates").mkdir()
-        (root / "var/lib/dpkg/status").touch()
-        (root / "var/lib/dpkg/available").touch()
-        self.dpkg(root, "--install", self.commands, self.debian)
-        return root
-
-    def install_without_blanks(self):
-        """The same where no name of a folder has a blank, which the words of a unit would not survive."""
-        plain = tempfile.TemporaryDirectory(prefix="qiran-root-")
-        self.addCleanup(plain.cleanup)
-        self.scratch = pathlib.Path(plain.name)
-        return self.install()
-
-    @staticmethod
-    def dpkg(root, *action):
-        call(*([] if os.geteuid() == 0 else ["fakeroot"]), "dpkg", f"--root={root}", "--force-not-root",
-             "--force-depends", "--force-bad-path", "--force-script-chrootless", "--log=/dev/null", *action,
-             env=os.environ | {"LC_ALL": "C.UTF-8"})
 
     # The portable archive
 
@@ -257,55 +199,6 @@ class Packages(unittest.TestCase):
         self.assertEqual([line for line in faults if "qirandecode@localhost" not in line], [], done.stderr)
         for package in self.out.glob("*.deb"):
             self.assertNotIn("&", call("dpkg-deb", "--field", package, "Description"))
-
-    # The service
-
-    def test_the_service_has_a_user_and_a_folder_of_its_own(self):
-        root = self.install()
-        user = next(line.split(":") for line in (root / "etc/passwd").read_text().splitlines()
-                    if line.startswith("qirandecode:"))
-        self.assertEqual(user[5:], ["/var/lib/qirandecode", "/usr/sbin/nologin"])
-        self.assertLess(int(user[2]), 1000)
-        folder = (root / "var/lib/qirandecode").stat()
-        self.assertEqual(folder.st_mode & 0o777, 0o700)
-        if os.geteuid() == 0:
-            self.assertEqual((folder.st_uid, folder.st_gid), (int(user[2]), int(user[3])))
-
-    def unit(self, root):
-        """The service's unit, as if the root were the machine's."""
-        text = (root / "usr/lib/systemd/system/qirandecode-listen.service").read_text()
-        place = self.scratch / "qirandecode-listen.service"
-        place.write_text(re.sub("(?<=[= ])(/usr/bin|/var/lib)/", rf"{root}\1/", text))
-        return place
-
-    def test_the_services_unit_is_valid_and_leaves_little_to_who_breaks_in(self):
-        unit = self.unit(self.install_without_blanks())
-        self.assertEqual(call("systemd-analyze", "verify", "--man=no", unit), "")
-        told = call("systemd-analyze", "security", "--offline=true", "--no-pager", unit)
-        exposure = re.search(r"Overall exposure level for \S+: ([\d.]+)", told)
-        self.assertLessEqual(float(exposure.group(1)), 2.5, told)
-
-    def test_the_services_command_line_keeps_and_sends_on_what_is_heard(self):
-        root = self.install_without_blanks()
-        folder = root / "var/lib/qirandecode"
-        command = re.search("^ExecStart=(.*)$", self.unit(root).read_text(), re.MULTILINE).group(1).split()
-        self.assertIn("--fetch-keps", command)
-        shutil.copy(root / "usr/share/qirandecode/formula.example.txt", folder / "formula.txt")
-        tnc, server = kiss.Tnc(), sids.SidsServer()
-        self.addCleanup(tnc.stop)
-        self.addCleanup(server.stop)
-        rig.write_settings(folder / rig.SETTINGS_FILE, {
-            ("SETUP", "CALLSIGN"): "N0CALL", ("SETUP", "LATITUDE"): "5130.00N", ("SETUP", "LONGITUDE"): "00007.50W",
-            ("KEPS", "FILE_1"): "127.0.0.1:9/none.txt", ("KISS", "USE"): "TRUE", ("KISS", "HOST_ADDRESS"): "127.0.0.1",
-            ("KISS", "HOST_PORT"): str(tnc.port), ("FORWARD", "USE"): "TRUE", ("FORWARD", "URL"): server.url})
-        frame = kiss.ax25("QIRAN-3", "APRS", b"T#024,150,147,80,170,0,0,00111111,0")
-        with rig.running(command, env={"PATH": os.environ["PATH"]}, cwd="/", stderr=subprocess.DEVNULL) as process:
-            rig.wait_for(tnc.connected, "it is connected", alive=process)
-            tnc.send(frame)
-            rig.wait_for(lambda: server.taken, "the frame is at the server", alive=process)
-        self.assertEqual(process.returncode, 0)
-        self.assertEqual(sids.frame(server.taken[0]), frame)
-        self.assertIn(",QIRAN-3,B,T#024,", (folder / "tlm.txt").read_text())
 
     # What the desktop is told
 
