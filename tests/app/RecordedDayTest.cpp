@@ -34,8 +34,13 @@ QByteArray TelemetryLine(Numbers& numbers, int sequence) {
     QByteArray type = "00000000";
     type[2] = static_cast<char>('0' + numbers.Below(10) / 4); // a 2 now and then: no frame type
     type[3] = static_cast<char>('0' + numbers.Below(2));
-    return "T#" + QByteArray::number(sequence).rightJustified(3, '0') + ',' + raw() + ',' + raw() + ".5," +
-           raw() + ",-" + raw() + ",0,0," + type + ",0";
+    // Drawn from the last to the first, as they were when the day was recorded.
+    const QByteArray fourth = raw();
+    const QByteArray third = raw();
+    const QByteArray second = raw();
+    const QByteArray first = raw();
+    return "T#" + QByteArray::number(sequence).rightJustified(3, '0') + ',' + first + ',' + second + ".5," +
+           third + ",-" + fourth + ",0,0," + type + ",0";
 }
 
 QByteArray Information(Numbers& numbers, int sequence) {
@@ -161,6 +166,7 @@ QWidget* Terminal() {
 }
 
 void Snapshot(const MainWindowRig& rig, const QByteArray& when, Recording& recording) {
+    QCoreApplication::processEvents(); // panes and grids follow what is logged
     recording.Add(when + ": monitor", rig.Monitor());
     recording.Add(when + ": terminal",
                   Terminal()->findChild<QWidget*>(u"rtbMon"_s)->property("plainText").toString());
@@ -236,7 +242,6 @@ void RecordedDayTest::everyByteShownLoggedAndStoredIsTheSame() {
     const qsizetype before = BytesLogged(rig);
     rig.engine.DropConnections();
     QTRY_VERIFY(BytesLogged(rig) > before);
-    QCoreApplication::processEvents();
     Snapshot(rig, "end", recording);
     rig.window->close();
     rig.window.reset();

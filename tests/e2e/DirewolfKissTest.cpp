@@ -43,7 +43,7 @@ private:
     };
 
     DirewolfRig m_engine;
-    const Clock m_clock;
+    const Clock m_clock{};
     std::unique_ptr<KissLink> m_link;
     std::unique_ptr<MERAGW> m_client;
     std::unique_ptr<ClientEvents> m_seen;

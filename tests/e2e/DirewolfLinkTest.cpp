@@ -28,7 +28,7 @@ private:
     TemporaryProgramFolder m_folder;
     clsIni m_ini{m_folder.IniFile()};
     AgwSettings m_settings{m_ini};
-    const Clock m_clock;
+    const Clock m_clock{};
     std::unique_ptr<AgwLink> m_link;
     std::unique_ptr<ClientEvents> m_seen;
     QStringList m_lines;

@@ -69,7 +69,7 @@ void FolderLockTest::theLocksOfAFolderAreIndependent() {
     const TemporaryProgramFolder folder;
     QVERIFY(QDir().mkdir(folder.Program().KepsFolder()));
     SetMode(folder, 0755);
-    for (const mode_t mode : {0755, 0555}) {
+    for (const mode_t mode : {0755u, 0555u}) {
         SetMode(folder, mode);
         const OrdinaryUser user;
         FolderLock program = Lock(folder);
@@ -197,7 +197,7 @@ void FolderLockTest::whoMayWriteHoldsOffWhoMayOnlyRead() {
     const TemporaryProgramFolder folder;
     FolderLock writer = Lock(folder);
     QVERIFY(writer.TryLock());
-    for (const mode_t ofFile : {0600, 0644}) {
+    for (const mode_t ofFile : {0600u, 0644u}) {
         QCOMPARE(chmod(qPrintable(folder.File(QStringLiteral("QiranDecode.lock"))), ofFile), 0);
         SetMode(folder, 0555);
         const OrdinaryUser user;

@@ -32,10 +32,10 @@ const QByteArray lines = "SAPPHIRE\n"
 const QByteArray header =
     "OBJECT_NAME,NORAD_CAT_ID,EPOCH,MEAN_MOTION,ECCENTRICITY,INCLINATION,RA_OF_ASC_NODE,"
     "ARG_OF_PERICENTER,MEAN_ANOMALY,BSTAR,EPHEMERIS_TYPE\n";
-const QByteArray row =
+const QByteArray csvRow =
     "SAPPHIRE,90417,2026-11-21T12:00:00.000000,14.59560532,.0006317,97.6,208.9163,69.9862,25.2906,"
     ".1E-4,0\n";
-const QByteArray rowOfAnotherTheory = QByteArray(row).replace(",0\n", ",4\n");
+const QByteArray rowOfAnotherTheory = QByteArray(csvRow).replace(",0\n", ",4\n");
 const QByteArray object =
     R"({"OBJECT_NAME":"SAPPHIRE","NORAD_CAT_ID":90417,"EPOCH":"2026-11-21T12:00:00.000000","MEAN_MOTION":14.5956,)"
     R"("ECCENTRICITY":0.0006317,"INCLINATION":97.6,"RA_OF_ASC_NODE":208.9163,"ARG_OF_PERICENTER":69.9862,)"
@@ -73,13 +73,13 @@ void DownloadAnswersTest::AnswersAreTakenOrLeaveTheOldFile_data() {
     const QByteArray nothingNew =
         "GP data has not updated since your last successful download of GROUP=amateur.";
     row("two lines", S::Http("200 OK", lines), Outcome::Stored);
-    row("CSV", S::Http("200 OK", header + ::row), Outcome::Stored);
+    row("CSV", S::Http("200 OK", header + csvRow), Outcome::Stored);
     row("JSON, a list", S::Http("200 OK", '[' + object + ',' + object + ']'), Outcome::Stored);
     row("JSON, an object", S::Http("200 OK", object), Outcome::Stored);
     row("XML", S::Http("200 OK", InNdm(message)), Outcome::Stored);
-    row("packed", S::Http("200 OK", GzipFile(header + ::row, 6), "Content-Encoding: gzip\r\n"),
+    row("packed", S::Http("200 OK", GzipFile(header + csvRow, 6), "Content-Encoding: gzip\r\n"),
         Outcome::Stored);
-    row("CSV with one damaged line", S::Http("200 OK", header + ::row + "torn\n" + ::row), Outcome::Stored);
+    row("CSV with one damaged line", S::Http("200 OK", header + csvRow + "torn\n" + csvRow), Outcome::Stored);
     row("two lines, unmeasured", Unmeasured(lines), Outcome::Stored);
     row("some other text", S::Http("200 OK", QByteArray(100, 'x')),
         Outcome::Stored); // the user's own business
@@ -116,11 +116,11 @@ void DownloadAnswersTest::AnswersAreTakenOrLeaveTheOldFile_data() {
     row("a header alone", S::Http("200 OK", header), Outcome::Failed, u"The file holds no elements"_s);
     row("another theory", S::Http("200 OK", header + rowOfAnotherTheory), Outcome::Failed,
         u"EPHEMERIS_TYPE: elements of another theory"_s);
-    row("cut, measured", S::Http("200 OK", header + ::row).chopped(20), Outcome::Failed);
+    row("cut, measured", S::Http("200 OK", header + csvRow).chopped(20), Outcome::Failed);
     const QString isCut = u"The file is cut"_s;
     row("cut within line 1", Unmeasured(lines + lines.left(60)), Outcome::Failed, isCut);
     row("cut within line 2", Unmeasured(lines + lines.chopped(20)), Outcome::Failed, isCut);
-    row("cut CSV", Unmeasured(header + ::row + ::row.chopped(10)), Outcome::Failed, isCut);
+    row("cut CSV", Unmeasured(header + csvRow + csvRow.chopped(10)), Outcome::Failed, isCut);
     row("cut JSON", Unmeasured('[' + object + ',' + object.chopped(10)), Outcome::Failed, isCut);
     row("cut JSON between objects", Unmeasured('[' + object + ','), Outcome::Failed, isCut);
     row("cut XML", Unmeasured(InNdm(message + message).chopped(30)), Outcome::Failed, isCut);

@@ -132,11 +132,11 @@ TEST(ElementsTest, DamagedSetsSayWhatIsWrongInWhichColumn) {
     EXPECT_EQ(WhyNot(line1.substr(0, 68) + "x", line2), "line 1, column 69: the checksum is no digit");
     EXPECT_EQ(WhyNot(line1.substr(0, 68), line2), "line 1, column 69: the line is too short");
     EXPECT_EQ(WhyNot(line1, line2 + "1"), "line 2, column 70: the line is too long");
-    for (const std::size_t column : {2, 9, 18, 33, 44, 53, 62, 64})
+    for (const std::size_t column : {2u, 9u, 18u, 33u, 44u, 53u, 62u, 64u})
         EXPECT_EQ(WhyNot(With(line1, column, "5"), line2),
                   "line 1, column " + std::to_string(column) +
                       ": the column between two fields is not blank");
-    for (const std::size_t column : {2, 8, 17, 26, 34, 43, 52})
+    for (const std::size_t column : {2u, 8u, 17u, 26u, 34u, 43u, 52u})
         EXPECT_EQ(WhyNot(line1, With(line2, column, "5")),
                   "line 2, column " + std::to_string(column) +
                       ": the column between two fields is not blank");
