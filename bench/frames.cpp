@@ -50,7 +50,8 @@ namespace {
 constexpr std::size_t headerLength = 36;
 constexpr double mostWithoutWidgets = 10.0; // times the bare loop's cost a frame
 constexpr double mostWithWidgets = 60.0;
-constexpr double mostOfRawFrames = 20.0;           // they are taken apart, and their text is made
+constexpr double mostOfRawFrames = 18.0; // every frame comes twice, and one form waits for the other
+constexpr double mostOverKiss = 12.0;    // they are taken apart, and their text is made
 constexpr double paceWithoutWidgets = 1'000'000.0; // frames a second
 constexpr double paceOfRawFrames = 200'000.0;
 constexpr double paceWithWidgets = 50'000.0;
@@ -389,7 +390,7 @@ int main(int argc, char** argv) {
         {"with widgets, only QIRAN shown", mostWithWidgets, paceWithWidgets, {}},
         {"with widgets, every frame shown", mostWithWidgets, paceWithWidgets, {}},
         {"without widgets, raw frames too", mostOfRawFrames, paceOfRawFrames, {}},
-        {"without widgets, over KISS", mostOfRawFrames, paceOfRawFrames, {}},
+        {"without widgets, over KISS", mostOverKiss, paceOfRawFrames, {}},
     }};
     for (int turn = 0; turn < 3; ++turn) {
         KeepBest(bare, BareLoop(stream, frames));

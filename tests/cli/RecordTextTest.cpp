@@ -1,6 +1,9 @@
+#include "cli/commands/FrameRecords.h"
 #include "cli/output/RecordWriter.h"
 #include "cli/output/Records.h"
 #include "orbit/service/PassRecords.h"
+#include "telemetry/frames/Ax25Frame.h"
+#include "telemetry/frames/HeardFrame.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -20,6 +23,7 @@ private Q_SLOTS:
     void numbersHaveTheirDecimalsAndAPointInEveryLocale();
     void aListIsAnArrayInJsonAndOneCellInCsv();
     void namesOfFieldsAreTheContract();
+    void aFrameWithoutItsEnginesTextIsToldByItsBytes();
 };
 
 namespace {
@@ -126,6 +130,22 @@ void RecordTextTest::namesOfFieldsAreTheContract() {
                         "range_rate_km_s,doppler_hz,due"));
     QCOMPARE(Names(Records::elements), QByteArray("file,format,number,name,epoch,age_days"));
     QCOMPARE(Names(Records::setting), QByteArray("section,key,value,default"));
+}
+
+void RecordTextTest::aFrameWithoutItsEnginesTextIsToldByItsBytes() {
+    const std::string raw =
+        Ax25Frame{.destination = {"CQ"}, .source = {"A1"}, .information = "hello"}.ToBytes().value();
+    HeardFrame frame{.source = "A1", .destination = "CQ"};
+    frame.raw = {raw.data(), static_cast<qsizetype>(raw.size())};
+    QCOMPARE(RecordText::Json(Records::frame, RecordOf(frame)),
+             QByteArray(R"({"type":"frame","port":1,"kind":"U","source":"A1","destination":"CQ",)"
+                        R"("text":"hello","hex":"68656C6C6F"})"));
+    // What its engine shows of it stays the text.
+    frame.engineText = " 1:Fm A1 To CQ <UI >\rhell\r";
+    frame.information = "hell";
+    QCOMPARE(RecordText::Json(Records::frame, RecordOf(frame)),
+             QByteArray(R"({"type":"frame","port":1,"kind":"U","source":"A1","destination":"CQ",)"
+                        R"("text":"hell","hex":"68656C6C6F"})"));
 }
 
 QTEST_GUILESS_MAIN(RecordTextTest)

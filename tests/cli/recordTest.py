@@ -32,7 +32,7 @@ class KissTest(StationTest):
         return process
 
     def frames_until(self, process, text):
-        return self.until(process, lambda one: one["type"] == "frame" and one["text"].startswith(text))
+        return self.until(process, lambda one: one["type"] == "frame" and one.get("text", "").startswith(text))
 
 
 class Kiss(KissTest):
@@ -45,6 +45,22 @@ class Kiss(KissTest):
         self.assertEqual(read[-1]["hex"], "610062")
         self.end(process)
         self.assertNotIn(b"KISS", self.settings.read_bytes())
+
+    def test_bytes_that_are_no_frame_have_neither_callsigns_nor_a_text(self):
+        process = self.listen_to_tnc()
+        self.tnc.send(b"\x82\xa0\xff\0", kiss.ax25("N0CALL", "CQ", b""), kiss.ax25("N0CALL", "CQ", b"last"))
+        read = [{key: value for key, value in one.items() if key != "utc"} for one in self.frames_until(process, "last")]
+        self.end(process)
+        self.assertEqual(read[0], {"type": "frame", "port": 1, "kind": "U"})
+        self.assertEqual((read[1]["text"], read[1]["hex"]), ("", ""))
+
+    def test_people_are_told_bytes_that_are_no_frame(self):
+        process = self.listen("--kiss", f"127.0.0.1:{self.tnc.port}")
+        rig.wait_for(self.tnc.connected, "the TNC has the station", alive=process)
+        self.tnc.send(b"\x82\xa0\xff\0")
+        process.stdout.readline()  # connected
+        self.assertTrue(process.stdout.readline().endswith(b"Z  1:Not an AX.25 frame, 4 bytes 82 A0 FF 00\n"))
+        self.end(process)
 
     def test_the_settings_choose_too(self):
         tnc = kiss.Tnc()

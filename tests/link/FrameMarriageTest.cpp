@@ -74,6 +74,7 @@ private Q_SLOTS:
     void theMemoryIsBounded();
     void theEndHandsOnWhatWaits();
     void aSinkMayBringTheNextFrame();
+    void aFrameIsKeptBeforeASinkTakesItsPlace();
 
 private:
     std::vector<OwnedFrame> m_handed;
@@ -260,6 +261,25 @@ void FrameMarriageTest::aSinkMayBringTheNextFrame() {
     marriage.AddRaw(first.Raw(), 0);
     marriage.AddMonitored(first.Monitored(), 0);
     QCOMPARE(heard, (QByteArrayList{"", second.Raw().raw.toByteArray(), first.Raw().raw.toByteArray()}));
+}
+
+void FrameMarriageTest::aFrameIsKeptBeforeASinkTakesItsPlace() {
+    // The reader's frames hold until its next one, which may come while one that waited long enough is handed
+    // on.
+    const Told first("XQ9ZZ-1", "one");
+    const Told second("XQ9ZZ-1", "two");
+    QByteArray place = second.Raw().raw.toByteArray();
+    QByteArrayList heard;
+    FrameMarriage marriage([&](const HeardFrame& frame) {
+        heard.append(frame.raw.toByteArray());
+        place.fill('x');
+    });
+    marriage.AddRaw(first.Raw(), 0);
+    HeardFrame frame = second.Raw();
+    frame.raw = place;
+    marriage.AddRaw(frame, FrameMarriage::patience);
+    marriage.AddMonitored(second.Monitored(), FrameMarriage::patience);
+    QCOMPARE(heard, (QByteArrayList{first.Raw().raw.toByteArray(), second.Raw().raw.toByteArray()}));
 }
 
 QTEST_GUILESS_MAIN(FrameMarriageTest)

@@ -293,12 +293,13 @@ void KissLinkTest::whatIsHeardIsHandedOn() {
     QCOMPARE(frame.information, QByteArray("T#001"));
     QCOMPARE(frame.text, heardText);
     QCOMPARE(frame.raw, Raw("T#001"));
-    // The time in the text is local, as an engine's own.
+    // The time in the text is local, as an engine's own; the zone is asked for once a second.
     m_clock.SetOffsetHours(2.0);
+    m_clock.Advance(1.0);
     m_tnc->Send(Kiss(Raw("T#001")));
     QTRY_COMPARE(m_heard.size(), 2);
-    QVERIFY(m_heard[1].text.contains("[14:00:00]"));
-    QCOMPARE(m_heard[1].utc, frame.utc);
+    QVERIFY(m_heard[1].text.contains("[14:00:01]"));
+    QCOMPARE(m_heard[1].utc, frame.utc + 1000);
 }
 
 void KissLinkTest::theRadioPortIsToldFromOne() {

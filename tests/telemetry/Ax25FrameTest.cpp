@@ -36,6 +36,20 @@ TEST(Ax25Frame, whatIsReadIsWrittenAsItWas) {
     EXPECT_EQ(Ax25Frame::FromBytes(heard)->ToBytes(), heard);
 }
 
+TEST(Ax25Frame, nothingOfAFrameIsLeftForTheNext) {
+    Ax25Frame frame;
+    ASSERT_TRUE(frame.Read(twoAddresses + '\x03' + '\xcf' + "x"));
+    EXPECT_EQ(frame.pid, 0xCF);
+    ASSERT_FALSE(frame.Read(heard.substr(0, 20)));
+    ASSERT_TRUE(frame.Read(heard));
+    EXPECT_EQ(frame.digipeaters.size(), 2U);
+    ASSERT_TRUE(frame.Read(twoAddresses + '\x3f'));
+    EXPECT_EQ(frame.source, (Ax25Address{"XQ9ZZ"}));
+    EXPECT_TRUE(frame.digipeaters.empty());
+    EXPECT_EQ(frame.pid, Ax25Frame::noLayer3);
+    EXPECT_EQ(frame.information, "");
+}
+
 TEST(Ax25Frame, everySsidIsReadAndWritten) {
     for (unsigned ssid = 0; ssid < 16; ++ssid) {
         const std::string callsign = ssid == 0 ? "A1"s : "A1-" + std::to_string(ssid);

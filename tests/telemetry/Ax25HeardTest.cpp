@@ -40,6 +40,7 @@ private Q_SLOTS:
     void bytesThatAreNoFrameAreShownAndNotDecoded();
     void aLongBadFrameIsShownShortened();
     void nothingOfAFrameIsLeftForTheNext();
+    void aTextIsMadeWhereItIsNeededOnly();
 };
 
 void Ax25HeardTest::aFrameIsAHeardFrame() {
@@ -167,6 +168,18 @@ void Ax25HeardTest::nothingOfAFrameIsLeftForTheNext() {
     heard.Read(Raw("A1", "CQ", Ax25Frame::ui, "x", {{"D1", true}}), arrival);
     QCOMPARE(heard.Read(Raw("A2", "CQ", Ax25Frame::ui, "y"), arrival).path, "");
     QCOMPARE(heard.Read("nothing", arrival).source, "");
+}
+
+void Ax25HeardTest::aTextIsMadeWhereItIsNeededOnly() {
+    Ax25Heard heard;
+    heard.Read(Raw("A1", "CQ", Ax25Frame::ui, "x"), arrival);
+    Ax25Heard::Arrival unshown = arrival;
+    unshown.needsText = false;
+    const QByteArray raw = Raw("A2", "CQ", Ax25Frame::ui, "y");
+    QCOMPARE(heard.Read(raw, unshown).source, "A2");
+    QCOMPARE(heard.Read(raw, unshown).information, "y");
+    QVERIFY(heard.Read(raw, unshown).engineText.isEmpty());
+    QVERIFY(heard.Read("nothing", unshown).engineText.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(Ax25HeardTest)

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr qsizetype longestLine = 300;
+
 FieldValue TimeOf(qint64 utc) {
     return utc == 0 ? FieldValue() : FieldValue(utc);
 }
@@ -22,15 +24,13 @@ FieldValue PathOf(QByteArrayView path) {
 }
 
 // All of the information, where anybody tells it.
-FieldValue HexOf(const HeardFrame& frame) {
-    QByteArrayView complete = frame.information;
-    if (!frame.isComplete) {
-        const std::optional<Ax25Frame> raw = Ax25Frame::FromBytes(ToView(frame.raw));
-        if (!raw)
-            return {};
-        complete = {raw->information.data(), static_cast<qsizetype>(raw->information.size())};
-    }
-    return QString::fromLatin1(complete.toByteArray().toHex().toUpper());
+std::optional<QByteArrayView> CompleteInformation(const HeardFrame& frame) {
+    if (frame.isComplete)
+        return frame.information;
+    const std::optional<Ax25Frame> raw = Ax25Frame::FromBytes(ToView(frame.raw));
+    if (!raw)
+        return std::nullopt;
+    return QByteArrayView(raw->information.data(), static_cast<qsizetype>(raw->information.size()));
 }
 
 QString UnitOf(const Reading& reading, const LimitTable& channels) {
@@ -45,7 +45,10 @@ QString SideOf(int side) {
 } // namespace
 
 Record RecordOf(const HeardFrame& frame) {
-    const bool hasInformation = frame.kind != HeardFrame::Kind::S || !frame.information.isEmpty();
+    const std::optional<QByteArrayView> complete = CompleteInformation(frame);
+    // A frame of which its bytes alone came is not shown, but its text is no secret.
+    const QByteArrayView text = frame.engineText.isEmpty() && complete ? *complete : frame.information;
+    const bool hasText = !text.isEmpty() || (frame.kind != HeardFrame::Kind::S && !frame.source.isEmpty());
     return {TimeOf(frame.utc),
             qint64{frame.port},
             QString(QChar::fromLatin1(static_cast<char>(frame.kind))),
@@ -53,8 +56,9 @@ Record RecordOf(const HeardFrame& frame) {
             TextOf(frame.destination),
             PathOf(frame.path),
             frame.pid ? FieldValue(qint64{*frame.pid}) : FieldValue(),
-            hasInformation ? FieldValue(Text::FromBytes(frame.information)) : FieldValue(),
-            HexOf(frame)};
+            hasText ? FieldValue(Text::FromBytes(text)) : FieldValue(),
+            complete ? FieldValue(QString::fromLatin1(complete->toByteArray().toHex().toUpper()))
+                     : FieldValue()};
 }
 
 Record RecordOf(const Reading& reading, const LimitTable& channels) {
@@ -83,6 +87,8 @@ Record RecordOf(const LimitEvent& event) {
 }
 
 QString LineOf(const HeardFrame& frame) {
+    if (frame.source.isEmpty()) // bytes that are no AX.25 frame, or a header that nobody knows
+        return Text::OneLine(Text::FromBytes(frame.engineText), longestLine);
     const QString path = frame.path.isEmpty() ? QString() : u',' + Text::FromBytes(frame.path);
     return QStringLiteral("%1>%2%3: %4")
         .arg(Text::FromBytes(frame.source), Text::FromBytes(frame.destination), path,

@@ -4,7 +4,6 @@
 #include "foundation/text/Text.h"
 #include "link/agwpe/AgwHeard.h"
 #include "link/agwpe/AgwSettings.h"
-#include "telemetry/frames/Ax25Heard.h"
 #include "telemetry/monitor/DisplayKind.h"
 
 #include <algorithm>
@@ -93,8 +92,10 @@ void AgwLink::TellMonitored(const HeardFrame& frame) {
 }
 
 void AgwLink::HandleRawFrame(QByteArrayView raw, qint16 port) {
-    Ax25Heard reader;
-    m_marriage.AddRaw(reader.Read(raw, {.utc = m_clock.Milliseconds(), .port = port, .time = {}}), Now());
+    // Without a text: the monitored form has it.
+    const HeardFrame frame =
+        m_rawReader.Read(raw, {.utc = m_clock.Milliseconds(), .port = port, .time = {}, .needsText = false});
+    m_marriage.AddRaw(frame, Now());
     AwaitMonitored();
 }
 

@@ -3,6 +3,7 @@
 #include "link/PacketLink.h"
 #include "link/agwpe/FrameMarriage.h"
 #include "link/agwpe/MERAGW.h"
+#include "telemetry/frames/Ax25Heard.h"
 
 class AgwSettings;
 class Clock;
@@ -48,5 +49,6 @@ private:
     const Clock& m_clock;
     MERAGW m_client;
     FrameMarriage m_marriage;
+    Ax25Heard m_rawReader;
     QTimer m_timRaw; // until a raw frame has waited long enough
 };

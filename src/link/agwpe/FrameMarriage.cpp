@@ -1,6 +1,7 @@
 #include "link/agwpe/FrameMarriage.h"
 
 #include <algorithm>
+#include <ranges>
 #include <utility>
 
 namespace {
@@ -19,8 +20,8 @@ bool ShowsInformation(QByteArrayView shown, QByteArrayView information) {
 
 // Monitored text has lost the marks of digipeaters.
 bool HaveSamePath(QByteArrayView raw, QByteArrayView monitored) {
-    const auto unmarked = [](QByteArrayView path) { return path.toByteArray().replace('*', ""); };
-    return unmarked(raw) == unmarked(monitored);
+    const auto unmarked = std::views::filter([](char c) { return c != '*'; });
+    return std::ranges::equal(raw | unmarked, monitored | unmarked);
 }
 
 bool AreOneFrame(const HeardFrame& raw, const HeardFrame& monitored) {
@@ -35,10 +36,12 @@ FrameMarriage::FrameMarriage(Hand hand)
     : m_hand(std::move(hand)) {}
 
 void FrameMarriage::AddRaw(const HeardFrame& raw, qint64 now) {
+    // Kept first: a sink may run an event loop, behind which the views hold no more.
+    m_waiting.push_back({std::move(m_spare), now + patience});
+    m_waiting.back().raw.Keep(raw);
     PassTime(now);
-    if (m_waiting.size() == mostWaiting)
+    if (m_waiting.size() > mostWaiting)
         HandFirstAlone();
-    m_waiting.push_back({OwnedFrame(raw), now + patience});
 }
 
 void FrameMarriage::AddMonitored(const HeardFrame& monitored, qint64 now) {
@@ -50,9 +53,7 @@ void FrameMarriage::AddMonitored(const HeardFrame& monitored, qint64 now) {
         m_hand(monitored);
         return;
     }
-    // Off the list first: a sink may run an event loop in which the next frame comes.
-    const OwnedFrame owned = std::move(found->raw);
-    m_waiting.erase(found);
+    OwnedFrame owned = TakeOff(found);
     const HeardFrame raw = owned.View();
     HeardFrame married = monitored;
     married.path = raw.path;
@@ -63,6 +64,7 @@ void FrameMarriage::AddMonitored(const HeardFrame& monitored, qint64 now) {
     }
     married.raw = raw.raw;
     m_hand(married);
+    m_spare = std::move(owned);
 }
 
 std::optional<qint64> FrameMarriage::Due() const {
@@ -79,12 +81,19 @@ void FrameMarriage::End() {
         HandFirstAlone();
 }
 
+// Off the list before it is handed on: a sink may run an event loop in which the next frame comes.
+OwnedFrame FrameMarriage::TakeOff(std::vector<Waiting>::iterator waiting) {
+    OwnedFrame owned = std::move(waiting->raw);
+    m_waiting.erase(waiting);
+    return owned;
+}
+
 void FrameMarriage::HandFirstAlone() {
-    const OwnedFrame owned = std::move(m_waiting.front().raw);
-    m_waiting.pop_front();
+    OwnedFrame owned = TakeOff(m_waiting.begin());
     HeardFrame raw = owned.View();
     raw.engineText = {};
     raw.information = {};
     raw.isComplete = false;
     m_hand(raw);
+    m_spare = std::move(owned);
 }

@@ -2,9 +2,9 @@
 
 #include "telemetry/frames/HeardFrame.h"
 
-#include <deque>
 #include <functional>
 #include <optional>
+#include <vector>
 
 /// Brings the two forms together in which a packet engine tells of one frame, when it is asked for raw frames
 /// as well: the raw one, complete, which engines send first, and the monitored one, whose text is shown,
@@ -44,8 +44,10 @@ private:
         qint64 due;
     };
 
+    OwnedFrame TakeOff(std::vector<Waiting>::iterator waiting);
     void HandFirstAlone();
 
     Hand m_hand;
-    std::deque<Waiting> m_waiting; // the oldest first
+    std::vector<Waiting> m_waiting; // the oldest first
+    OwnedFrame m_spare;             // lends its storage to the next one that waits
 };

@@ -6,6 +6,7 @@
 #include "telemetry/frames/Ax25Frame.h"
 #include "telemetry/frames/ByteViews.h"
 #include "telemetry/frames/KissReader.h"
+#include "telemetry/monitor/SecondTime.h"
 
 #include <utility>
 
@@ -33,7 +34,9 @@ KissLink::KissLink(std::function<KissAddress()> address, const Clock& clock, QOb
     : PacketLink(QStringLiteral("KISS"), parent)
     , m_address(std::move(address))
     , m_clock(clock)
-    , m_time([&clock](qint64) { return FromCalendar(clock.Local()); })
+    , m_time([time = SecondTime([&clock](qint64 utc) {
+                  return FromCalendar(clock.LocalOf(Clock::UtcAt(utc)));
+              })](qint64 utc) mutable { return time.At(utc); })
     , m_client(this) {
     m_client.setObjectName(QStringLiteral("KissClient"));
     connect(&m_client, &TcpClient::Connected, this, [this](const QString& host) { HandleConnected(host); });

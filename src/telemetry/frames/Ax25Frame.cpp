@@ -1,6 +1,8 @@
 #include "telemetry/frames/Ax25Frame.h"
 
+#include <array>
 #include <charconv>
+#include <utility>
 
 namespace {
 
@@ -19,25 +21,31 @@ bool IsCallsignLetter(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
-std::optional<Ax25Address> ReadAddress(std::string_view bytes) {
-    Ax25Address address;
+bool ReadAddress(std::string_view bytes, Ax25Address& address) {
+    std::array<char, letters + sizeof "-15"> text{};
+    std::size_t length = 0;
     bool isPadding = false;
     for (std::size_t i = 0; i < letters; ++i) {
         const unsigned byte = ByteAt(bytes, i);
         const char letter = static_cast<char>(byte >> 1U);
         isPadding = isPadding || letter == ' ';
         if ((byte & lastAddress) != 0 || (isPadding ? letter != ' ' : !IsCallsignLetter(letter)))
-            return std::nullopt;
+            return false;
         if (!isPadding)
-            address.callsign += letter;
+            text[length++] = letter;
     }
-    if (address.callsign.empty())
-        return std::nullopt;
+    if (length == 0)
+        return false;
     const unsigned last = ByteAt(bytes, letters);
-    if (const unsigned ssid = last >> 1U & 0x0FU; ssid != 0)
-        address.callsign.append(1, '-').append(std::to_string(ssid));
+    if (const unsigned ssid = last >> 1U & 0x0FU; ssid != 0) {
+        text[length++] = '-';
+        if (ssid >= 10)
+            text[length++] = '1';
+        text[length++] = static_cast<char>('0' + ssid % 10);
+    }
+    address.callsign.assign(text.data(), length);
     address.isMarked = (last & mark) != 0;
-    return address;
+    return true;
 }
 
 bool AppendAddress(const Ax25Address& address, bool isLast, std::string& bytes) {
@@ -75,40 +83,41 @@ Ax25Frame::Type Ax25Frame::FrameType() const {
     return (control & ~pollFinal) == ui ? Type::UI : Type::Unnumbered;
 }
 
-std::optional<Ax25Frame> Ax25Frame::FromBytes(std::string_view bytes) {
-    Ax25Frame frame;
+bool Ax25Frame::Read(std::string_view bytes) {
+    digipeaters.clear();
     for (std::size_t count = 0;; ++count) {
         if (count == 2 + maxDigipeaters || bytes.size() < addressLength)
-            return std::nullopt;
-        std::optional<Ax25Address> address = ReadAddress(bytes);
-        if (!address)
-            return std::nullopt;
+            return false;
+        Ax25Address& address = count == 0 ? destination : count == 1 ? source : digipeaters.emplace_back();
+        if (!ReadAddress(bytes, address))
+            return false;
         const bool isLast = (ByteAt(bytes, letters) & lastAddress) != 0;
         bytes.remove_prefix(addressLength);
-        if (count == 0)
-            frame.destination = std::move(*address);
-        else if (count == 1)
-            frame.source = std::move(*address);
-        else
-            frame.digipeaters.push_back(std::move(*address));
         if (!isLast)
             continue;
         if (count == 0)
-            return std::nullopt;
+            return false;
         break;
     }
     if (bytes.empty())
-        return std::nullopt;
-    frame.control = static_cast<std::uint8_t>(bytes.front());
+        return false;
+    control = static_cast<std::uint8_t>(bytes.front());
     bytes.remove_prefix(1);
-    if (frame.HasPid()) {
+    if (HasPid()) {
         if (bytes.empty())
-            return std::nullopt;
-        frame.pid = static_cast<std::uint8_t>(bytes.front());
+            return false;
+        pid = static_cast<std::uint8_t>(bytes.front());
         bytes.remove_prefix(1);
+    } else {
+        pid = noLayer3;
     }
-    frame.information = bytes;
-    return frame;
+    information = bytes;
+    return true;
+}
+
+std::optional<Ax25Frame> Ax25Frame::FromBytes(std::string_view bytes) {
+    Ax25Frame frame;
+    return frame.Read(bytes) ? std::optional(std::move(frame)) : std::nullopt;
 }
 
 std::optional<std::string> Ax25Frame::ToBytes() const {

@@ -44,9 +44,13 @@ struct Ax25Frame {
     Type FrameType() const;
     bool HasPid() const { return FrameType() == Type::UI || FrameType() == Type::I; }
 
-    /// The frame in `bytes`, whose information stays there. Nothing when the address field is bad (letters
-    /// other than the above, a letter after a blank, no letter, one address only, more than ten) or the frame
-    /// ends before its information begins.
+    /// Becomes the frame in `bytes`, whose information stays there; what it was before lends its storage.
+    /// False, and what it is then means nothing, when the address field is bad (letters other than the above,
+    /// a letter after a blank, no letter, one address only, more than ten) or the frame ends before its
+    /// information begins.
+    bool Read(std::string_view bytes);
+
+    /// The frame in `bytes`; nothing where Read answers false.
     static std::optional<Ax25Frame> FromBytes(std::string_view bytes);
 
     /// The frame as it is sent. Nothing when a callsign does not fit an address (an SSID of 0 may be

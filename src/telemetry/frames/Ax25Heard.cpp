@@ -1,6 +1,5 @@
 #include "telemetry/frames/Ax25Heard.h"
 
-#include "telemetry/frames/Ax25Frame.h"
 #include "telemetry/frames/ByteViews.h"
 
 #include <algorithm>
@@ -87,45 +86,45 @@ QByteArrayView Bytes(std::string_view text) {
 } // namespace
 
 HeardFrame Ax25Heard::Read(QByteArrayView raw, const Arrival& arrival) {
-    m_source.clear();
-    m_destination.clear();
-    m_path.clear();
-    (m_text = ' ').append(std::to_string(arrival.port)) += ':';
     HeardFrame heard;
     heard.utc = arrival.utc;
     heard.origin = arrival.origin;
     heard.port = arrival.port;
     heard.raw = raw;
-    if (std::optional<Ax25Frame> frame = Ax25Frame::FromBytes(ToView(raw))) {
-        heard.kind = KindOf(*frame, arrival.isTransmitted);
-        if (frame->HasPid())
-            heard.pid = frame->pid;
-        heard.information = Bytes(frame->information);
-        heard.isComplete = true;
-        ShowFrame(*frame, arrival);
-        m_source = std::move(frame->source.callsign);
-        m_destination = std::move(frame->destination.callsign);
-        for (const Ax25Address& digipeater : frame->digipeaters)
+    m_text.clear();
+    if (arrival.needsText)
+        (m_text += ' ').append(std::to_string(arrival.port)) += ':';
+    if (m_frame.Read(ToView(raw))) {
+        heard.kind = KindOf(m_frame, arrival.isTransmitted);
+        heard.source = Bytes(m_frame.source.callsign);
+        heard.destination = Bytes(m_frame.destination.callsign);
+        m_path.clear();
+        for (const Ax25Address& digipeater : m_frame.digipeaters)
             m_path.append(m_path.empty() ? "" : ",")
                 .append(digipeater.callsign)
                 .append(digipeater.isMarked ? "*" : "");
-    } else {
+        heard.path = Bytes(m_path);
+        if (m_frame.HasPid())
+            heard.pid = m_frame.pid;
+        heard.information = Bytes(m_frame.information);
+        heard.isComplete = true;
+        if (arrival.needsText)
+            ShowFrame(arrival);
+    } else if (arrival.needsText) {
         ShowBytes(raw);
     }
-    heard.source = Bytes(m_source);
-    heard.destination = Bytes(m_destination);
-    heard.path = Bytes(m_path);
     heard.engineText = Bytes(m_text);
     return heard;
 }
 
-void Ax25Heard::ShowFrame(const Ax25Frame& frame, const Arrival& arrival) {
-    m_text.append("Fm ").append(frame.source.callsign).append(" To ").append(frame.destination.callsign);
-    for (const Ax25Address& digipeater : frame.digipeaters)
-        m_text.append(&digipeater == &frame.digipeaters.front() ? " Via " : ",").append(digipeater.callsign);
-    AppendControl(frame, m_text += " <");
+void Ax25Heard::ShowFrame(const Arrival& arrival) {
+    m_text.append("Fm ").append(m_frame.source.callsign).append(" To ").append(m_frame.destination.callsign);
+    for (const Ax25Address& digipeater : m_frame.digipeaters)
+        m_text.append(&digipeater == &m_frame.digipeaters.front() ? " Via " : ",")
+            .append(digipeater.callsign);
+    AppendControl(m_frame, m_text += " <");
     m_text.append(" >[").append(ToView(arrival.time)).append("]\r");
-    m_text.append(frame.information).append("\r");
+    m_text.append(m_frame.information).append("\r");
 }
 
 void Ax25Heard::ShowBytes(QByteArrayView raw) {

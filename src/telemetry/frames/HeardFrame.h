@@ -3,7 +3,9 @@
 #include <QByteArray>
 #include <QByteArrayView>
 
+#include <array>
 #include <optional>
+#include <string>
 
 /// One frame as it was heard, whoever brought it. On the road from the wire to the sinks it is a value of
 /// views, which hold as long as the call that hands it over; OwnedFrame keeps one for longer. Texts are
@@ -37,33 +39,32 @@ struct HeardFrame {
 /// A frame that holds its own bytes.
 class OwnedFrame {
 public:
-    explicit OwnedFrame(const HeardFrame& frame)
-        : m_frame(frame)
-        , m_source(frame.source.toByteArray())
-        , m_destination(frame.destination.toByteArray())
-        , m_path(frame.path.toByteArray())
-        , m_information(frame.information.toByteArray())
-        , m_engineText(frame.engineText.toByteArray())
-        , m_raw(frame.raw.toByteArray()) {}
+    OwnedFrame() = default;
+    explicit OwnedFrame(const HeardFrame& frame) { Keep(frame); }
 
-    /// Holds as long as this object, and no longer.
+    /// Holds this frame from now on. The storage is used again, so that frame after frame allocates nothing.
+    void Keep(const HeardFrame& frame) {
+        m_frame = frame;
+        m_bytes.clear();
+        for (const auto view : views)
+            m_bytes.append((frame.*view).data(), static_cast<std::size_t>((frame.*view).size()));
+    }
+
+    /// Holds as long as this object keeps the frame, and is not moved.
     HeardFrame View() const {
         HeardFrame frame = m_frame;
-        frame.source = m_source;
-        frame.destination = m_destination;
-        frame.path = m_path;
-        frame.information = m_information;
-        frame.engineText = m_engineText;
-        frame.raw = m_raw;
+        const char* at = m_bytes.data();
+        for (const auto view : views) {
+            frame.*view = {at, (frame.*view).size()};
+            at += (frame.*view).size();
+        }
         return frame;
     }
 
 private:
-    HeardFrame m_frame; // its views are set anew by View
-    QByteArray m_source;
-    QByteArray m_destination;
-    QByteArray m_path;
-    QByteArray m_information;
-    QByteArray m_engineText;
-    QByteArray m_raw;
+    static constexpr std::array views{&HeardFrame::source,      &HeardFrame::destination, &HeardFrame::path,
+                                      &HeardFrame::information, &HeardFrame::engineText,  &HeardFrame::raw};
+
+    HeardFrame m_frame;  // of its views only the sizes count
+    std::string m_bytes; // the views', one behind the other
 };
