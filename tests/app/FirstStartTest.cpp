@@ -180,11 +180,12 @@ void FirstStartTest::anEmptyStationIsGuided() {
     QVERIFY(rig.Start());
     QVERIFY(Guide(rig) != nullptr);
     QVERIFY(Guide(rig)->isVisible());
-    QTRY_COMPARE(rig.Find<QLabel>("labGuideEngine")->text(),
-                 u"Packet engine: none answers on 127.0.0.1; start it"_s);
+    QTRY_COMPARE(
+        rig.Find<QLabel>("labGuideEngine")->text(),
+        u"Packet engine: none answers on 127.0.0.1; start one, as \"First start\" in the help tells"_s);
     QCOMPARE(rig.Find<QLabel>("labGuideFormulae")->text(), u"Formula file: formula.txt has 3 formulae"_s);
     QCOMPARE(rig.Find<QLabel>("labGuidePosition")->text(),
-             u"Station position: not entered: no passes can be predicted"_s);
+             u"Station position: not entered, so no passes can be predicted"_s);
     QCOMPARE(rig.Find<QLabel>("labGuideElements")->text(), u"Elements: No Keps found for QIRAN and ISS."_s);
     QVERIFY(!rig.Find<QPushButton>("cmdGuideFormulae")->isVisible()); // there is nothing to mend
     QVERIFY(rig.Find<QPushButton>("cmdGuideEngine")->isVisible());

@@ -16,17 +16,9 @@ sys.path[:0] = [str(ROOT / "tools"), str(ROOT / "tests/cli")]
 import kiss  # noqa: E402
 import rig  # noqa: E402
 import sids  # noqa: E402
+from installed import BUILD, PackagesTest, call, dpkg, install  # noqa: E402
 
-BUILD = pathlib.Path(os.environ["QIRAN_BUILD"])
 VERSION = os.environ["QIRAN_VERSION"]
-
-
-def call(*command, **options):
-    done = subprocess.run([str(word) for word in command], capture_output=True, text=True, stdin=subprocess.DEVNULL,
-                          timeout=120, **options)
-    if done.returncode != 0:
-        raise AssertionError(f"{command} ended with {done.returncode}:\n{done.stdout}{done.stderr}")
-    return done.stdout
 
 
 def needed_packages(depends):
@@ -51,20 +43,7 @@ def files_of(folder):
     return {str(path.relative_to(folder)) for path in folder.rglob("*") if not path.is_dir() or path.is_symlink()}
 
 
-class Packages(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.made = tempfile.TemporaryDirectory(prefix="qiran packages ")
-        cls.out = pathlib.Path(cls.made.name)
-        call("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", cls.out)
-        cls.archive = next(cls.out.glob("*.tar.gz"))
-        cls.debian = next(cls.out.glob("qirandecode_*.deb"))
-        cls.commands = next(cls.out.glob("qirandecode-cli_*.deb"))
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.made.cleanup()
-
+class Packages(PackagesTest):
     def setUp(self):
         scratch = tempfile.TemporaryDirectory(prefix="qiran home ")
         self.addCleanup(scratch.cleanup)
@@ -86,15 +65,7 @@ class Packages(unittest.TestCase):
         return report
 
     def install(self):
-        """The packages put into a root of their own, with the package manager's own records."""
-        root = self.scratch / "root"
-        (root / "var/lib/dpkg/info").mkdir(parents=True)
-        (root / "etc").mkdir()
-        (root / "var/lib/dpkg/updates").mkdir()
-        (root / "var/lib/dpkg/status").touch()
-        (root / "var/lib/dpkg/available").touch()
-        self.dpkg(root, "--install", self.commands, self.debian)
-        return root
+        return install(self.scratch / "root", self.commands, self.debian)
 
     def install_without_blanks(self):
         """The same where no name of a folder has a blank, which the words of a unit would not survive."""
@@ -102,12 +73,6 @@ class Packages(unittest.TestCase):
         self.addCleanup(plain.cleanup)
         self.scratch = pathlib.Path(plain.name)
         return self.install()
-
-    @staticmethod
-    def dpkg(root, *action):
-        call(*([] if os.geteuid() == 0 else ["fakeroot"]), "dpkg", f"--root={root}", "--force-not-root",
-             "--force-depends", "--force-bad-path", "--force-script-chrootless", "--log=/dev/null", *action,
-             env=os.environ | {"LC_ALL": "C.UTF-8"})
 
     # The portable archive
 
@@ -164,7 +129,7 @@ class Packages(unittest.TestCase):
 
     def test_the_command_line_alone_reads_without_making_a_folder_and_makes_it_when_something_is_kept(self):
         root = self.install()
-        self.dpkg(root, "--remove", "qirandecode")
+        dpkg(root, "--remove", "qirandecode")
         program = root / "usr/bin/qirandecode-cli"
         folder = self.home / ".local/share/QiranDecode"
         self.assertIn(VERSION, call(program, "--version", env=self.environment))
@@ -211,7 +176,7 @@ class Packages(unittest.TestCase):
         self.assertTrue((folder / "world.gif").is_symlink())
         mine = {name: (folder / name).read_bytes() for name in ("formula.txt", rig.SETTINGS_FILE)}
 
-        self.dpkg(root, "--purge", "qirandecode", "qirandecode-cli")
+        dpkg(root, "--purge", "qirandecode", "qirandecode-cli")
         # The service's user stays, as Debian asks.
         self.assertEqual({name for name in files_of(root) if not name.startswith(("var/lib/dpkg/", "etc/"))}, set())
         self.assertFalse((root / "usr/lib/qirandecode").exists())
@@ -236,7 +201,7 @@ class Packages(unittest.TestCase):
         (folder / "world.gif").write_bytes(b"a picture of the user's own")
         (folder / "qirandecode.HLP").symlink_to(self.scratch / "an older place")
         self.run_report(root / "usr/bin/qirandecode")
-        self.dpkg(root, "--install", self.debian)
+        dpkg(root, "--install", self.debian)
         self.run_report(root / "usr/bin/qirandecode")
         self.assertEqual((folder / "world.gif").read_bytes(), b"a picture of the user's own")
         self.assertEqual((folder / "qirandecode.HLP").resolve(), (root / "usr/share/qirandecode/qirandecode.HLP").resolve())
