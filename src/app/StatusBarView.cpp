@@ -6,6 +6,7 @@
 
 #include <QKeyEvent>
 #include <QLabel>
+#include <QStyle>
 #include <QToolButton>
 
 namespace {
@@ -38,6 +39,8 @@ StatusBarView::StatusBarView(StationStatus& status, QWidget* parent)
     , labEvent(new QToolButton(this)) {
     setObjectName(QStringLiteral("staStatus"));
     setSizeGripEnabled(false);
+    setContentsMargins(0, 0, style()->pixelMetric(QStyle::PM_LayoutRightMargin),
+                       0); // in line with what is above
     insertWidget(0, new SteadyBox(labLink));
     AddEvent();
     connect(AddButton(QStringLiteral("cmdHistory"), tr("H&istory"), tr("The telemetry that was kept")),

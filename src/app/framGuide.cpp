@@ -16,7 +16,7 @@ framGuide::framGuide(QWidget* parent)
     layout->setVerticalSpacing(2);
     AddRow(*layout, Step::Formulae, QStringLiteral("Formulae"), tr("Open &folder"));
     AddRow(*layout, Step::Engine, QStringLiteral("Engine"), tr("AG&WPE Setup"));
-    AddRow(*layout, Step::Position, QStringLiteral("Position"), tr("Stat&ion Information"));
+    AddRow(*layout, Step::Position, QStringLiteral("Position"), tr("St&ation Information"));
     AddRow(*layout, Step::Elements, QStringLiteral("Elements"), tr("Download &Keps"));
     auto* cmdGuideClose = Named(u"cmdGuideClose", new QPushButton(tr("Do &not show again")));
     connect(cmdGuideClose, &QPushButton::clicked, this, &framGuide::CloseAsked);

@@ -73,4 +73,6 @@ frmAbout::frmAbout(QWidget* parent)
     layout->addLayout(body);
     layout->addWidget(buttons);
     layout->addStrut(fontMetrics().averageCharWidth() * 64); // the width for which the texts are broken
+    layout->setSizeConstraint(
+        QLayout::SetFixedSize); // left to itself, a small screen would cut the texts off
 }

@@ -49,6 +49,12 @@ namespace {
 constexpr std::chrono::milliseconds closeRetry(10); // while dialogs close
 constexpr std::chrono::minutes lastPassInterval(1);
 
+// Where the desktop has nothing to show a folder with, its name can at least be copied.
+void OpenFolder(const QString& path, QWidget* owner, const mb& messages) {
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
+        messages.MessageBox(owner, Texts::CannotOpen(path), MessageStyle::Information);
+}
+
 } // namespace
 
 frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages, DesktopNotices& notices)
@@ -270,7 +276,7 @@ void frmQIRAN::EndGuide() {
 void frmQIRAN::Mend(StartGuide::Step step) {
     switch (step) {
     case StartGuide::Step::Formulae:
-        QDesktopServices::openUrl(QUrl::fromLocalFile(m_ground.folder.Path()));
+        OpenFolder(m_ground.folder.Path(), this, m_messages);
         break;
     case StartGuide::Step::Engine:
         ShowAgwpeSetup();
@@ -301,6 +307,9 @@ void frmQIRAN::Show() {
     ShowStatus();
     ShowGuide();
     DimOld(Settings::IsOn(m_ground.cIni, Settings::gridsDimOld));
+    // A window that grows while it is shown forgets that its place is that of its frame.
+    centralWidget()->layout()->activate();
+    layout()->activate();
     show();
     m_size.Opened();
 }
@@ -366,7 +375,7 @@ void frmQIRAN::PutInTo(const QString& callsign) {
 void frmQIRAN::OpenLogFolder() {
     const QString logs = m_ground.folder.LogsFolder();
     if (QFileInfo(logs).isDir())
-        QDesktopServices::openUrl(QUrl::fromLocalFile(logs));
+        OpenFolder(logs, this, m_messages);
     else
         m_messages.MessageBox(this, Texts::NoLogs(), MessageStyle::Information, {}, HelpTopics::terminal);
 }
@@ -379,6 +388,7 @@ void frmQIRAN::DownloadKeps() {
     HttpTransfer inet;
     if (!frmDownload(m_ground.folder, m_ground.cIni, m_messages, inet, this).DownloadKeps())
         return;
+    activateWindow(); // a box and its dialog that go at once leave some desktops without an active window
     m_ground.LoadElements();
     ShowGuide();
     TellWindows();

@@ -21,15 +21,18 @@ Line Engine(const GroundStation& station) {
     if (station.link.blnConectedToAgw())
         return {State::There, QStringLiteral("Packet engine"), QStringLiteral("connected to %1").arg(host)};
     const bool hasFailed = station.link.RetryIn() >= 0;
-    return {hasFailed ? State::Missing : State::Pending, QStringLiteral("Packet engine"),
-            hasFailed ? QStringLiteral("none answers on %1; start it").arg(host)
-                      : QStringLiteral("connecting to %1").arg(host)};
+    return {
+        hasFailed ? State::Missing : State::Pending, QStringLiteral("Packet engine"),
+        hasFailed
+            ? QStringLiteral("none answers on %1; start one, as \"First start\" in the help tells").arg(host)
+            : QStringLiteral("connecting to %1").arg(host)};
 }
 
 Line Position(const GroundStation& station) {
     const bool isKnown = station.station.PositionKnown();
     return {Judge(isKnown), QStringLiteral("Station position"),
-            isKnown ? QStringLiteral("entered") : QStringLiteral("not entered: no passes can be predicted")};
+            isKnown ? QStringLiteral("entered")
+                    : QStringLiteral("not entered, so no passes can be predicted")};
 }
 
 Line Elements(const GroundStation& station) {

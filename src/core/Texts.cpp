@@ -88,6 +88,10 @@ QString NoLogs() {
         "written to a file a day.");
 }
 
+QString CannotOpen(const QString& folder) {
+    return QStringLiteral("Nothing on this desktop opens folders. The folder is %1").arg(folder);
+}
+
 QString LastStartEnded(const QString& reason) {
     return QStringLiteral(
                "The program ended at its last start because of %1. Mend the line, and start it again. "

@@ -53,6 +53,9 @@ QString InFolder(const QString& folder);
 /// That no log has been written yet, and how to have one.
 QString NoLogs();
 
+/// For a folder that the desktop does not open.
+QString CannotOpen(const QString& folder);
+
 /// Why the last start ended at once, and how to find every such line.
 QString LastStartEnded(const QString& reason);
 

@@ -138,6 +138,8 @@ void frmDownload::LayOut() {
     barProgress->hide();
 
     txtFile[1]->setPlaceholderText(tr("for the ISS: %1").arg(issAddress));
+    txtFile[1]->setMinimumWidth(
+        txtFile[1]->fontMetrics().horizontalAdvance(txtFile[1]->placeholderText() + QStringLiteral("00")));
     cmdUsual->setObjectName(QStringLiteral("cmdUsual"));
     cmdUsual->setAutoDefault(false);
     cmdUsual->setToolTip(tr("One file with QIRAN, and one with the ISS"));

@@ -7,11 +7,16 @@
 
 #include <QDesktopServices>
 #include <QGroupBox>
+#include <QHash>
+#include <QMenuBar>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTextBrowser>
 #include <QTimer>
 #include <QUrl>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -29,7 +34,9 @@ private Q_SLOTS:
     void anEmptyStationIsGuided();
     void aClickOnALineOpensThePlaceThatMendsIt_data();
     void aClickOnALineOpensThePlaceThatMendsIt();
+    void everyAccessKeyOfTheGuidedWindowIsItsOwn();
     void theFolderButtonOpensTheProgramFolder();
+    void aFolderThatNothingOpensIsNamed();
     void theGuideGoesForGoodOnceAllIsThere();
     void theGuideStaysAwayWhileTheEngineIsStillBeingAsked();
     void theGuideCanBeClosedForGood();
@@ -180,11 +187,12 @@ void FirstStartTest::anEmptyStationIsGuided() {
     QVERIFY(rig.Start());
     QVERIFY(Guide(rig) != nullptr);
     QVERIFY(Guide(rig)->isVisible());
-    QTRY_COMPARE(rig.Find<QLabel>("labGuideEngine")->text(),
-                 u"Packet engine: none answers on 127.0.0.1; start it"_s);
+    QTRY_COMPARE(
+        rig.Find<QLabel>("labGuideEngine")->text(),
+        u"Packet engine: none answers on 127.0.0.1; start one, as \"First start\" in the help tells"_s);
     QCOMPARE(rig.Find<QLabel>("labGuideFormulae")->text(), u"Formula file: formula.txt has 3 formulae"_s);
     QCOMPARE(rig.Find<QLabel>("labGuidePosition")->text(),
-             u"Station position: not entered: no passes can be predicted"_s);
+             u"Station position: not entered, so no passes can be predicted"_s);
     QCOMPARE(rig.Find<QLabel>("labGuideElements")->text(), u"Elements: No Keps found for QIRAN and ISS."_s);
     QVERIFY(!rig.Find<QPushButton>("cmdGuideFormulae")->isVisible()); // there is nothing to mend
     QVERIFY(rig.Find<QPushButton>("cmdGuideEngine")->isVisible());
@@ -217,6 +225,22 @@ void FirstStartTest::aClickOnALineOpensThePlaceThatMendsIt() {
     QCOMPARE(opened, window);
 }
 
+void FirstStartTest::everyAccessKeyOfTheGuidedWindowIsItsOwn() {
+    MainWindowRig rig;
+    QVERIFY(rig.Start());
+    QHash<QKeySequence, QString> owners;
+    const auto take = [&owners](const QString& text) {
+        const QKeySequence key = QKeySequence::mnemonic(text);
+        const QString other = key.isEmpty() ? QString() : std::exchange(owners[key], text);
+        QVERIFY2(other.isEmpty(), qPrintable(text + u" has the key of "_s + other));
+    };
+    for (const QAction* menu : rig.window->menuBar()->actions())
+        take(menu->text());
+    for (const auto* button : rig.window->findChildren<QAbstractButton*>())
+        take(button->text());
+    QVERIFY(owners.size() > 10);
+}
+
 void FirstStartTest::theFolderButtonOpensTheProgramFolder() {
     MainWindowRig rig;
     rig.folder.Write(u"formula.txt"_s, "# nothing yet\r\n");
@@ -226,6 +250,17 @@ void FirstStartTest::theFolderButtonOpensTheProgramFolder() {
     QTest::mouseClick(rig.Find<QPushButton>("cmdGuideFormulae"), Qt::LeftButton);
     QDesktopServices::unsetUrlHandler(u"file"_s);
     QCOMPARE(m_opened.toLocalFile(), rig.folder.Program().Path());
+}
+
+void FirstStartTest::aFolderThatNothingOpensIsNamed() {
+    MainWindowRig rig;
+    rig.folder.Write(u"formula.txt"_s, "# nothing yet\r\n");
+    QVERIFY(rig.Start());
+    rig.presenter.messages.clear();
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"openDocument"_s)); // there is no desktop here
+    QTest::mouseClick(rig.Find<QPushButton>("cmdGuideFormulae"), Qt::LeftButton);
+    QCOMPARE(rig.presenter.Texts(), QStringList(u"Nothing on this desktop opens folders. The folder is "_s +
+                                                rig.folder.Program().Path()));
 }
 
 void FirstStartTest::theGuideGoesForGoodOnceAllIsThere() {

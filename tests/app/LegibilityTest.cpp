@@ -71,21 +71,13 @@ const QByteArray issElements = "ISS (ZARYA)\r\n"
                                "1 25544U 98067A   26325.50000000  .00010000  00000+0  18000-3 0  9995\r\n"
                                "2 25544  51.6400 100.0000 0005000  90.0000 270.0000 15.50000000 50008\r\n";
 
-QPalette HighContrast(const QColor& ground, const QColor& text) {
-    QPalette palette(text, ground, ground, ground, ground, text, ground);
-    palette.setColor(QPalette::Base, ground);
-    palette.setColor(QPalette::Text, text);
-    palette.setColor(QPalette::Button, ground);
-    return palette;
-}
-
 void AddPalettes() {
     QTest::addColumn<QPalette>("palette");
     const std::unique_ptr<QStyle> fusion(QStyleFactory::create(u"Fusion"_s));
     QTest::newRow("light") << fusion->standardPalette();
     QTest::newRow("dark") << Screenshots::DarkPalette();
-    QTest::newRow("white on black") << HighContrast(Qt::black, Qt::white);
-    QTest::newRow("black on white") << HighContrast(Qt::white, Qt::black);
+    QTest::newRow("white on black") << Screenshots::HighContrast(Qt::black, Qt::white);
+    QTest::newRow("black on white") << Screenshots::HighContrast(Qt::white, Qt::black);
 }
 
 // The strongest contrast of a pixel of `area` with the ground that most of it has: what its text is drawn in.

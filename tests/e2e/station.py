@@ -19,7 +19,8 @@ SIMULATOR = os.environ.get("QIRAN_SIMULATOR", "")
 class Program:
     """The running program in its folder. Everything that its terminal shows is in its log at once."""
 
-    def __init__(self, folder, environment, scratch):
+    def __init__(self, folder, environment, scratch, command=None):
+        """`command`: what starts it instead of the built program, whose report it then does not print."""
         self.folder = folder
         self.environment = environment
         self.pictures = scratch / "pictures"
@@ -28,7 +29,7 @@ class Program:
         self._errors = scratch / "stderr"
         with self._out.open("wb") as out, self._errors.open("wb") as errors:
             self.process = subprocess.Popen(
-                [PROGRAM, "--folder", folder, "--demo-report", self.pictures, "--demo-seconds", "3000"],
+                command or [PROGRAM, "--folder", folder, "--demo-report", self.pictures, "--demo-seconds", "3000"],
                 env=environment, stdin=subprocess.DEVNULL, stdout=out, stderr=errors)
 
     def log(self):
@@ -100,14 +101,16 @@ class Program:
         self.xdotool("type", "--delay", "25", text)
 
 
-class StationTest(unittest.TestCase):
+class DesktopTest(unittest.TestCase):
     """A display, a window manager and a scratch folder for each test."""
+
+    screen = "1600x1200x24"
 
     def setUp(self):
         scratch = tempfile.TemporaryDirectory(prefix="qiran station ")
         self.addCleanup(scratch.cleanup)
         self.scratch = pathlib.Path(scratch.name)
-        display = rig.virtual_display()
+        display = rig.virtual_display(self.screen)
         environment = display.__enter__()
         self.addCleanup(display.__exit__, None, None, None)
         home = self.scratch / "home"
@@ -127,6 +130,8 @@ class StationTest(unittest.TestCase):
                                 stdin=subprocess.DEVNULL)
         return answer.returncode == 0
 
+
+class StationTest(DesktopTest):
     def start(self, port, settings=None):
         """Starts the program on a fresh folder whose engine is at `port` of this machine."""
         folder = rig.make_program_folder(

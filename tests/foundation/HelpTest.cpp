@@ -402,7 +402,7 @@ void HelpTest::messageBoxShowsPlainTextWithItsCaptionAndIcon() {
             return; // the test's own time limit ends it
         seen = box->text() == u"<b>x</b>" && box->textFormat() == Qt::PlainText &&
                box->windowTitle() == u"QIRAN Telemetry Decoder" && int(box->icon()) == icon &&
-               box->parentWidget() == &owner;
+               box->textInteractionFlags() == Qt::TextSelectableByMouse && box->parentWidget() == &owner;
         box->button(QMessageBox::Ok)->click();
     });
     QCOMPARE(messages.MessageBox(&owner, u"<b>x</b>"_s, style), 1);

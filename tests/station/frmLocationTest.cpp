@@ -35,6 +35,7 @@ private Q_SLOTS:
     void aFailingFieldKeepsTheFocusAndSpeaksOnce_data();
     void aFailingFieldKeepsTheFocusAndSpeaksOnce();
     void aClickOutOfAFailingFieldSpeaksOnce();
+    void theWindowKeepsItsSizeWhileSomebodyTypes();
     void okDoesNotGoThroughWithAFailingField();
     void okChecksOnlyTheFieldThatIsLeft_data();
     void okChecksOnlyTheFieldThatIsLeft();
@@ -97,6 +98,17 @@ void frmLocationTest::itOpensWithWhatTheStationHas() {
     const QPoint offCentre = m_window->frameGeometry().center() - m_window->screen()->geometry().center();
     QVERIFY(offCentre.manhattanLength() <= 40);
     Screenshots::Take(*m_window, u"frmLocation"_s);
+}
+
+void frmLocationTest::theWindowKeepsItsSizeWhileSomebodyTypes() {
+    Open();
+    const QSize size = m_window->size();
+    Press(Qt::Key_Tab);
+    for (const QChar key : u"51.30n"_s) {
+        Type(QString(key));
+        QCoreApplication::processEvents();
+        QCOMPARE(m_window->size(), size);
+    }
 }
 
 void frmLocationTest::aStationIsEnteredByKeysAlone() {

@@ -7,6 +7,8 @@
 #include <QStyleFactory>
 #include <QWidget>
 
+#include <utility>
+
 /// Pictures of windows for a person to look at: written to the folder named by QIRAN_SCREENSHOTS, when it is
 /// set.
 namespace Screenshots {
@@ -35,22 +37,33 @@ inline QPalette DarkPalette() {
     return dark;
 }
 
-/// Grabs a window as NAME-SCALEx-light.png and NAME-SCALEx-dark.png (run once with QT_SCALE_FACTOR=2 for the
-/// large ones). Call it while the window is shown.
+/// A palette as desktops of high contrast use it.
+inline QPalette HighContrast(const QColor& ground, const QColor& text) {
+    QPalette palette(text, ground, ground, ground, ground, text, ground);
+    palette.setColor(QPalette::Base, ground);
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Button, ground);
+    return palette;
+}
+
+/// Grabs a window as NAME-SCALEx-light.png, -dark.png and -contrast.png (run once with QT_SCALE_FACTOR=2 for
+/// the large ones). Call it while the window is shown.
 inline void Take(QWidget& window, const QString& name) {
     if (Folder().isEmpty())
         return;
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     const QPalette before = QApplication::palette();
-    for (const bool dark : {false, true}) {
-        QApplication::setPalette(dark ? DarkPalette() : QApplication::style()->standardPalette());
+    const std::pair<QString, QPalette> themes[] = {
+        {QStringLiteral("light"), QApplication::style()->standardPalette()},
+        {QStringLiteral("dark"), DarkPalette()},
+        {QStringLiteral("contrast"), HighContrast(Qt::black, Qt::white)},
+    };
+    for (const auto& [theme, palette] : themes) {
+        QApplication::setPalette(palette);
         QApplication::processEvents();
         QDir().mkpath(Folder());
-        window.grab().save(
-            QDir(Folder()).filePath(QStringLiteral("%1-%2x-%3.png")
-                                        .arg(name)
-                                        .arg(qRound(window.devicePixelRatio()))
-                                        .arg(dark ? QStringLiteral("dark") : QStringLiteral("light"))));
+        window.grab().save(QDir(Folder()).filePath(
+            QStringLiteral("%1-%2x-%3.png").arg(name).arg(qRound(window.devicePixelRatio())).arg(theme)));
     }
     QApplication::setPalette(before);
 }

@@ -67,6 +67,7 @@ int MessageBoxPresenter::ShowMessage(const Message& message) {
     box->setWindowTitle(message.caption);
     box->setTextFormat(Qt::PlainText);
     box->setText(message.text);
+    box->setTextInteractionFlags(Qt::TextSelectableByMouse); // for the paths in it
     box->setIcon(IconOf(message.style));
     const auto kind = static_cast<std::size_t>(message.style & 0x0F);
     box->setStandardButtons(Buttons::fromInt(buttonsOfStyle[kind < buttonsOfStyle.size() ? kind : 0]));

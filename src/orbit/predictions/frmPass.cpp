@@ -20,6 +20,7 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -92,8 +93,9 @@ frmPass::frmPass(const clsSats& cSats, const TrackedSatellites& satellites, QWid
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(txtInfo);
     layout->addLayout(buttons);
-    resize(sizeHint().width(), metrics.lineSpacing() * lines + layout->sizeHint().height() -
-                                   txtInfo->sizeHint().height() + frame);
+    const QSize usual(sizeHint().width(), metrics.lineSpacing() * lines + layout->sizeHint().height() -
+                                              txtInfo->sizeHint().height() + frame);
+    resize(usual.boundedTo(screen()->availableSize() * 9 / 10)); // its title is to be on the screen as well
     cmdFinished->setFocus();
     MakeMenu();
 }

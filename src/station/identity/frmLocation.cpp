@@ -87,6 +87,9 @@ void frmLocation::Build() {
     }
     for (QLabel* note : {labLatMeans, labLongMeans, labCommentNote})
         note->setTextFormat(Qt::PlainText);
+    // The longest note has room from the start, so that the window keeps its size while somebody types.
+    labLongMeans->setMinimumWidth(labLongMeans->fontMetrics().horizontalAdvance(
+        PositionText::Understood(QStringLiteral("?"), Axis::Longitude)));
     cmdUseDecimal->setAutoDefault(false);
     cmdUseDecimal->hide();
     txtCallsign->setPlaceholderText(QStringLiteral("N0CALL-1"));
