@@ -12,8 +12,6 @@
 namespace Settings {
 namespace {
 
-constexpr qsizetype longestValue = 499; // as much as is read back
-
 using Accepted = std::optional<QString>;
 
 bool Matches(const QString& text, const QString& pattern) {
@@ -26,7 +24,7 @@ Accepted AcceptIf(bool isGood, const QString& value) {
 
 // Of one line, in the file's code page.
 bool CanBeStored(const QString& text) {
-    return text.size() <= longestValue && Text::FromBytes(Text::ToBytes(text)) == text &&
+    return text.size() <= clsIni::longestValue && Text::FromBytes(Text::ToBytes(text)) == text &&
            std::ranges::none_of(text, [](QChar c) { return c < u' ' || c == u'\x7f'; });
 }
 
@@ -131,7 +129,8 @@ QString Allowed(const Setting& setting) {
     case SettingType::Secret:
         break;
     }
-    return QStringLiteral("a line of at most %1 characters of the Windows-1252 code page").arg(longestValue);
+    return QStringLiteral("a line of at most %1 characters of the Windows-1252 code page")
+        .arg(clsIni::longestValue);
 }
 
 } // namespace Settings

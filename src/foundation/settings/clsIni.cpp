@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr qsizetype longestValue = 499;
 constexpr qsizetype longestKeyList = 9998;
 constexpr qint64 largestFile = 64 * 1024 * 1024;
 constexpr QStringView absent = u"$!*%";

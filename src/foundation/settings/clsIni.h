@@ -16,6 +16,9 @@ class IniText;
 /// owner alone. Text is Windows-1252.
 class clsIni {
 public:
+    /// As many characters of a value are read back.
+    static constexpr qsizetype longestValue = 499;
+
     /// `file` is the default path; where it is empty, operations without a file do nothing.
     explicit clsIni(QString file)
         : m_file(std::move(file)) {}
@@ -34,7 +37,7 @@ public:
     /// "TRUE" or "FALSE".
     static QString TrueOrFalse(bool value);
 
-    /// The value, cut to 499 characters, or the default when the key is absent.
+    /// The value, cut to longestValue characters, or the default when the key is absent.
     QString GetIniString(const QString& section, const QString& key, const QString& defaultValue,
                          const QString& file = {}) const;
 

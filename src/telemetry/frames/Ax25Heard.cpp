@@ -79,10 +79,6 @@ HeardFrame::Kind KindOf(const Ax25Frame& frame, bool isTransmitted) {
     }
 }
 
-QByteArrayView Bytes(std::string_view text) {
-    return {text.data(), static_cast<qsizetype>(text.size())};
-}
-
 } // namespace
 
 HeardFrame Ax25Heard::Read(QByteArrayView raw, const Arrival& arrival) {
@@ -96,24 +92,24 @@ HeardFrame Ax25Heard::Read(QByteArrayView raw, const Arrival& arrival) {
         (m_text += ' ').append(std::to_string(arrival.port)) += ':';
     if (m_frame.Read(ToView(raw))) {
         heard.kind = KindOf(m_frame, arrival.isTransmitted);
-        heard.source = Bytes(m_frame.source.callsign);
-        heard.destination = Bytes(m_frame.destination.callsign);
+        heard.source = m_frame.source.callsign;
+        heard.destination = m_frame.destination.callsign;
         m_path.clear();
         for (const Ax25Address& digipeater : m_frame.digipeaters)
             m_path.append(m_path.empty() ? "" : ",")
                 .append(digipeater.callsign)
                 .append(digipeater.isMarked ? "*" : "");
-        heard.path = Bytes(m_path);
+        heard.path = m_path;
         if (m_frame.HasPid())
             heard.pid = m_frame.pid;
-        heard.information = Bytes(m_frame.information);
+        heard.information = m_frame.information;
         heard.isComplete = true;
         if (arrival.needsText)
             ShowFrame(arrival);
     } else if (arrival.needsText) {
         ShowBytes(raw);
     }
-    heard.engineText = Bytes(m_text);
+    heard.engineText = m_text;
     return heard;
 }
 

@@ -20,10 +20,6 @@ constexpr std::size_t mostSections = 4096; // headers in one file
 constexpr qsizetype tailSize = 256;
 constexpr quint8 noChannels = ChannelMap::frameTypes;
 
-QByteArrayView Bytes(std::string_view text) {
-    return {text.data(), static_cast<qsizetype>(text.size())};
-}
-
 } // namespace
 
 HistorySides SidesOf(const CallsignList& callsigns) {
@@ -175,7 +171,7 @@ std::optional<quint16> TelemetryHistory::SourceOf(std::string_view name, int sid
         if (last.sideThen == sideThen && ToView(last.name) == name)
             return m_lastSource;
     }
-    const auto [place, isNew] = m_sourceNumbers.try_emplace({Bytes(name).toByteArray(), sideThen},
+    const auto [place, isNew] = m_sourceNumbers.try_emplace({QByteArrayView(name).toByteArray(), sideThen},
                                                             static_cast<quint16>(m_sources.size()));
     if (isNew) {
         if (m_sources.size() == mostSources) {

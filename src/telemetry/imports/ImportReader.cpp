@@ -18,10 +18,6 @@ namespace {
 constexpr qint64 pieceSize = 65536;
 constexpr qsizetype exampleLength = 80;
 
-QByteArrayView Bytes(std::string_view text) {
-    return {text.data(), static_cast<qsizetype>(text.size())};
-}
-
 // The date of a traffic log's name; invalid for any other name.
 QDate DateOfName(const QString& path) {
     return QDate::fromString(QFileInfo(path).completeBaseName(), QStringLiteral("yyyyMMdd"));
@@ -62,10 +58,10 @@ bool ImportReader::ReadHistory(const QString& path, const Progress& progress) {
     qint64 told = 0;
     while (m_reason.isEmpty() && walk.Next()) {
         if (walk.What() == HistoryWalk::Kind::Foreign)
-            PassOver(Bytes(walk.Bytes()));
+            PassOver(QByteArrayView(walk.Bytes()));
         if (walk.What() == HistoryWalk::Kind::Frame) {
             const std::string_view source = walk.Frame().source;
-            const auto listed = m_sides.find(Bytes(source));
+            const auto listed = m_sides.find(QByteArrayView(source));
             if (!m_take(walk.Frame().utc, source,
                         listed == m_sides.end() ? walk.Frame().side : listed->second, walk.Fields()))
                 return false;
@@ -155,7 +151,7 @@ void ImportReader::TakeFrame(const HeardFrame& frame, std::optional<qint64> utc)
     std::array<QByteArray, TelemetryFrame::fieldsInLine> texts;
     HistoryLayout::Fields fields;
     for (std::size_t i = 0; i < texts.size(); ++i) {
-        texts[i] = Text::FromBytes(Bytes((*parts)[i])).toUtf8();
+        texts[i] = Text::FromBytes(QByteArrayView((*parts)[i])).toUtf8();
         fields[i] = ToView(texts[i]);
     }
     m_isEnded = !m_take(*utc, ToView(source), side->second, fields);

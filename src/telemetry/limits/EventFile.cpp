@@ -15,18 +15,15 @@ namespace {
 
 constexpr std::size_t fieldsInLine = 7;
 
-QByteArrayView Bytes(std::string_view text) {
-    return {text.data(), static_cast<qsizetype>(text.size())};
-}
-
 std::optional<LimitEvent> ReadEvent(std::span<const std::string_view> fields) {
     if (fields.size() < fieldsInLine) // more may come to stand behind them
         return std::nullopt;
     const std::optional<qint64> utc = IsoTime::Read(fields[0]);
-    const int grid = GridLayout::FindGrid(Bytes(fields[2]));
-    const int row = grid < 0 ? 0 : GridLayout::FindRow(grid, Bytes(fields[3]).toByteArray().toUpper());
-    const std::optional<Level> from = LevelOf(Bytes(fields[5]));
-    const std::optional<Level> to = LevelOf(Bytes(fields[6]));
+    const int grid = GridLayout::FindGrid(QByteArrayView(fields[2]));
+    const int row =
+        grid < 0 ? 0 : GridLayout::FindRow(grid, QByteArrayView(fields[3]).toByteArray().toUpper());
+    const std::optional<Level> from = LevelOf(QByteArrayView(fields[5]));
+    const std::optional<Level> to = LevelOf(QByteArrayView(fields[6]));
     double value = 0.0;
     const char* const end = fields[4].data() + fields[4].size();
     const auto read = std::from_chars(fields[4].data(), end, value);

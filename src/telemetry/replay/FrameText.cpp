@@ -11,10 +11,6 @@ namespace {
 
 constexpr qsizetype exampleLength = 80;
 
-QByteArrayView Bytes(std::string_view text) {
-    return {text.data(), static_cast<qsizetype>(text.size())};
-}
-
 std::string_view Trimmed(std::string_view line) {
     const std::size_t first = std::min(line.find_first_not_of(' '), line.size());
     return line.substr(first, line.find_last_not_of(' ') + 1 - first);
@@ -101,15 +97,17 @@ void FrameText::ReadLine(std::string_view line) {
     } else if (const auto told = m_isTooLong ? std::nullopt : FrameLine::Read(line)) {
         HeardFrame frame = Replayed(told->kind, told->isTransmitted);
         frame.port = static_cast<qint16>(told->channel + 1);
-        frame.source = Bytes(told->source);
-        frame.destination = Bytes(told->destination);
-        frame.path = Bytes(told->path);
-        frame.information = Bytes(told->information);
+        frame.source = told->source;
+        frame.destination = told->destination;
+        frame.path = told->path;
+        frame.information = told->information;
         Give(frame, told->time, m_lineNumber);
     } else if (!IsStatus(line)) {
         ++m_notUnderstood;
         if (m_examples.size() < mostExamples)
-            m_examples.append(Bytes(line).first(std::min(Bytes(line).size(), exampleLength)).toByteArray());
+            m_examples.append(QByteArrayView(line)
+                                  .first(std::min(QByteArrayView(line).size(), exampleLength))
+                                  .toByteArray());
     }
 }
 
@@ -132,10 +130,10 @@ void FrameText::GiveLogged(std::string_view information) {
     const LogHeader header = *std::exchange(m_header, std::nullopt);
     HeardFrame frame = Replayed(header.kind, header.isTransmitted);
     frame.port = static_cast<qint16>(header.port);
-    frame.source = Bytes(header.source);
-    frame.destination = Bytes(header.destination);
-    frame.path = Bytes(header.path);
-    frame.information = Bytes(information);
+    frame.source = header.source;
+    frame.destination = header.destination;
+    frame.path = header.path;
+    frame.information = information;
     Give(frame, LineTime{LineTime::Clock::TimeOfDay, header.timeOfDay}, m_headerLine);
 }
 
