@@ -68,6 +68,7 @@ private Q_SLOTS:
     void anUndoThatWasEndedBeforeTheOldFileWasGoneMayBeRepeated();
     void theOldHistoryStaysBeside();
     void undoPutsItBackWithWhatWasHeardSince();
+    void whatIsHeardWhileAnUndoIsPreparedStays();
     void undoOfAFirstImportLeavesNoFrames();
     void cancellingChangesNothing();
     void aFullDiskChangesNothing();
@@ -344,6 +345,26 @@ void HistoryImportTest::undoPutsItBackWithWhatWasHeardSince() {
     QCOMPARE(m_folder->Read(u"tlm.txt"_s), old + header + Line(midnight + 5 * hour, 5));
     QVERIFY(!HistoryImport::CanUndo(History()));
     QVERIFY(!HistoryImport::Undo(History()).isEmpty());
+}
+
+void HistoryImportTest::whatIsHeardWhileAnUndoIsPreparedStays() {
+    const QByteArray old = header + Line(midnight, 1);
+    const auto hear = [this](int raw) {
+        QFile file(History());
+        return file.open(QIODevice::Append) && file.write(Line(midnight + 5 * hour, raw)) > 0;
+    };
+    for (const bool isHeardBefore : {false, true}) {
+        m_folder->Write(u"tlm.txt"_s, old);
+        Import(Input("other.txt", header + Line(midnight + hour, 2)));
+        QVERIFY(!isHeardBefore || hear(5));
+        HistoryImport undo(History(), Sides());
+        QCOMPARE(undo.PrepareUndo(), Result::Done);
+        QVERIFY(hear(6));
+        QCOMPARE(undo.CommitUndo(), Result::Done);
+        QCOMPARE(Raws(), isHeardBefore ? (QList<int>{1, 5, 6}) : (QList<int>{1, 6}));
+        QVERIFY(!HistoryImport::CanUndo(History()));
+        QVERIFY(!QFile::exists(m_folder->File(u"tlm.importing.txt"_s)));
+    }
 }
 
 void HistoryImportTest::undoOfAFirstImportLeavesNoFrames() {

@@ -119,6 +119,7 @@ private Q_SLOTS:
     void anEventIsJumpedTo();
     void theReadingsInViewAreListed();
     void curvesArePrintedAndCopied();
+    void anHourglassShowsWhilePicturesAndPagesAreMade();
     void betterFormulaeMendThePast();
     void importIsOfferedWhereThereIsOne();
     void unchangedSettingsAreNotWritten();
@@ -568,6 +569,32 @@ void frmHistoryTest::curvesArePrintedAndCopied() {
     QApplication::clipboard()->clear();
     Find<QAction>("mnuCopyPicture")->trigger();
     QVERIFY(QApplication::clipboard()->pixmap().width() > 100);
+}
+
+void frmHistoryTest::anHourglassShowsWhilePicturesAndPagesAreMade() {
+    // Looks at the cursor while the axis is drawn.
+    class Watch : public QCPAxisTicker {
+    public:
+        int hourglasses = 0;
+
+    protected:
+        QString getTickLabel(double tick, const QLocale& locale, QChar form, int precision) override {
+            const QCursor* cursor = QGuiApplication::overrideCursor();
+            hourglasses += cursor != nullptr && cursor->shape() == Qt::WaitCursor ? 1 : 0;
+            return QCPAxisTicker::getTickLabel(tick, locale, form, precision);
+        }
+    };
+    Open(Passes(1440 * minute));
+    QTRY_VERIFY(IsLoaded(2));
+    const QSharedPointer<Watch> watch(new Watch);
+    Curves().axisRect(0)->axis(QCPAxis::atLeft)->setTicker(watch);
+    m_file = m_folder->File(u"out"_s);
+    for (const char* name : {"mnuExportPng", "mnuExportPdf", "mnuPrintHistory", "mnuCopyPicture"}) {
+        watch->hourglasses = 0;
+        Find<QAction>(name)->trigger();
+        QVERIFY2(watch->hourglasses > 0, name);
+        QVERIFY2(QGuiApplication::overrideCursor() == nullptr, name);
+    }
 }
 
 void frmHistoryTest::betterFormulaeMendThePast() {

@@ -127,9 +127,12 @@ void frmImportTest::filesAreCountedThenComeInThenAreTakenBack() {
     QVERIFY(!Find<QPushButton>("cmdImport")->isEnabled());
     Hear(2);
     Press("cmdUndo");
+    QVERIFY(!IsIdle()); // the window is alive meanwhile
+    Hear(3);
+    QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), patience);
     QCOMPARE(changed.size(), 2);
-    QCOMPARE(History(),
-             before + header + IsoTime::Milliseconds(noon + 2) + ",XQ9ZZ-1,A," + Information(2) + '\n');
+    QCOMPARE(History(), before + header + IsoTime::Milliseconds(noon + 2) + ",XQ9ZZ-1,A," + Information(2) +
+                            '\n' + IsoTime::Milliseconds(noon + 3) + ",XQ9ZZ-1,A," + Information(3) + '\n');
     QVERIFY(!Find<QPushButton>("cmdUndo")->isEnabled());
     QVERIFY(m_presenter.messages.isEmpty());
     Press("cmdClose");

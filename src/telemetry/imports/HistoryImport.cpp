@@ -85,8 +85,13 @@ HistoryImport::HistoryImport(const QString& path, HistorySides sides)
     , m_sides(std::move(sides)) {}
 
 HistoryImport::~HistoryImport() {
+    Drop();
+}
+
+void HistoryImport::Drop() {
     if (m_new)
         m_new->remove();
+    m_new.reset();
 }
 
 HistoryImport::Result HistoryImport::Fail(const QString& reason) {
@@ -286,43 +291,86 @@ bool HistoryImport::CanUndo(const QString& path) {
 }
 
 QString HistoryImport::Undo(const QString& path) {
-    const QString real = Real(path);
-    const QString backup = BackupOf(real);
-    if (!CanUndo(path))
-        return QStringLiteral("there is no import to undo");
-    // What was heard since then stands behind the last header.
-    qint64 heard = 0;
-    HistoryWalk now(real);
-    QString reason = QFileInfo::exists(real) ? now.Open() : QString();
-    while (QFileInfo::exists(real) && reason.isEmpty() && now.Next())
-        if (now.What() == HistoryWalk::Kind::Header)
-            heard = now.Position();
-    if (!reason.isEmpty())
-        return reason;
-    if (heard == 0 || now.Size() == heard)
-        return PutInPlace(backup, real);
-    QFile file(NewOf(real));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return file.errorString();
-    file.setPermissions(QFile::permissions(backup));
-    reason = AppendFrom(backup, 0, file);
-    if (reason.isEmpty()) {
-        // A header again, so that to undo once more, where this ends before the old file is gone, does the
-        // same.
-        if (!IsLineEnd(backup, QFileInfo(backup).size()))
-            file.write("\n");
-        file.write(HistoryLayout::Header());
-        reason = AppendFrom(real, heard, file);
+    HistoryImport import(path, {});
+    return import.PrepareUndo() == Result::Done && import.CommitUndo() == Result::Done ? QString()
+                                                                                       : import.Reason();
+}
+
+HistoryImport::Result HistoryImport::PrepareUndo(const Progress& progress) {
+    Drop();
+    m_heard = 0;
+    if (!CanUndo(m_path))
+        return Fail(QStringLiteral("there is no import to undo"));
+    if (QFileInfo::exists(m_path)) {
+        HistoryWalk now(m_path);
+        if (const QString reason = now.Open(); !reason.isEmpty())
+            return Fail(reason);
+        qint64 told = 0;
+        while (now.Next()) {
+            if (now.What() == HistoryWalk::Kind::Header)
+                m_heard = now.Position();
+            if (progress && now.Position() - told >= pieceSize &&
+                !progress(told = now.Position(), std::max(now.Position(), now.Size())))
+                return Result::Cancelled;
+        }
+        if (!now.Reason().isEmpty())
+            return Fail(now.Reason());
     }
+    const QString reason = IsHeardSince() ? WriteUndone() : QString();
     if (reason.isEmpty())
-        reason = Finish(file);
+        return Result::Done;
+    Drop();
+    return Fail(reason);
+}
+
+// Whether something stands behind the last header.
+bool HistoryImport::IsHeardSince() const {
+    return m_heard > 0 && QFileInfo(m_path).size() != m_heard;
+}
+
+// The old history and what was heard since, with a header between them, so that to undo once more, where this
+// ends before the old file is gone, does the same.
+QString HistoryImport::WriteUndone() {
+    const QString backup = BackupOf(m_path);
+    auto file = std::make_unique<QFile>(NewOf(m_path));
+    if (!file->open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return file->errorString();
+    m_new = std::move(file);
+    m_new->setPermissions(QFile::permissions(backup));
+    if (const QString reason = AppendFrom(backup, 0, *m_new); !reason.isEmpty())
+        return reason;
+    if (!IsLineEnd(backup, QFileInfo(backup).size()))
+        Write("\n");
+    Write(ToView(HistoryLayout::Header()));
+    m_oldSize = m_heard;
+    return AppendHeard();
+}
+
+// What was heard since, and is not in the new file yet.
+QString HistoryImport::AppendHeard() {
+    if (QFileInfo(m_path).size() < m_oldSize)
+        return QStringLiteral("the history was changed meanwhile");
+    const qint64 before = m_new->pos();
+    const QString reason = AppendFrom(m_path, m_oldSize, *m_new);
+    m_oldSize += m_new->pos() - before;
+    return reason.isEmpty() ? Finish(*m_new) : reason;
+}
+
+HistoryImport::Result HistoryImport::CommitUndo() {
+    const QString backup = BackupOf(m_path);
+    if (!m_new && !IsHeardSince()) {
+        const QString reason = PutInPlace(backup, m_path);
+        return reason.isEmpty() ? Result::Done : Fail(reason);
+    }
+    QString reason = m_new ? AppendHeard() : WriteUndone();
     if (reason.isEmpty())
-        reason = PutInPlace(file.fileName(), real);
+        reason = PutInPlace(m_new->fileName(), m_path);
     if (!reason.isEmpty()) {
-        file.remove();
-        return reason;
+        Drop();
+        return Fail(reason);
     }
+    m_new.reset();
     (void)QFile::remove(backup);
-    SyncFolderToDisk(QFileInfo(real).absolutePath());
-    return {};
+    SyncFolderToDisk(QFileInfo(m_path).absolutePath());
+    return Result::Done;
 }

@@ -27,7 +27,8 @@ struct ImportCount {
 /// - Commit puts it in the place of the old one, which stays as tlm.before-import.txt. It is short, and is
 ///   for the thread that writes the history: what was appended meanwhile goes along.
 ///
-/// What was prepared and not committed goes with the object.
+/// PrepareUndo and CommitUndo put the history of before the last import back, with what was heard since
+/// behind it; threads as above. What was prepared and not committed goes with the object.
 class HistoryImport {
 public:
     using Progress = ImportReader::Progress;
@@ -50,13 +51,16 @@ public:
     Result Prepare(const Progress& progress = {});
     Result Commit();
 
+    Result PrepareUndo(const Progress& progress = {});
+    Result CommitUndo();
+
     const QString& Reason() const { return m_reason; }
 
     /// Whether there is an import that Undo can take back.
     static bool CanUndo(const QString& path);
 
-    /// Puts the history of before the last import back, with what was heard since behind it. For the thread
-    /// that writes the history. Answers an empty text, or why nothing has changed.
+    /// PrepareUndo and CommitUndo at once, for the thread that writes the history. Answers an empty text, or
+    /// why nothing has changed.
     static QString Undo(const QString& path);
 
 private:
@@ -65,8 +69,12 @@ private:
     void WriteUntil(qint64 utc, std::string_view section, bool isNewest);
     bool Write(std::string_view bytes);
     Result Fail(const QString& reason);
+    void Drop();
     QString CopyTail();
     QString KeepOld() const;
+    bool IsHeardSince() const;
+    QString WriteUndone();
+    QString AppendHeard();
 
     const QString m_path; // links are followed
     const HistorySides m_sides;
@@ -76,5 +84,6 @@ private:
     int m_sectionChanges = 0;
     std::unique_ptr<QFile> m_new;
     qint64 m_oldSize = 0; // of what is in the new file
+    qint64 m_heard = 0;   // where what was heard since the last import begins; 0 where none was made
     QString m_reason;
 };

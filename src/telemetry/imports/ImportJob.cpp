@@ -32,14 +32,24 @@ void ImportJob::Count(const QStringList& files, const ImportOptions& options) {
 }
 
 void ImportJob::Import() {
+    Replace(&HistoryImport::Prepare, &HistoryImport::Commit, &ImportJob::ImportEnded);
+}
+
+void ImportJob::Undo() {
+    Replace(&HistoryImport::PrepareUndo, &HistoryImport::CommitUndo, &ImportJob::UndoEnded);
+}
+
+void ImportJob::Replace(PrepareStep prepare, CommitStep commit, End ended) {
     if (!m_settle()) { // a line that was begun is to be whole when it is read
         m_reason = NoRoom();
-        Q_EMIT ImportEnded(Result::Failed);
+        Q_EMIT(this->*ended)(Result::Failed);
         return;
     }
-    const auto progress = [this](qint64 done, qint64 total) { return Tell(done, total); };
-    Start([this, progress] { return m_import.Prepare(progress); },
-          [this](Result result) { Q_EMIT ImportEnded(result == Result::Done ? Commit() : result); });
+    const HistoryImport::Progress progress = [this](qint64 done, qint64 total) { return Tell(done, total); };
+    Start([this, prepare, progress] { return (m_import.*prepare)(progress); },
+          [this, commit, ended](Result result) {
+              Q_EMIT(this->*ended)(result == Result::Done ? Commit(commit) : result);
+          });
 }
 
 void ImportJob::Start(const std::function<Result()>& work, const std::function<void(Result)>& end) {
@@ -68,16 +78,12 @@ bool ImportJob::Tell(qint64 done, qint64 total) {
     return !m_isCancelled;
 }
 
-Result ImportJob::Commit() {
+Result ImportJob::Commit(CommitStep commit) {
     if (!m_settle()) {
         m_reason = NoRoom();
         return Result::Failed;
     }
-    const Result result = m_import.Commit();
+    const Result result = (m_import.*commit)();
     m_reason = m_import.Reason();
     return result;
-}
-
-QString ImportJob::Undo() {
-    return m_settle() ? HistoryImport::Undo(m_path) : NoRoom();
 }

@@ -19,9 +19,10 @@ public:
     ImportJob(const QString& path, HistorySides sides, Settle settle, QObject* parent = nullptr);
     ~ImportJob() override;
 
-    /// Both begin; their ends are told by signals. Not while one is running.
+    /// All begin; their ends are told by signals. Not while one is running. Undo takes the last import back.
     void Count(const QStringList& files, const ImportOptions& options);
     void Import();
+    void Undo();
 
     /// Ends what is running, soon.
     void Cancel() { m_isCancelled = true; }
@@ -30,8 +31,6 @@ public:
     const ImportCount& Counted() const { return m_import.Counted(); }
     const QString& Reason() const { return m_reason; }
 
-    /// Takes the last import back; an empty text, or why nothing has changed.
-    QString Undo();
     bool CanUndo() const { return HistoryImport::CanUndo(m_path); }
 
 Q_SIGNALS:
@@ -39,12 +38,18 @@ Q_SIGNALS:
     void Progress(int percent);
     void CountEnded(HistoryImport::Result result);
     void ImportEnded(HistoryImport::Result result);
+    void UndoEnded(HistoryImport::Result result);
 
 private:
+    using PrepareStep = HistoryImport::Result (HistoryImport::*)(const HistoryImport::Progress&);
+    using CommitStep = HistoryImport::Result (HistoryImport::*)();
+    using End = void (ImportJob::*)(HistoryImport::Result);
+
+    void Replace(PrepareStep prepare, CommitStep commit, End ended);
     void Start(const std::function<HistoryImport::Result()>& work,
                const std::function<void(HistoryImport::Result)>& end);
     bool Tell(qint64 done, qint64 total);
-    HistoryImport::Result Commit();
+    HistoryImport::Result Commit(CommitStep commit);
 
     const QString m_path;
     const Settle m_settle;

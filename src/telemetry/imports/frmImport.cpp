@@ -134,6 +134,7 @@ void frmImport::Connect() {
     connect(&m_job, &ImportJob::Progress, barProgress, &QProgressBar::setValue);
     connect(&m_job, &ImportJob::CountEnded, this, &frmImport::ShowCount);
     connect(&m_job, &ImportJob::ImportEnded, this, &frmImport::ShowImport);
+    connect(&m_job, &ImportJob::UndoEnded, this, &frmImport::ShowUndo);
 }
 
 QStringList frmImport::AskForFiles(QWidget* window) {
@@ -212,13 +213,17 @@ void frmImport::ShowImport(Result result) {
 }
 
 void frmImport::Undo() {
-    const QString reason = m_job.Undo();
     m_isCounted = false;
+    m_job.Undo();
     Enable();
-    if (!reason.isEmpty()) {
-        Complain(reason);
+}
+
+void frmImport::ShowUndo(Result result) {
+    Enable();
+    if (result == Result::Failed)
+        Complain(m_job.Reason());
+    if (result != Result::Done)
         return;
-    }
     txtCount->setPlainText(tr("The history is what it was before the import, with what was heard since."));
     Q_EMIT HistoryChanged();
 }

@@ -48,6 +48,7 @@ private:
     void Undo();
     void ShowCount(HistoryImport::Result result);
     void ShowImport(HistoryImport::Result result);
+    void ShowUndo(HistoryImport::Result result);
     void Forget();
     void Enable();
     void Complain(const QString& text);

@@ -20,8 +20,18 @@ namespace {
 
 constexpr QSize pictureSize(1600, 900);
 
+// Pictures and pages of long histories take a while.
+class Hourglass {
+public:
+    Hourglass() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    Hourglass(const Hourglass&) = delete;
+    Hourglass& operator=(const Hourglass&) = delete;
+    ~Hourglass() { QGuiApplication::restoreOverrideCursor(); }
+};
+
 // The curves as large as the page is wide.
 bool PaintOn(HistoryPlot& plot, QPaintDevice& page) {
+    const Hourglass hourglass;
     QCPPainter painter;
     if (!painter.begin(&page))
         return false;
@@ -85,6 +95,7 @@ void HistoryExport::Picture(const QString& ending) {
         page.setPageOrientation(QPageLayout::Landscape);
         PaintOn(m_plot, page);
     } else {
+        const Hourglass hourglass;
         m_plot.toPixmap(pictureSize.width(), pictureSize.height()).save(&buffer, "PNG");
     }
     TellFailure(path, ReplaceFile(path, bytes));
@@ -99,6 +110,7 @@ void HistoryExport::Print() {
 }
 
 void HistoryExport::Copy() {
+    const Hourglass hourglass;
     QGuiApplication::clipboard()->setPixmap(m_plot.toPixmap(pictureSize.width(), pictureSize.height()));
 }
 

@@ -3,10 +3,12 @@
 #include "telemetry/calibration/GridLayout.h"
 #include "telemetry/plots/ChannelTable.h"
 #include "telemetry/plots/HistoryCsv.h"
+#include "telemetry/plots/HistoryCurve.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <map>
 
 namespace {
@@ -105,7 +107,8 @@ void PlotFields::AddField(const std::vector<HistoryChannel>& channels, int grid)
 // Colours go by place; shapes by row, filled for side A.
 void PlotFields::AddCurve(const HistoryChannel& channel, QCPAxisRect* rect, QCPLegend* legend) {
     const auto place = static_cast<std::size_t>(m_plot.graphCount());
-    QCPGraph* curve = m_plot.addGraph(rect->axis(QCPAxis::atBottom), rect->axis(QCPAxis::atLeft));
+    QCPGraph* curve =
+        new HistoryCurve(rect->axis(QCPAxis::atBottom), rect->axis(QCPAxis::atLeft)); // the plot's own
     const QColor colour(colours[place % colours.size()]);
     curve->setName(ChannelTable::NameOf(channel));
     // A line of width 1 stays one dot of the screen wide, however fine the screen is, and is the cheapest.
@@ -252,14 +255,18 @@ void PlotFields::FitValues() {
     for (int i = 0; i < m_plot.graphCount(); ++i) {
         const QCPGraph* curve = m_plot.graph(i);
         const QCPRange range = curve->keyAxis()->range();
-        for (const QCPGraphData& point : *curve->data()) {
-            if (std::isnan(point.value) || !range.contains(point.key))
-                continue;
-            auto& [low, high] =
-                extents.try_emplace(curve->valueAxis(), point.value, point.value).first->second;
-            low = std::min(low, point.value);
-            high = std::max(high, point.value);
-        }
+        double lowest = std::numeric_limits<double>::infinity();
+        double highest = -lowest;
+        for (const QCPGraphData& point : *curve->data())
+            if (range.contains(point.key)) { // what is no number is neither lower nor higher
+                lowest = point.value < lowest ? point.value : lowest;
+                highest = point.value > highest ? point.value : highest;
+            }
+        if (lowest > highest)
+            continue;
+        auto& [low, high] = extents.try_emplace(curve->valueAxis(), lowest, highest).first->second;
+        low = std::min(low, lowest);
+        high = std::max(high, highest);
     }
     for (const auto& [axis, extent] : extents) {
         const auto [low, high] = extent;

@@ -29,20 +29,27 @@ public:
         if (m_last && m_readings.utc[first] - *m_last > longestLine)
             Break();
         m_last = m_readings.utc[end - 1];
-        const auto value = [this](std::size_t at) { return m_readings.value[at]; };
+        const double* values = m_readings.value.data();
         std::size_t low = first;
         std::size_t high = first;
-        for (std::size_t at = first; at < end; ++at) {
-            if (std::isnan(value(low)) || value(at) < value(low))
+        double lowest = std::numeric_limits<double>::infinity();
+        double highest = -lowest;
+        for (std::size_t at = first; at < end; ++at) { // what is no number is neither lower nor higher
+            const double value = values[at];
+            if (value < lowest) {
+                lowest = value;
                 low = at;
-            if (std::isnan(value(high)) || value(at) > value(high))
+            }
+            if (value > highest) {
+                highest = value;
                 high = at;
+            }
         }
         std::array places{first, std::min(low, high), std::max(low, high), end - 1};
         const auto rest = std::unique(places.begin(), places.end());
         for (auto place = places.begin(); place != rest; ++place)
-            if (!std::isnan(value(*place))) {
-                m_points.push_back({static_cast<double>(m_readings.utc[*place]) / 1000.0, value(*place)});
+            if (!std::isnan(values[*place])) {
+                m_points.push_back({static_cast<double>(m_readings.utc[*place]) / 1000.0, values[*place]});
                 ++m_joined;
             }
     }
