@@ -17,7 +17,8 @@ public:
     explicit Past(const GroundStation& ground)
         : m_ground(ground)
         , m_history(ground.folder.File(QStringLiteral("elements-history.txt")), {})
-        , m_direction(m_history, ground.cSats) {}
+        , m_elements(m_history, ground.cSats)
+        , m_direction(m_elements) {}
     Past(const Past&) = delete;
     Past& operator=(const Past&) = delete;
     ~Past() = default;
@@ -27,13 +28,14 @@ public:
             return std::nullopt;
         if (!std::exchange(m_isLoaded, true))
             m_history.Load();
-        return m_direction.At(m_ground.satellites.At(0).strObjNum.toUInt(), m_ground.station.dblLat(),
+        return m_direction.At(m_ground.satellites.At(0).strObjNum, m_ground.station.dblLat(),
                               m_ground.station.dblLong(), utc);
     }
 
 private:
     const GroundStation& m_ground;
     ElementsHistory m_history;
+    PastElements m_elements;
     PastDirection m_direction;
     bool m_isLoaded = false;
 };

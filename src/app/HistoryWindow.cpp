@@ -3,32 +3,17 @@
 #include "core/GroundStation.h"
 #include "foundation/messages/mb.h"
 #include "foundation/text/Clock.h"
-#include "orbit/history/ElementsHistory.h"
+#include "foundation/text/UtcTime.h"
 #include "telemetry/calibration/FormulaFile.h"
 #include "telemetry/plots/HistoryExport.h"
 
 #include <QDateTime>
 #include <QFileInfo>
 
-#include <algorithm>
-#include <cmath>
-
 namespace {
 
-constexpr double millisecondsPerDay = 86'400'000.0;
 constexpr double daysAhead = 3.0;
 constexpr std::size_t mostPasses = 500;
-constexpr double longestPass = 0.1; // days, of a satellite that circles low
-
-const DateTime epoch = DateOf(1970, 1, 1);
-
-DateTime ToDateTime(qint64 utc) {
-    return epoch + static_cast<double>(utc) / millisecondsPerDay;
-}
-
-qint64 ToMilliseconds(DateTime utc) {
-    return std::llround((utc - epoch) * millisecondsPerDay);
-}
 
 // Reading the formulae again while the program runs is nothing to ask the user about.
 class Silence : public MessagePresenter {
@@ -47,7 +32,10 @@ std::pair<qint64, qint64> StateOf(const QString& path) {
 HistoryWindow::HistoryWindow(GroundStation& ground, const Clock& clock, const mb& messages)
     : m_ground(ground)
     , m_clock(clock)
-    , m_messages(messages) {
+    , m_messages(messages)
+    , m_flownOn(ground.folder.File(QStringLiteral("elements-history.txt")), {})
+    , m_elements(m_flownOn, ground.cSats)
+    , m_passes(m_elements) {
     connect(&ground, &GroundStation::LimitCrossed, this, [this] {
         if (m_window)
             m_window->EventsHaveChanged();
@@ -63,6 +51,7 @@ void HistoryWindow::Show() {
         m_formulae = m_ground.formulae;
         m_sides = SidesOf(m_ground.callsigns);
         m_formulaFile = {};
+        m_flownOn.Load();
         m_window = new frmHistory(
             Services(), std::make_unique<TelemetryHistory>(m_ground.folder.File(QStringLiteral("tlm.txt")),
                                                            m_ground.channelMap, m_formulae, m_sides));
@@ -139,29 +128,11 @@ QString HistoryWindow::NextPass() const {
             m_ground.cSats.blnLocalTime() ? tr("local time") : tr("UTC"));
 }
 
-// As far as the elements are a guide to it.
-std::vector<std::pair<qint64, qint64>> HistoryWindow::Passes(qint64 from, qint64 to) const {
-    const QString& object = m_ground.satellites.At(0).strObjNum;
-    const auto elements = m_ground.cSats.ElementsOf(object);
-    if (!elements || !m_ground.station.PositionKnown())
+std::vector<PastPasses::Span> HistoryWindow::Passes(qint64 from, qint64 to) {
+    if (!m_ground.station.PositionKnown())
         return {};
-    const qint64 elementsUtc = ToMilliseconds(elements->epochUtc);
-    from = std::max(from, elementsUtc - ElementsHistory::farthest);
-    to = std::min(to, elementsUtc + ElementsHistory::farthest);
-    if (from >= to)
-        return {};
-    const DateTime begin = ToDateTime(from) - longestPass;
-    const SatPasses answer = m_ground.cSats.PassesOf({.object = object.toStdString(),
-                                                      .latitude = m_ground.station.dblLat(),
-                                                      .longitude = m_ground.station.dblLong(),
-                                                      .startUtc = begin,
-                                                      .days = ToDateTime(to) - begin,
-                                                      .most = mostPasses});
-    std::vector<std::pair<qint64, qint64>> passes;
-    for (const SatPass& pass : answer.passes)
-        if (const qint64 set = ToMilliseconds(pass.setUtc); set > from)
-            passes.emplace_back(ToMilliseconds(pass.riseUtc), set);
-    return passes;
+    return m_passes.Between(m_ground.satellites.At(0).strObjNum, m_ground.station.dblLat(),
+                            m_ground.station.dblLong(), from, to, mostPasses);
 }
 
 std::optional<HistoryServices::Decoding> HistoryWindow::NewDecoding() {

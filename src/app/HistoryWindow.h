@@ -1,5 +1,6 @@
 #pragma once
 
+#include "orbit/history/PastPasses.h"
 #include "telemetry/plots/frmHistory.h"
 
 #include <QPointer>
@@ -39,7 +40,7 @@ Q_SIGNALS:
 private:
     HistoryServices Services();
     QString NextPass() const;
-    std::vector<std::pair<qint64, qint64>> Passes(qint64 from, qint64 to) const;
+    std::vector<PastPasses::Span> Passes(qint64 from, qint64 to);
     std::optional<HistoryServices::Decoding> NewDecoding();
     std::optional<FormulaTable> ReadFormulae() const;
 
@@ -48,6 +49,9 @@ private:
     const mb& m_messages;
     std::function<void(QWidget*)> m_import;
     QPointer<frmHistory> m_window;
+    ElementsHistory m_flownOn; // read as often as the window opens
+    PastElements m_elements;
+    PastPasses m_passes;
 
     // What the window's history is decoded with.
     FormulaTable m_formulae;

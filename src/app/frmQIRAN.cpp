@@ -8,7 +8,6 @@
 #include "app/StatusBarView.h"
 #include "app/framGuide.h"
 #include "app/frmAbout.h"
-#include "core/LastPass.h"
 #include "core/Texts.h"
 #include "foundation/messages/DesktopNotices.h"
 #include "foundation/messages/HelpTopics.h"
@@ -82,7 +81,7 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
     connect(&m_running, &RunningWindow::Knocked, this, &frmQIRAN::ComeForward);
     m_lastPass.setObjectName(QStringLiteral("timLastPass"));
     m_lastPass.setInterval(lastPassInterval);
-    connect(&m_lastPass, &QTimer::timeout, this, [this] { m_ages.SetPassStart(StartOfLastPass(m_ground)); });
+    connect(&m_lastPass, &QTimer::timeout, this, [this] { m_ages.SetPassStart(m_passStart.Start()); });
     LayOut();
     ConnectMenu(*m_menu);
 }
@@ -259,7 +258,7 @@ void frmQIRAN::ShowGuide() {
 
 void frmQIRAN::DimOld(bool isOn) {
     if (isOn) {
-        m_ages.SetPassStart(StartOfLastPass(m_ground));
+        m_ages.SetPassStart(m_passStart.Start());
         m_lastPass.start();
     } else
         m_lastPass.stop();

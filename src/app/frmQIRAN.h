@@ -2,6 +2,7 @@
 
 #include "app/RunningWindow.h"
 #include "core/GroundStation.h"
+#include "core/LastPass.h"
 #include "core/Roof.h"
 #include "core/StartGuide.h"
 #include "core/StationStatus.h"
@@ -98,6 +99,7 @@ private:
     RunningWindow m_running;
     LegiblePalette m_legible;
     ValueAge m_ages;
+    LastPass m_passStart{m_ground};
     QTimer m_lastPass; // looks for the last pass now and then, while ages are shown
     WindowSize m_size;
     bool m_isClosing = false;

@@ -5,18 +5,13 @@
 
 #include <algorithm>
 
-namespace {
-
-constexpr std::size_t mostLive = 1'000'000; // frames of one run; more than a year's
-
-} // namespace
-
 HeardTimes::HeardTimes(GroundStation& station, QObject* parent)
     : QObject(parent)
     , m_station(station) {
     m_station.decoder.Decoded().Add([this](const TelemetryFrame& frame) {
-        if (m_live.size() < mostLive)
-            m_live.push_back(frame.utc);
+        m_live.push_back(frame.utc);
+        if (m_live.size() > mostLive)
+            m_live.pop_front();
     });
 }
 
@@ -46,19 +41,21 @@ void HeardTimes::Load() {
     m_thread->start();
 }
 
+// A live frame is in the file within a second, unless nothing is kept: what is later than the file's last
+// frame is not in it.
 void HeardTimes::Take(std::vector<qint64> kept) {
     m_thread->wait();
     m_thread.reset();
     m_kept = std::move(kept);
+    if (!m_kept.empty())
+        std::erase_if(m_live, [last = m_kept.back()](qint64 utc) { return utc <= last; });
     Q_EMIT Loaded();
 }
 
-// A live frame is in the file within a second, unless nothing is kept: what is later than the file's last
-// frame is not in it.
 std::vector<qint64> HeardTimes::Between(qint64 from, qint64 to) const {
     std::vector<qint64> times(std::ranges::lower_bound(m_kept, from), std::ranges::upper_bound(m_kept, to));
     for (const qint64 utc : m_live)
-        if (utc >= from && utc <= to && (m_kept.empty() || utc > m_kept.back()))
+        if (utc >= from && utc <= to)
             times.push_back(utc);
     std::ranges::sort(times);
     return times;

@@ -4,6 +4,7 @@
 #include <QThread>
 
 #include <atomic>
+#include <deque>
 #include <memory>
 #include <vector>
 
@@ -20,6 +21,9 @@ public:
     HeardTimes(const HeardTimes&) = delete;
     HeardTimes& operator=(const HeardTimes&) = delete;
 
+    /// So many frames are known beside the file; of more of them the oldest are forgotten until it is read.
+    static constexpr std::size_t mostLive = 10'000;
+
     /// Reads the file (again), unless it is being read.
     void Load();
 
@@ -35,7 +39,7 @@ private:
 
     GroundStation& m_station;
     std::vector<qint64> m_kept; // in the file, in order
-    std::vector<qint64> m_live;
+    std::deque<qint64> m_live;  // and not in what was read of it
     std::unique_ptr<QThread> m_thread;
     std::atomic<bool> m_isEnding = false;
 };

@@ -3,28 +3,30 @@
 #include "core/GroundStation.h"
 #include "foundation/text/UtcTime.h"
 
+#include <utility>
+
 namespace {
 
-constexpr double daysBack = 2.0;
-constexpr double daysWithoutPass = 0.5;
+constexpr qint64 hour = qint64{60} * 60 * 1000;
+constexpr qint64 searched = 48 * hour;
+constexpr qint64 withoutPass = 12 * hour;
+constexpr std::size_t most = 200;
 
 } // namespace
 
-qint64 StartOfLastPass(const GroundStation& station) {
-    const DateTime now = station.cSats.datGmtTime();
-    DateTime start = now - daysWithoutPass;
-    if (station.station.PositionKnown()) {
-        constexpr int most = 100;
-        const SatPasses answer =
-            station.cSats.PassesOf({.object = station.satellites.At(0).strObjNum.toStdString(),
-                                    .latitude = station.station.dblLat(),
-                                    .longitude = station.station.dblLong(),
-                                    .startUtc = now - daysBack,
-                                    .days = daysBack,
-                                    .most = most});
-        for (const SatPass& pass : answer.passes)
-            if (pass.riseUtc <= now)
-                start = pass.riseUtc;
-    }
-    return UtcTime::FromDateTime(start);
+LastPass::LastPass(const GroundStation& station)
+    : m_station(station)
+    , m_history(station.folder.File(QStringLiteral("elements-history.txt")), {})
+    , m_elements(m_history, station.cSats)
+    , m_passes(m_elements) {}
+
+qint64 LastPass::Start() {
+    const qint64 now = UtcTime::FromDateTime(m_station.cSats.datGmtTime());
+    if (!m_station.station.PositionKnown())
+        return now - withoutPass;
+    if (!std::exchange(m_isLoaded, true))
+        m_history.Load();
+    const auto passes = m_passes.Between(m_station.satellites.At(0).strObjNum, m_station.station.dblLat(),
+                                         m_station.station.dblLong(), now - searched, now, most);
+    return passes.empty() ? now - withoutPass : passes.back().first;
 }

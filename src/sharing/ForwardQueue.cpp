@@ -225,6 +225,8 @@ void ForwardQueue::WriteAnew() {
         Fail(reason);
         return;
     }
+    // What comes to the new file is on the disk only where its name is, too.
+    SyncFolderToDisk(QFileInfo(m_path).canonicalPath());
     m_trouble.clear();
     m_isUnsynced = false; // it is on the disk
     m_size = lines.size();

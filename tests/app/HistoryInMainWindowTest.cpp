@@ -5,6 +5,10 @@
 #include <QTest>
 #include <QToolButton>
 
+#include <array>
+#include <sys/inotify.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 /// The ways into the history window, and what it hears of the main window.
@@ -13,12 +17,14 @@ class HistoryInMainWindowTest : public QObject {
 private Q_SLOTS:
     void theStatusBarsButtonOpensIt();
     void nothingOfItRunsBefore();
+    void aStartReadsNothingOfIt();
     void aDoubleClickOpensTheValuesHistory();
     void theContextMenuOpensIt();
     void aFrameThatIsHeardAppears();
     void betterFormulaeMendThePast();
     void anEmptyHistoryNamesTheNextPass();
     void passesOfThePresentElementsAreShaded();
+    void passesOfThePastAreThoseOfTheElementsOfTheirTime();
     void localTimeIsTaken();
     void itEndsWithTheProgram();
 
@@ -35,6 +41,19 @@ private:
             if (model->index(row, 0).data().toString() == channel)
                 return row;
         return -1;
+    }
+    // In each field of curves.
+    static int Shades() {
+        int count = 0;
+        for (int i = 0; i < Curves().itemCount(); ++i)
+            count += Curves().item(i)->objectName() == u"pass" ? 1 : 0;
+        return count / std::max(Curves().axisRectCount(), 1);
+    }
+    // A frame whose TEMPS X+ is 10.0.
+    static void KeepOne(const MainWindowRig& rig) {
+        rig.folder.Write(u"tlm.txt"_s,
+                         "utc,source,side,sequence,raw1,raw2,raw3,raw4,field5,field6,field7,field8\n"
+                         "2026-11-20T23:00:00.000Z,XQ9ZZ-1,A,T#1,10,20,30,40,0,0,00100000,0\n");
     }
     static void Open(const MainWindowRig& rig) { rig.Find<QToolButton>("cmdHistory")->click(); }
     static void Place(MainWindowRig& rig) {
@@ -75,6 +94,27 @@ void HistoryInMainWindowTest::nothingOfItRunsBefore() {
     QVERIFY(exists());
 }
 
+void HistoryInMainWindowTest::aStartReadsNothingOfIt() {
+    MainWindowRig rig;
+    rig.folder.Write(u"tlm.txt"_s,
+                     "utc,source,side,sequence,raw1,raw2,raw3,raw4,field5,field6,field7,field8\n");
+    const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    QVERIFY(inotify_add_watch(watch, QFile::encodeName(rig.folder.File(u"tlm.txt"_s)).constData(),
+                              IN_OPEN | IN_ACCESS) >= 0);
+    bool wasOpened = false;
+    const auto look = [&] {
+        std::array<char, 4096> events{};
+        wasOpened = wasOpened || read(watch, events.data(), events.size()) > 0;
+        return wasOpened;
+    };
+    QVERIFY(rig.Start());
+    QTRY_COMPARE(rig.engine.MonitoringCount(), 1);
+    QVERIFY(!look());
+    Open(rig);
+    QTRY_VERIFY(look());
+    close(watch);
+}
+
 void HistoryInMainWindowTest::aDoubleClickOpensTheValuesHistory() {
     MainWindowRig rig;
     QVERIFY(rig.Start());
@@ -110,9 +150,7 @@ void HistoryInMainWindowTest::aFrameThatIsHeardAppears() {
 
 void HistoryInMainWindowTest::betterFormulaeMendThePast() {
     MainWindowRig rig;
-    rig.folder.Write(u"tlm.txt"_s,
-                     "utc,source,side,sequence,raw1,raw2,raw3,raw4,field5,field6,field7,field8\n"
-                     "2026-11-20T23:00:00.000Z,XQ9ZZ-1,A,T#1,10,20,30,40,0,0,00100000,0\n");
+    KeepOne(rig);
     QVERIFY(rig.Start());
     Open(rig);
     const int row = RowOf(u"TEMPS X+"_s);
@@ -136,17 +174,37 @@ void HistoryInMainWindowTest::passesOfThePresentElementsAreShaded() {
     MainWindowRig rig;
     Place(rig);
     rig.Set("HISTORY", "RANGE", u"24 hours"_s);
+    KeepOne(rig);
     QVERIFY(rig.Start());
     Open(rig);
-    const auto shades = [] {
-        int count = 0;
-        for (int i = 0; i < Curves().itemCount(); ++i)
-            count += Curves().item(i)->objectName() == u"pass" ? 1 : 0;
-        return count;
-    };
-    QTRY_VERIFY(shades() >= 2 && shades() <= 12);
+    QTRY_COMPARE(Value(RowOf(u"TEMPS X+"_s)), u"10.0"_s); // the range that it opens with is shown
+    QTRY_VERIFY(Shades() >= 2 && Shades() <= 12);
     Curves().SetRange(0, 86'400'000); // the elements are no guide to 1970
-    QTRY_COMPARE(shades(), 0);
+    QTRY_COMPARE(Shades(), 0);
+}
+
+void HistoryInMainWindowTest::passesOfThePastAreThoseOfTheElementsOfTheirTime() {
+    MainWindowRig rig;
+    Place(rig);
+    rig.Set("SETUP", "QIRAN_OBJ_NUM", u"25544"_s);
+    rig.folder.Write(u"elements-history.txt"_s,
+                     "utc,number,epoch,elements\n2020-01-02T00:00:00.000Z,25544,2020-01-01T00:00:00.000Z,"
+                     "\"1 25544U 98067A   20001.00000000  .00016717  00000-0  10270-3 0  9000\n"
+                     "2 25544  51.6400 208.9163 0006317  69.9862  25.2906 15.49560532 14777\"\n");
+    KeepOne(rig);
+    QVERIFY(rig.Start());
+    Open(rig);
+    QTRY_COMPARE(Value(RowOf(u"TEMPS X+"_s)), u"10.0"_s);
+    constexpr qint64 day = 86'400'000;
+    constexpr qint64 epoch = 1'577'836'800'000; // 2020-01-01
+    Curves().SetRange(epoch - day, epoch + day);
+    QTRY_VERIFY(Shades() >= 6 && Shades() <= 18);
+    Curves().SetRange(epoch + 15 * day, epoch + 17 * day);
+    QTRY_COMPARE(Shades(), 0);
+    Curves().SetRange(epoch - 13 * day, epoch);
+    QTRY_VERIFY(Shades() > 40);
+    Curves().SetRange(epoch - 13 * day, epoch + 13 * day); // no pass has a pixel to itself
+    QTRY_COMPARE(Shades(), 0);
 }
 
 void HistoryInMainWindowTest::localTimeIsTaken() {

@@ -92,6 +92,7 @@ class History(StationTest):
         self.assertEqual((read[-1]["from"], read[-1]["to"]), ("low warning", "normal"))
 
     def test_a_log_is_counted_taken_in_and_taken_back(self):
+        (self.folder / "channels.txt").write_text("B,POWER,Batt A,V,,,,1,1\n", encoding="utf-8")
         log = self.scratch / "20261121.TXT"
         log.write_bytes(b"12:00:01R QIRAN-3>APRS Port=1 <UI Len=33 PF=0>:\r\nT#7,150,147,80,170,0,0,00111111,0\r\n\r\n"
                         b"12:00:05R N0CALL>CQ Port=1 <UI Len=5>:\r\nhello\r\n\r\n")
@@ -104,6 +105,8 @@ class History(StationTest):
         self.call("import", "--zone", "Europe/Berlin", log)
         found = records(self.call("history", "--format", "json"))
         self.assertEqual([one["utc"] for one in found], ["2026-11-21T11:00:01.000Z"] * 4)
+        self.assertGreater(found[0]["value"], 1)  # and an event, had it been heard now
+        self.assertEqual(self.call("events", "--format", "json"), "")
         self.assertIn("known already: 1", self.call("import", "--zone", "Europe/Berlin", log))
         self.call("import", "--undo")
         self.assertEqual(self.call("history", "--format", "json"), "")

@@ -12,6 +12,7 @@ class HeardTimesTest : public QObject {
 private Q_SLOTS:
     void theFilesFramesAreFoundByTheirTimes();
     void liveFramesAreThereAtOnceAndOnce();
+    void aRunOfYearsDoesNotGrow();
     void anEndWhileItReadsIsNoTrouble();
 };
 
@@ -70,6 +71,32 @@ void HeardTimesTest::liveFramesAreThereAtOnceAndOnce() {
     // In the file by now, or not yet.
     QCOMPARE(times.Between(0, base * 2), std::vector<qint64>({base, base + 60000, base + 90000}));
     QCOMPARE(times.Between(base + 80000, base * 2), std::vector<qint64>({base + 90000}));
+}
+
+void HeardTimesTest::aRunOfYearsDoesNotGrow() {
+    StationRig rig;
+    rig.folder.Write(u"tlm.txt"_s, History(1));
+    HeardTimes times(*rig.station);
+    const auto hear = [&](qint64 first, qint64 last) {
+        for (qint64 k = first; k <= last; ++k)
+            rig.station->decoder.Decoded().Hand({.utc = base + k});
+    };
+    rig.station->history.SetKept(false); // is not what is asked here
+    constexpr auto most = static_cast<qint64>(HeardTimes::mostLive);
+    hear(1, most);
+    QCOMPARE(times.Between(0, base * 2).size(), HeardTimes::mostLive);
+    hear(most + 1, most + 3); // the newest are those that count
+    QCOMPARE(times.Between(0, base * 2).size(), HeardTimes::mostLive);
+    QCOMPARE(times.Between(0, base * 2).front(), base + 4);
+    QCOMPARE(times.Between(0, base * 2).back(), base + most + 3);
+    // What is in the file is known from there, and has made room.
+    rig.folder.Write(u"tlm.txt"_s, History(2));
+    QSignalSpy loaded(&times, &HeardTimes::Loaded);
+    times.Load();
+    QVERIFY(loaded.wait());
+    hear(60'001, 60'005);
+    QCOMPARE(times.Between(base + 60'001, base * 2).size(), std::size_t{5});
+    QCOMPARE(times.Between(0, base + 60'000), std::vector<qint64>({base, base + 60'000}));
 }
 
 void HeardTimesTest::anEndWhileItReadsIsNoTrouble() {

@@ -12,6 +12,7 @@ import tempfile
 import unittest
 
 import calibration
+from calibration import RAW, SIDES, readings
 from direwolf_air import DirewolfAir
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
@@ -19,25 +20,6 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 import rig  # noqa: E402
 
 PROGRAM = os.environ.get("QIRAN_CLI", "")
-GRID_NAMES = {"gTlm0": "POWER", "gTlm1": "CURRENT", "gTlm2": "TEMP"}
-SIDES = {"A": "XQ9ZZ-1", "B": "QIRAN-3"}
-RAW = {
-    ("A", 0): (62, 41, 88, 17), ("A", 1): (54, 70, 96, 48), ("A", 2): (60, 66, 31, 105), ("A", 3): (152, 149, 84, 171),
-    ("B", 0): (22, 58, 36, 90), ("B", 1): (44, 69, 94, 39), ("B", 2): (47, 65, 73, 99), ("B", 3): (150, 147, 80, 170),
-}
-
-
-def readings(folder, lines, more=0):
-    """What the frames must come to: (source, sequence, side, frame type, channel, grid, row, raw, value). `more` was
-    added to each raw value."""
-    table = calibration.formulae(folder / "formula.txt")
-    for (side, kind), raw in RAW.items():
-        for channel, value in enumerate(one + more for one in raw):
-            grid, row = calibration.CHANNELS[side][kind][channel].split(" ", 1)
-            a, b, c, d = table[side, kind, GRID_NAMES[grid], row.upper()]
-            converted = ((value ** 3.0 * a + value ** 2.0 * b) + c * value) + d
-            yield (SIDES[side], lines[side, kind].split(",")[0], side, kind, channel + 1, GRID_NAMES[grid], row, value,
-                   float(f"{converted:.15g}"))
 
 
 class AirToCommands(unittest.TestCase):
@@ -86,8 +68,7 @@ class AirToCommands(unittest.TestCase):
 
     def test_three_passes_one_of_them_with_a_kill_in_its_middle_stand_in_the_history(self):
         sides = list(RAW)
-        numbered = {(tour, key): calibration.line(100 * tour + i, key[1], [value + tour for value in RAW[key]])
-                    for tour in range(3) for i, key in enumerate(sides)}
+        numbered = calibration.three_passes()
         with DirewolfAir() as engine:
             folder = rig.make_program_folder(self.scratch / "folder", engine.port)
 
@@ -120,8 +101,7 @@ class AirToCommands(unittest.TestCase):
         self.assertEqual(kept, heard)
         found = [(one["source"], one["sequence"], one["side"], one["frame_type"], one["channel"], one["grid"], one["row"],
                   one["raw"], one["value"]) for one in kept]
-        expected = [reading for tour in range(3)
-                    for reading in readings(folder, {key: numbered[tour, key] for key in sides}, tour)]
+        expected = calibration.readings_of_three_passes(folder)
         self.assertEqual(len(found), 96)
         self.assertEqual(found, expected)
         exported = subprocess.run([PROGRAM, "--folder", folder, "history", "--format", "csv"], env=self.environment,

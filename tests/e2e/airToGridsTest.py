@@ -5,15 +5,9 @@ import sys
 import unittest
 
 import calibration
+from calibration import RAW, SIDES
 from direwolf_air import DirewolfAir
 from station import StationTest
-
-SIDES = {"A": "XQ9ZZ-1", "B": "QIRAN-3"}
-RAW = {
-    ("A", 0): (62, 41, 88, 17), ("A", 1): (54, 70, 96, 48), ("A", 2): (60, 66, 31, 105), ("A", 3): (152, 149, 84, 171),
-    ("B", 0): (22, 58, 36, 90), ("B", 1): (44, 69, 94, 39), ("B", 2): (47, 65, 73, 99), ("B", 3): (150, 147, 80, 170),
-}
-
 
 class AirToGrids(StationTest):
     def test_telemetry_from_the_air_stands_calibrated_in_the_grids(self):

@@ -7,9 +7,8 @@ import sys
 import unittest
 
 from direwolf_air import DirewolfAir
-from station import SIMULATOR, StationTest, rig
+from station import MAIN_WINDOW, SIMULATOR, StationTest, rig
 
-MAIN_WINDOW = r"QIRAN Telemetry Decoder    V[0-9.]+"
 CALLSIGN = "N0CALL-7"
 STATION = {
     ("SETUP", "CALLSIGN"): CALLSIGN, ("SETUP", "LATITUDE"): "5130.00N", ("SETUP", "LONGITUDE"): "00007.50W",

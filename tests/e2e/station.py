@@ -14,6 +14,7 @@ import rig  # noqa: E402
 
 PROGRAM = os.environ.get("QIRAN_PROGRAM", "")
 SIMULATOR = os.environ.get("QIRAN_SIMULATOR", "")
+MAIN_WINDOW = r"QIRAN Telemetry Decoder    V[0-9.]+"
 
 
 class Program:

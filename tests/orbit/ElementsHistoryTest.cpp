@@ -16,6 +16,8 @@ private Q_SLOTS:
     void aKnownEpochIsKeptOnce();
     void theNearestSetIsFound_data();
     void theNearestSetIsFound();
+    void theStretchesAreThoseOfTheNearestSets();
+    void aSetThatIsOnlyConsideredIsNotWritten();
     void whatWasKeptIsReadAtTheNextStart();
     void foreignAndTornLinesArePassedOver();
     void thePastIsComputedWithTheNearestSet();
@@ -97,6 +99,43 @@ void ElementsHistoryTest::theNearestSetIsFound() {
     history->Keep(Set(8, 103 * day, "another object"));
     const ElementsHistory::Set* set = history->Nearest(7, utc);
     QCOMPARE(set == nullptr ? QByteArray() : set->elements, elements);
+}
+
+void ElementsHistoryTest::theStretchesAreThoseOfTheNearestSets() {
+    const auto history = Make();
+    for (const qint64 epoch : {100 * day, 101 * day + 1, 120 * day, 200 * day})
+        history->Keep(Set(7, epoch));
+    history->Keep(Set(6, 105 * day));
+    history->Keep(Set(8, 105 * day));
+    const qint64 from = 90 * day;
+    const qint64 to = 210 * day;
+    const auto stretches = history->Stretches(7, from, to);
+    QCOMPARE(stretches.size(), std::size_t{4});
+    QCOMPARE(stretches.front().from, from);
+    QCOMPARE(stretches.back().to, to);
+    qint64 last = from;
+    for (const auto& stretch : stretches) {
+        if (stretch.from > last) {
+            QVERIFY(history->Nearest(7, last) == nullptr);
+            QVERIFY(history->Nearest(7, stretch.from - 1) == nullptr);
+        }
+        for (const qint64 utc : {stretch.from, (stretch.from + stretch.to) / 2, stretch.to - 1})
+            QCOMPARE(history->Nearest(7, utc), stretch.set);
+        last = stretch.to;
+    }
+    QCOMPARE(history->Stretches(7, 186 * day - 5, 186 * day).size(), std::size_t{0});
+    QCOMPARE(history->Stretches(7, 186 * day - 5, 186 * day + 1).size(), std::size_t{1});
+    QCOMPARE(history->Stretches(9, from, to).size(), std::size_t{0});
+}
+
+void ElementsHistoryTest::aSetThatIsOnlyConsideredIsNotWritten() {
+    const auto history = Make();
+    history->Keep(Set(1, 5 * day, "kept"));
+    history->Consider(Set(1, 5 * day, "considered"));
+    history->Consider(Set(1, 7 * day, "considered"));
+    QCOMPARE(history->Nearest(1, 5 * day)->elements, "kept");
+    QCOMPARE(history->Nearest(1, 7 * day)->elements, "considered");
+    QVERIFY(!Content().contains("considered"));
 }
 
 void ElementsHistoryTest::whatWasKeptIsReadAtTheNextStart() {

@@ -37,11 +37,12 @@ struct Rig : SkyRig {
                       .epoch = UtcTime::FromDateTime(epoch),
                       .elements = WithChecksums(Older())});
     }
-    std::optional<SkyPoint> At(DateTime utc) { return past.At(qiran, 52, 11, utc); }
+    std::optional<SkyPoint> At(DateTime utc) { return past.At(u"90417"_s, 52, 11, utc); }
 
     const DateTime epoch = DateOf(2026, 10, 17);
     ElementsHistory history{folder.File(u"elements-history.txt"_s), [](const QString&) {}};
-    PastDirection past{history, sats};
+    PastElements elements{history, sats};
+    PastDirection past{elements};
 };
 
 } // namespace
@@ -83,8 +84,8 @@ void PastDirectionTest::nothingIsNearEnough() {
 
 void PastDirectionTest::ofAnotherSatelliteThereIsNothing() {
     Rig rig;
-    QVERIFY(!rig.past.At(12345, 52, 11, rig.epoch));
-    QVERIFY(rig.past.At(25544, 52, 11, DateOf(2026, 11, 16)));
+    QVERIFY(!rig.past.At(u"12345"_s, 52, 11, rig.epoch));
+    QVERIFY(rig.past.At(u"25544"_s, 52, 11, DateOf(2026, 11, 16)));
 }
 
 QTEST_GUILESS_MAIN(PastDirectionTest)

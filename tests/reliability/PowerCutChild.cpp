@@ -9,6 +9,9 @@
 
 #include "foundation/settings/clsIni.h"
 #include "keps/ConvertKepsFile.h"
+#include "orbit/history/ElementsHistory.h"
+#include "sharing/ForwardQueue.h"
+#include "sharing/SidsRequest.h"
 #include "telemetry/callsigns/CallsignList.h"
 #include "telemetry/frames/ByteViews.h"
 #include "telemetry/history/HistoryWriter.h"
@@ -20,14 +23,15 @@
 #include <QFile>
 #include <QTimer>
 
+#include <algorithm>
 #include <array>
 #include <iostream>
 #include <string>
 
 namespace {
 
-constexpr qint64 start = 1795262400000; // 2026-11-21 12:00 UTC
-constexpr auto wait = std::chrono::milliseconds(120);
+constexpr qint64 start = 1795262400000;               // 2026-11-21 12:00 UTC
+constexpr auto wait = std::chrono::milliseconds(120); // see powerCutTest.py
 
 struct Kind {
     const char* name;
@@ -66,8 +70,8 @@ void HearSome(const ProgramFolder& folder, int first, int last) {
 }
 
 void HearAll(const ProgramFolder& folder) {
-    HearSome(folder, 0, 8); // the second writer finds what the first has left
-    HearSome(folder, 9, 13);
+    HearSome(folder, 0, 11); // the second writer finds what the first has left
+    HearSome(folder, 12, 15);
 }
 
 void HearMore(const ProgramFolder& folder) {
@@ -171,7 +175,7 @@ void AddEvents(const ProgramFolder& folder, int first, int last, std::chrono::mi
 }
 
 void AddAllEvents(const ProgramFolder& folder) {
-    AddEvents(folder, 0, 7, wait);
+    AddEvents(folder, 0, 11, wait);
 }
 
 void AddAnotherEvent(const ProgramFolder& folder) {
@@ -185,10 +189,103 @@ QByteArrayList ShowEvents(const ProgramFolder& folder) {
     return shown;
 }
 
+void KeepFlown(const ProgramFolder& folder, int first, int last, std::chrono::milliseconds time) {
+    ElementsHistory history(folder.File(QStringLiteral("elements-history.txt")), [](const QString&) {});
+    history.Load();
+    for (int number = first; number <= last; ++number) {
+        history.Keep({.firstSeen = start,
+                      .number = 90417,
+                      .epoch = start + number,
+                      .elements = "QIRAN\n1 90417U\n2 90417 " + QByteArray::number(number)});
+        Loop(time);
+    }
+}
+
+void KeepAllFlown(const ProgramFolder& folder) {
+    KeepFlown(folder, 0, 11, wait);
+}
+
+void KeepMoreFlown(const ProgramFolder& folder) {
+    KeepFlown(folder, 999, 999, {});
+}
+
+QByteArrayList ShowFlown(const ProgramFolder& folder) {
+    ElementsHistory history(folder.File(QStringLiteral("elements-history.txt")), {});
+    history.Load();
+    QByteArrayList shown;
+    for (const int number : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 999})
+        if (history.Holds(90417, start + number))
+            shown += history.Nearest(90417, start + number)->elements.split(' ').back();
+    return shown;
+}
+
+QByteArray ForwardBody(int number) {
+    const SidsStation station{QStringLiteral("DL1ABC"),           true, 49.7, 8.9, QStringLiteral("90417"),
+                              QStringLiteral("QiranDecode-2.4.2")};
+    return *SidsRequest::Body(station, start + number, "frame " + QByteArray::number(number));
+}
+
+// Queues, sends and is refused; a second queue finds a torn line at the end, so that it is written anew.
+void ForwardAll(const ProgramFolder& folder) {
+    constexpr qsizetype keepAtMost = 100;
+    {
+        ForwardQueue queue(folder, [](const QString&) {});
+        queue.Open(keepAtMost);
+        for (int number = 0; number < 8; number += 2) {
+            queue.Add({ForwardBody(number), ForwardBody(number + 1)});
+            Loop(wait);
+            queue.NoteSent(queue.List().FirstWaiting());
+            Loop(wait);
+        }
+        queue.Park(queue.List().FirstWaiting(), QStringLiteral("400 Bad Request"));
+        Loop(wait);
+    }
+    QFile file(folder.File(ForwardQueue::FileName()));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Append) || file.write("9 sent 1f0c") < 0)
+        qFatal("no torn line");
+    file.close();
+    ForwardQueue queue(folder, [](const QString&) {});
+    queue.Open(keepAtMost);
+    for (int number = 8; number < 12; ++number) {
+        queue.Add({ForwardBody(number)});
+        Loop(wait);
+        queue.NoteSent(queue.List().FirstWaiting());
+        Loop(wait);
+    }
+}
+
+void ForwardMore(const ProgramFolder& folder) {
+    ForwardQueue queue(folder, [](const QString&) {});
+    queue.Open(ForwardList::mostFrames);
+    queue.Add({ForwardBody(999)});
+}
+
+// What is known of each frame, in the order in which it came about.
+QByteArrayList ShowForward(const ProgramFolder& folder) {
+    const ForwardList list = ForwardQueue::Read(folder);
+    QByteArrayList shown;
+    for (const int number : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 999}) {
+        const QByteArray body = ForwardBody(number);
+        if (!list.IsKnown(SidsRequest::FrameKey(body)))
+            continue;
+        const QByteArray name = QByteArray::number(number);
+        shown += name + " queued";
+        const auto waits =
+            std::ranges::find(list.Frames(), body, [](const auto& entry) { return entry.second.body; });
+        if (waits == list.Frames().end())
+            shown += name + " sent";
+        else if (waits->second.isParked)
+            shown += name + " parked";
+    }
+    return shown;
+}
+
 constexpr std::array kinds{
     Kind{"history", "appended", HearAll, HearMore, ShowHistory},
     Kind{"import", "appended", ImportBetween, HearMore, ShowHistory},
     Kind{"events", "appended", AddAllEvents, AddAnotherEvent, ShowEvents},
+    Kind{"flown", "appended", KeepAllFlown, KeepMoreFlown, ShowFlown},
+    Kind{"forward", "appended", ForwardAll, ForwardMore, ShowForward},
     Kind{"settings", "replaced", SaveSettings, SaveMore, ShowSettings},
     Kind{"elements", "replaced", StoreElements, StoreMore, ShowElements},
 };

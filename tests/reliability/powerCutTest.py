@@ -18,6 +18,7 @@ import tempfile
 import unittest
 
 CHILD, TRACE = sys.argv[1:3]
+IN_A_SECOND = 8  # pieces that the child writes: one every 120 ms
 NAMES = ("give", "rename", "unlink", "link")
 
 
@@ -27,6 +28,7 @@ class Trace:
     def __init__(self, text):
         self.operations = []    # (word, its arguments), files told apart
         self.kept_from = []     # for each, the moment from which no power cut takes it away, or never
+        self.asked_at = []      # for each, the moment at which the disk was first asked to keep it, or never
         files, begun = {}, {}
         for line in text.splitlines():
             word, *rest = line.split(" ")
@@ -40,16 +42,21 @@ class Trace:
                 rest[0] = files[rest[0]]
             if word.startswith("sync"):
                 begun[rest[-1]] = (rest[0] if word == "sync" else None, len(self.operations))
+                self.note(self.asked_at, *begun[rest[-1]])
             else:
                 self.operations.append((word, rest))
                 self.kept_from.append(None)
+                self.asked_at.append(None)
 
     def keep(self, file, begin):
         """All that was done to the file (none: to names) before `begin` is on the disk from now on."""
+        self.note(self.kept_from, file, begin)
+
+    def note(self, moments, file, begin):
         for i in range(begin):
             word, rest = self.operations[i]
-            if self.kept_from[i] is None and (word in NAMES if file is None else word not in NAMES and rest[0] == file):
-                self.kept_from[i] = len(self.operations)
+            if moments[i] is None and (word in NAMES if file is None else word not in NAMES and rest[0] == file):
+                moments[i] = len(self.operations)
 
     def is_kept(self, operation, moment):
         return self.kept_from[operation] is not None and self.kept_from[operation] <= moment
@@ -163,9 +170,23 @@ class PowerCutTest(unittest.TestCase):
                     self.assertEqual(len(more), len(shown) + 1, where)
                 self.assertNotEqual(more, shown, where)
         if change == "appended":
+            self.look_at_delays(kind, trace)
             lost = trace.operations[trace.kept_until(moments[-1]):]
             self.assertEqual(lost, [], f"{kind}: what is not kept in the end")
         print(f"{kind}: {len(moments)} moments, {len(contents)} different disks")
+
+    def look_at_delays(self, kind, trace):
+        """The disk is asked to keep what was written before so many more pieces are written as take a second; if it has
+        not ended with the ones before, then as soon as it has."""
+        writes = [i for i, (word, _) in enumerate(trace.operations) if word == "write"]
+        for i in writes:
+            file = trace.operations[i][1][0]
+            busy = [trace.kept_from[k] for k in writes if trace.operations[k][1][0] == file and k < i
+                    and trace.asked_at[k] is not None and trace.kept_from[k] is not None
+                    and trace.asked_at[k] <= i < trace.kept_from[k]]
+            begin = max([i, *busy])
+            since = [k for k in writes if trace.operations[k][1][0] == file and begin < k < (trace.asked_at[i] or 10**9)]
+            self.assertLess(len(since), IN_A_SECOND, f"{kind}: {i} was put on the disk late")
 
     @staticmethod
     def is_between(shown, least, most):

@@ -58,6 +58,7 @@ private Q_SLOTS:
     void inAnHourThatOccursTwiceTheOrderOfLinesDecides();
     void aRenamedLogTellsNoTime();
     void monitorLinesBringTheirTime();
+    void inputsOfTheReservedNamesComeIn();
     void recordingsBringTheirTimeOrAreGivenOne();
     void framesOfOthersDoNotComeIn();
     void linesOfTheHistoryThatAreNotUnderstoodStay();
@@ -202,6 +203,14 @@ void HistoryImportTest::aRenamedLogTellsNoTime() {
     QCOMPARE(count.frames, 0);
     QCOMPARE(count.notUnderstood, 1);
     QVERIFY(count.examples.constFirst().contains("without a time"));
+}
+
+void HistoryImportTest::inputsOfTheReservedNamesComeIn() {
+    Import(Input("20010923.txt", Logged("12:00:00", 5)));
+    Import(Input("2001-pass.txt", "2001-10-01 12:00:00 XQ9ZZ-1>APRS:" + Information(6) + "\n"));
+    const QByteArray file = m_folder->Read(u"tlm.txt"_s);
+    QVERIFY(file.contains("2001-09-23T12:00:00.000Z,XQ9ZZ-1,A,T#001,5,"));
+    QVERIFY(file.contains("2001-10-01T12:00:00.000Z,XQ9ZZ-1,A,T#001,6,"));
 }
 
 void HistoryImportTest::monitorLinesBringTheirTime() {

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -68,9 +69,14 @@ void ElementsHistory::Keep(const Set& set) {
         return;
     if (Holds(set.number, set.epoch))
         return;
-    m_sets.insert(PlaceOf(set.number, set.epoch), set);
+    Consider(set);
     (void)m_file.Append(Csv::Line({IsoTime::Milliseconds(set.firstSeen), QByteArray::number(set.number),
                                    IsoTime::Milliseconds(set.epoch), set.elements}));
+}
+
+void ElementsHistory::Consider(const Set& set) {
+    if (!Holds(set.number, set.epoch))
+        m_sets.insert(PlaceOf(set.number, set.epoch), set);
 }
 
 const ElementsHistory::Set* ElementsHistory::Nearest(quint32 number, qint64 utc) const {
@@ -90,15 +96,36 @@ const ElementsHistory::Set* ElementsHistory::Nearest(quint32 number, qint64 utc)
     return nearest;
 }
 
+// Half way between two epochs the later one begins, as in Nearest.
+std::vector<ElementsHistory::Stretch> ElementsHistory::Stretches(quint32 number, qint64 from,
+                                                                 qint64 to) const {
+    const Place end = PlaceOf(number + 1, std::numeric_limits<qint64>::min());
+    std::vector<Stretch> stretches;
+    qint64 begin = from;
+    for (Place place = PlaceOf(number, from - farthest); place != end && begin < to; ++place) {
+        const Place next = std::next(place);
+        qint64 until = std::min(to, place->epoch + farthest + 1);
+        if (next != end)
+            until = std::min(until, place->epoch + (next->epoch - place->epoch + 1) / 2);
+        begin = std::max(begin, place->epoch - farthest);
+        if (begin < until)
+            stretches.push_back({begin, until, &*place});
+        begin = std::max(begin, until);
+    }
+    return stretches;
+}
+
 std::optional<orbitmath::Elements> ElementsHistory::ElementsAt(quint32 number, qint64 utc) const {
     const Set* const set = Nearest(number, utc);
-    if (set == nullptr)
-        return std::nullopt;
+    return set == nullptr ? std::nullopt : ElementsIn(*set);
+}
+
+std::optional<orbitmath::Elements> ElementsHistory::ElementsIn(const Set& set) {
     std::optional<orbitmath::Elements> found;
-    const std::string_view text(set->elements.constData(), static_cast<std::size_t>(set->elements.size()));
+    const std::string_view text(set.elements.constData(), static_cast<std::size_t>(set.elements.size()));
     orbitmath::ReadElementText(text, [&](const orbitmath::ElementRecord& record) {
         const auto* elements = std::get_if<orbitmath::Elements>(&record.content);
-        if (elements != nullptr && elements->number == number)
+        if (elements != nullptr && elements->number == set.number)
             found = *elements;
         return !found;
     });

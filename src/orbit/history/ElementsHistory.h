@@ -31,13 +31,31 @@ public:
     /// Keeps a set, unless one of this object and epoch is kept already.
     void Keep(const Set& set);
 
+    /// Has a set that is not kept stand among the others for all that is asked below. Nothing is written, not
+    /// by a later Keep either.
+    void Consider(const Set& set);
+
     /// The set of an object whose epoch is nearest to a time; none where all are farther than `farthest`.
-    /// Holds until the next Keep or Load.
+    /// Holds until the next Keep, Consider or Load.
     const Set* Nearest(quint32 number, qint64 utc) const;
+
+    /// A time throughout which one set is the nearest.
+    struct Stretch {
+        qint64 from = 0;
+        qint64 to = 0; ///< not included
+        const Set* set = nullptr;
+    };
+
+    /// The stretches between two times, in order; gaps are times that have no set. They hold as long as what
+    /// Nearest answers.
+    std::vector<Stretch> Stretches(quint32 number, qint64 from, qint64 to) const;
 
     /// What passes and positions of the past are computed with: the elements of that set. None where there is
     /// no such set, or its lines cannot be read. Each call reads the lines: ask once a pass.
     std::optional<orbitmath::Elements> ElementsAt(quint32 number, qint64 utc) const;
+
+    /// The elements in the lines of a set; none where they cannot be read.
+    static std::optional<orbitmath::Elements> ElementsIn(const Set& set);
 
     /// Whether the set of this object and epoch is kept.
     bool Holds(quint32 number, qint64 epoch) const;
