@@ -2,6 +2,7 @@
 
 #include "core/GroundStation.h"
 #include "foundation/messages/mb.h"
+#include "foundation/placement/PlaceWindow.h"
 #include "foundation/text/Clock.h"
 #include "foundation/text/UtcTime.h"
 #include "telemetry/calibration/FormulaFile.h"
@@ -59,10 +60,7 @@ void HistoryWindow::Show() {
         connect(m_window, &frmHistory::EventsSeen, this, &HistoryWindow::EventsSeen);
         connect(m_window, &frmHistory::ImUnloading, this, [this] { m_window.clear(); });
     }
-    m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
-    m_window->show();
-    m_window->raise();
-    m_window->activateWindow();
+    BringForward(m_window);
 }
 
 void HistoryWindow::ShowValue(const HistoryChannel& channel) {

@@ -4,22 +4,12 @@
 #include "core/GroundStation.h"
 #include "core/Texts.h"
 #include "foundation/messages/mb.h"
+#include "foundation/placement/PlaceWindow.h"
 #include "foundation/settings/Settings.h"
 #include "orbit/map/frmMap.h"
 #include "orbit/predictions/frmPass.h"
 #include "orbit/skyview/frmSky.h"
 #include "station/identity/PositionText.h"
-
-namespace {
-
-void BringForward(QWidget* window) {
-    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
-    window->show();
-    window->raise();
-    window->activateWindow();
-}
-
-} // namespace
 
 OrbitWindows::OrbitWindows(GroundStation& ground, const mb& messages, QWidget* owner)
     : m_ground(ground)

@@ -14,17 +14,17 @@ framGuide::framGuide(QWidget* parent)
     setObjectName(QStringLiteral("framGuide"));
     auto* layout = new QGridLayout(this);
     layout->setVerticalSpacing(2);
-    AddRow(*layout, Step::Formulae, QStringLiteral("Formulae"), tr("Open &folder"));
-    AddRow(*layout, Step::Engine, QStringLiteral("Engine"), tr("AG&WPE Setup"));
-    AddRow(*layout, Step::Position, QStringLiteral("Position"), tr("St&ation Information"));
-    AddRow(*layout, Step::Elements, QStringLiteral("Elements"), tr("Download &Keps"));
+    AddRow(*layout, Step::Formulae, QStringLiteral("Formulae"));
+    AddRow(*layout, Step::Engine, QStringLiteral("Engine"));
+    AddRow(*layout, Step::Position, QStringLiteral("Position"));
+    AddRow(*layout, Step::Elements, QStringLiteral("Elements"));
     auto* cmdGuideClose = Named(u"cmdGuideClose", new QPushButton(tr("Do &not show again")));
     connect(cmdGuideClose, &QPushButton::clicked, this, &framGuide::CloseAsked);
     layout->addWidget(cmdGuideClose, static_cast<int>(StartGuide::steps), 2);
     layout->setColumnStretch(1, 1);
 }
 
-void framGuide::AddRow(QGridLayout& layout, Step step, const QString& name, const QString& caption) {
+void framGuide::AddRow(QGridLayout& layout, Step step, const QString& name) {
     const auto index = static_cast<std::size_t>(step);
     const int row = static_cast<int>(index);
     Row& parts = m_rows[index];
@@ -32,7 +32,7 @@ void framGuide::AddRow(QGridLayout& layout, Step step, const QString& name, cons
     parts.text = Named(QStringLiteral("labGuide") + name, new QLabel);
     parts.text->setTextFormat(Qt::PlainText);
     parts.text->setWordWrap(true);
-    parts.button = Named(QStringLiteral("cmdGuide") + name, new QPushButton(caption));
+    parts.button = Named(QStringLiteral("cmdGuide") + name, new QPushButton);
     layout.addWidget(parts.mark, row, 0);
     layout.addWidget(parts.text, row, 1);
     layout.addWidget(parts.button, row, 2);
@@ -47,6 +47,7 @@ void framGuide::Show(const std::array<StartGuide::Line, StartGuide::steps>& line
         m_rows[i].mark->setText(isThere ? QStringLiteral("\u2713") : QStringLiteral("\u2022"));
         m_rows[i].mark->setAccessibleName(isThere ? tr("Done") : tr("Missing"));
         m_rows[i].text->setText(text);
+        m_rows[i].button->setText(line.mend);
         m_rows[i].button->setAccessibleDescription(text);
         m_rows[i].button->setVisible(!isThere);
     }

@@ -25,7 +25,7 @@ Q_SIGNALS:
     void CloseAsked();
 
 private:
-    void AddRow(QGridLayout& layout, StartGuide::Step step, const QString& name, const QString& caption);
+    void AddRow(QGridLayout& layout, StartGuide::Step step, const QString& name);
 
     struct Row {
         QLabel* mark = nullptr;

@@ -1,12 +1,12 @@
 #include "app/frmQIRAN.h"
 
+#include "app/FirstSteps.h"
 #include "app/HistoryWindow.h"
 #include "app/LinkMenu.h"
 #include "app/MainMenuView.h"
 #include "app/OpenDialogs.h"
 #include "app/OrbitWindows.h"
 #include "app/StatusBarView.h"
-#include "app/framGuide.h"
 #include "app/frmAbout.h"
 #include "core/Texts.h"
 #include "foundation/messages/DesktopNotices.h"
@@ -40,7 +40,6 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
-#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -78,7 +77,10 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
         m_framLocation->Tick();
         ShowStatus();
     });
-    connect(&m_running, &RunningWindow::Knocked, this, &frmQIRAN::ComeForward);
+    connect(&m_running, &RunningWindow::Knocked, this, [this] {
+        if (isVisible()) // until the start has come so far there is nothing to be seen
+            BringForward(this);
+    });
     m_lastPass.setObjectName(QStringLiteral("timLastPass"));
     m_lastPass.setInterval(lastPassInterval);
     connect(&m_lastPass, &QTimer::timeout, this, [this] { m_ages.SetPassStart(m_passStart.Start()); });
@@ -124,6 +126,8 @@ void frmQIRAN::LayOut() {
     auto* centre = new QWidget;
     auto* layout = new QVBoxLayout(centre);
     layout->addLayout(upper);
+    m_guidePlace = new QVBoxLayout;
+    layout->addLayout(m_guidePlace);
     layout->addWidget(txtMon, 1);
     setCentralWidget(centre);
     staStatus = new StatusBarView(m_status);
@@ -170,12 +174,6 @@ void frmQIRAN::FolderIsTaken() {
     RunningWindow::Knock(m_ground.folder.Path());
 }
 
-void frmQIRAN::ComeForward() {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    raise();
-    activateWindow();
-}
-
 void frmQIRAN::Announce() {
     m_running.Listen(m_ground.folder.Path());
     setWindowTitle(Texts::Caption(windowTitle()));
@@ -215,45 +213,14 @@ void frmQIRAN::PrepareTracking() {
     });
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::TellWindows);
     connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ApplyStationPosition);
-    connect(&m_ground, &GroundStation::ElementsChanged, this, [this] {
-        TellWindows();
-        m_framLocation->ShowCaption();
-        m_framLocation->Refresh();
-    });
+    connect(&m_ground, &GroundStation::ElementsChanged, this, &frmQIRAN::ShowElements);
     connect(&m_ground, &GroundStation::LimitCrossed, this, &frmQIRAN::TellOfEvent);
     connect(&m_ground.link, &ChosenLink::MonitorEnabled, txtMon, &QWidget::setEnabled);
     ApplyStationPosition();
     m_framLocation->ShowCaption();
     SetDueCaption();
-    if (!Settings::IsOn(m_ground.cIni, Settings::guideShow))
-        return;
-    m_guide = new framGuide;
-    m_guide->hide();
-    auto* layout = static_cast<QVBoxLayout*>(centralWidget()->layout());
-    layout->insertWidget(layout->indexOf(txtMon), m_guide);
-    connect(m_guide, &framGuide::Mend, this, &frmQIRAN::Mend);
-    connect(m_guide, &framGuide::CloseAsked, this, &frmQIRAN::EndGuide);
-    connect(&m_ground, &GroundStation::StatusLine, this, &frmQIRAN::ShowGuide);
-    connect(&m_ground.station, &Station::Changed, this, &frmQIRAN::ShowGuide);
-    connect(&m_ground, &GroundStation::ElementsChanged, this, &frmQIRAN::ShowGuide);
-}
-
-// The guide is there while anything is missing, and never again once nothing is.
-void frmQIRAN::ShowGuide() {
-    using StartGuide::State;
-    if (m_guide == nullptr)
-        return;
-    const auto lines = StartGuide::Of(m_ground);
-    const auto is = [](State state) {
-        return [state](const StartGuide::Line& line) { return line.state == state; };
-    };
-    if (std::ranges::all_of(lines, is(State::There))) {
-        EndGuide();
-        return;
-    }
-    m_guide->Show(lines);
-    if (std::ranges::any_of(lines, is(State::Missing)))
-        m_guide->show();
+    m_firstSteps = new FirstSteps(m_ground, *m_guidePlace, this);
+    connect(m_firstSteps, &FirstSteps::Mend, this, &frmQIRAN::Mend);
 }
 
 void frmQIRAN::DimOld(bool isOn) {
@@ -265,20 +232,13 @@ void frmQIRAN::DimOld(bool isOn) {
     m_ages.SetOn(isOn);
 }
 
-void frmQIRAN::EndGuide() {
-    Settings::Save(m_ground.cIni, Settings::guideShow, clsIni::TrueOrFalse(false));
-    m_guide->hide();
-    m_guide->deleteLater(); // its own button may be about it
-    m_guide = nullptr;
-}
-
 void frmQIRAN::Mend(StartGuide::Step step) {
     switch (step) {
     case StartGuide::Step::Formulae:
         OpenFolder(m_ground.folder.Path(), this, m_messages);
         break;
     case StartGuide::Step::Engine:
-        ShowAgwpeSetup();
+        m_ground.kiss.IsUsed() ? ShowKissSetup() : ShowAgwpeSetup();
         break;
     case StartGuide::Step::Position:
         ShowStationInformation();
@@ -304,7 +264,7 @@ void frmQIRAN::Show() {
     QString showStatus = Settings::Peek(m_ground.cIni, Settings::statusShow);
     staStatus->setVisible(clsIni::IsItTrue(showStatus));
     ShowStatus();
-    ShowGuide();
+    m_firstSteps->Update();
     DimOld(Settings::IsOn(m_ground.cIni, Settings::gridsDimOld));
     // A window that grows while it is shown forgets that its place is that of its frame.
     centralWidget()->layout()->activate();
@@ -336,6 +296,12 @@ void frmQIRAN::SetDueCaption() {
 void frmQIRAN::TellWindows() {
     m_orbit->DataHaveChanged();
     m_history->TellPasses();
+}
+
+void frmQIRAN::ShowElements() {
+    TellWindows();
+    m_framLocation->ShowCaption();
+    m_framLocation->Refresh();
 }
 
 void frmQIRAN::ShowTerminal() {
@@ -389,10 +355,8 @@ void frmQIRAN::DownloadKeps() {
         return;
     activateWindow(); // a box and its dialog that go at once leave some desktops without an active window
     m_ground.LoadElements();
-    ShowGuide();
-    TellWindows();
-    m_framLocation->ShowCaption();
-    m_framLocation->Refresh();
+    m_firstSteps->Update();
+    ShowElements();
 }
 
 void frmQIRAN::TellOfEvent(const LimitEvent& event) {

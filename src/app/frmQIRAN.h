@@ -17,7 +17,7 @@
 #include <memory>
 
 class DesktopNotices;
-class framGuide;
+class FirstSteps;
 class HistoryWindow;
 class framLocation;
 class frmTerm;
@@ -64,10 +64,7 @@ private:
     bool SaveWindowPlace() override;
 
     void LayOut();
-    void ShowGuide();
-    void EndGuide();
     void Mend(StartGuide::Step step);
-    void ComeForward();
     void DimOld(bool isOn);
     void ConnectMenu(const MainMenuView& menu);
     void ApplyStationPosition();
@@ -75,6 +72,7 @@ private:
     void ShowStatus();
     void ShowTerminal();
     void TellWindows();
+    void ShowElements();
     void ShowStationInformation();
     void ShowAgwpeSetup();
     void ShowForwarding();
@@ -95,6 +93,7 @@ private:
     std::unique_ptr<frmTerm> m_terminal;
     std::unique_ptr<OrbitWindows> m_orbit;
     std::unique_ptr<HistoryWindow> m_history;
+    FirstSteps* m_firstSteps = nullptr; // this window's
     QTimer m_timer1;
     RunningWindow m_running;
     LegiblePalette m_legible;
@@ -103,10 +102,10 @@ private:
     QTimer m_lastPass; // looks for the last pass now and then, while ages are shown
     WindowSize m_size;
     bool m_isClosing = false;
-    framGuide* m_guide = nullptr; // none once it has done its work
     MonitorPane* txtMon;
     QLabel* Label2;
     StatusBarView* staStatus;
     framLocation* m_framLocation = nullptr;
-    QVBoxLayout* m_side; // beside the grids: the explanation, and the tracking panel once there is one
+    QVBoxLayout* m_guidePlace; // over the monitor
+    QVBoxLayout* m_side;       // beside the grids: the explanation, and the tracking panel once there is one
 };

@@ -18,6 +18,7 @@ struct Line {
     State state = State::Missing;
     QString name; ///< "Elements"
     QString text; ///< how it stands, for people
+    QString mend; ///< the place that mends it, as its button names it
 };
 
 /// A line for each Step, in their order.

@@ -434,8 +434,15 @@ void TakenAlongTest::upAndDownWalkTheLinesSent() {
     QTest::keyClick(line, Qt::Key_Down);
     QTest::keyClick(line, Qt::Key_Down);
     QCOMPARE(line->text(), u"draft"_s);
+    QTest::keyClick(line, Qt::Key_Up);
+    QTest::keyClick(line, Qt::Key_Up);
+    QTest::keyClick(line, Qt::Key_Return); // "two" again
+    QVERIFY(line->text().isEmpty());
     QTest::keyClick(line, Qt::Key_R, Qt::ControlModifier);
-    QVERIFY(line->text().isEmpty() || line->text() != u"draft"_s); // as it was: the last line sent
+    QCOMPARE(line->text(), u"two"_s); // as it was: the last line sent
+    for (const auto modifiers : {Qt::AltModifier, Qt::MetaModifier, Qt::ShiftModifier})
+        QTest::keyClick(line, Qt::Key_Up, modifiers); // other keys walk nowhere
+    QCOMPARE(line->text(), u"two"_s);
 }
 
 void TakenAlongTest::sendingShowsTheNewestLine() {

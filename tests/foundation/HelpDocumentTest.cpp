@@ -182,7 +182,7 @@ private Q_SLOTS:
         m_window->Open({});
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
         const auto* page = m_window->findChild<QTextBrowser*>(QStringLiteral("txtHelp"));
-        m_window->resize(880, 480);
+        m_window->resize(980, 480);
         QVERIFY2(page->document()->size().width() <= page->viewport()->width(),
                  qPrintable(QString::number(page->document()->size().width())));
     }

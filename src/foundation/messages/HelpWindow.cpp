@@ -3,6 +3,7 @@
 #include "foundation/looks/Contrast.h"
 #include "foundation/messages/mb.h"
 #include "foundation/placement/BesideWindow.h"
+#include "foundation/placement/PlaceWindow.h"
 #include "foundation/placement/WindowSize.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -35,7 +36,7 @@ namespace {
 constexpr qint64 largestFile = 64 * 1024 * 1024;
 constexpr int lowestHeading = 3; // in the contents
 constexpr int positionRole = Qt::UserRole;
-constexpr QSize smallestSize(880, 480); // for the longest lines of the document
+constexpr QSize smallestSize(980, 480); // for the longest lines of the document
 constexpr QSize frameRoom(16, 40);      // that a window system may put around the window
 
 // Shows nothing but what the document itself holds.
@@ -159,14 +160,10 @@ void HelpWindow::Open(const QStringList& topics) {
     winId();
     const QWidget* modal = QApplication::activeModalWidget();
     windowHandle()->setTransientParent(modal != nullptr ? modal->windowHandle() : nullptr);
-    if (isMinimized())
-        showNormal();
-    show();
+    BringForward(this);
     if (m_size && !m_isOpened)
         m_size->Opened();
     m_isOpened = true;
-    raise();
-    activateWindow();
     const auto known = std::ranges::find_if(topics, [this](const QString& name) { return HasTopic(name); });
     GoTo(known == topics.end() ? 0 : m_topics.value(*known));
     m_page->setFocus();
@@ -277,7 +274,7 @@ void HelpWindow::BuildContents() {
     const int wanted = m_contents->columnWidth(0) + m_contents->verticalScrollBar()->sizeHint().width() +
                        2 * m_contents->frameWidth();
     const int all = std::max(m_panes->width(), smallestSize.width());
-    const int contents = std::min(wanted, all / 3);
+    const int contents = std::min(wanted, all * 2 / 5);
     m_panes->setSizes({contents, all - contents});
     MarkPlace();
 }

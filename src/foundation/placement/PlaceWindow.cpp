@@ -28,6 +28,13 @@ void CentreOnScreen(QWidget* window) {
                  area.top() + (area.height() - size.height()) / 2);
 }
 
+void BringForward(QWidget* window) {
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
 bool HasSizableBorder(const QWidget& window) {
     const bool fixedLayout =
         window.layout() != nullptr && window.layout()->sizeConstraint() == QLayout::SetFixedSize;

@@ -13,5 +13,8 @@ QWidget* ModalWindow();
 /// Moves a window to the middle of its screen. Its size must be known: call it after the layout is set.
 void CentreOnScreen(QWidget* window);
 
+/// Shows a window, restored if minimised, before all others, as far as the desktop allows it.
+void BringForward(QWidget* window);
+
 /// Whether the user may change the window's size by its border.
 bool HasSizableBorder(const QWidget& window);

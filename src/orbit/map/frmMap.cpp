@@ -227,7 +227,18 @@ void frmMap::SatHasChanged() {
 }
 
 void frmMap::DataHaveChanged() {
+    const GroundTrack track = GroundTrack::Of(m_cSats, m_satellites.Selected().strObjNum, m_shown);
+    DrawSat(track);
+    picMap->SetNote(
+        track.points.empty()
+            ? tr("There are no elements of %1 that can be used. Fetch them with Options, Download Keps.")
+                  .arg(m_satellites.Selected().strBaseName)
+            : QString());
     picMap->SetOverlay(m_layers.At(m_shown));
+    const QString zone = m_cSats.blnLocalTime() ? tr("local") : tr("UTC");
+    picTime->SetNote(m_clock.IsSimulated() ? tr("simulated, %1").arg(zone) : zone, m_clock.IsSimulated());
+    picTime->SetText(
+        FormatDateTime(m_cSats.ToDisplayTime(m_shown), u"yyyy-mmm-dd hh:nn:ss", MonthNames::English));
 }
 
 std::optional<DateTime> frmMap::SimulatedTime() const {
@@ -235,19 +246,7 @@ std::optional<DateTime> frmMap::SimulatedTime() const {
 }
 
 void frmMap::Tick() {
-    const DateTime start = m_clock.Shown(m_cSats.datGmtTime());
-    const GroundTrack track = GroundTrack::Of(m_cSats, m_satellites.Selected().strObjNum, start);
-    DrawSat(track);
-    picMap->SetNote(
-        track.points.empty()
-            ? tr("There are no elements of %1 that can be used. Fetch them with Options, Download Keps.")
-                  .arg(m_satellites.Selected().strBaseName)
-            : QString());
-    const QString zone = m_cSats.blnLocalTime() ? tr("local") : tr("UTC");
-    picTime->SetNote(m_clock.IsSimulated() ? tr("simulated, %1").arg(zone) : zone, m_clock.IsSimulated());
-    picTime->SetText(
-        FormatDateTime(m_cSats.ToDisplayTime(start), u"yyyy-mmm-dd hh:nn:ss", MonthNames::English));
-    m_shown = start;
+    m_shown = m_clock.Shown(m_cSats.datGmtTime());
     DataHaveChanged();
     Q_EMIT TimeShown();
     m_clock.Step();

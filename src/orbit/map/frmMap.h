@@ -26,7 +26,7 @@ public:
     /// The other satellite has been selected.
     void SatHasChanged();
 
-    /// Other elements have been read, or the station's position has changed.
+    /// Other elements have been read, or the station's position or whether times are local has changed.
     void DataHaveChanged();
 
     /// The time that the map shows, UTC, while it does not follow the real clock.

@@ -42,8 +42,7 @@ frmSky::frmSky(const clsSats& cSats, const TrackedSatellites& satellites, SkyVie
     , labHeard(Named(u"labHeard", new QLabel(this)))
     , cmdSaveHeard(Named(u"cmdSaveHeard", new QPushButton(tr("&Save as CSV"), this)))
     , Timer1(Named(u"Timer1", new QTimer(this)))
-    , timSum(Named(u"timSum", new QTimer(this)))
-    , m_placement(std::make_unique<clsWindowPos>()) {
+    , timSum(Named(u"timSum", new QTimer(this))) {
     setObjectName(u"frmSky");
     SetPlainTitle(*this, tr("The sky"));
     auto* layout = new QHBoxLayout(this);
@@ -55,7 +54,7 @@ frmSky::frmSky(const clsSats& cSats, const TrackedSatellites& satellites, SkyVie
     Timer1->start(refreshInterval);
     Refresh();
     resize(sizeHint());
-    m_placement->Init(this, QStringLiteral("SKY"), &m_cIni);
+    m_place = std::make_unique<KeptPlace>(*this, QStringLiteral("SKY"), m_cIni);
 }
 
 frmSky::~frmSky() = default;
@@ -257,24 +256,9 @@ void frmSky::keyPressEvent(QKeyEvent* event) {
         QWidget::keyPressEvent(event);
 }
 
-void frmSky::moveEvent(QMoveEvent* event) {
-    QWidget::moveEvent(event);
-    if (m_placement)
-        m_placement->RecordPosition();
-}
-
-void frmSky::resizeEvent(QResizeEvent* event) {
-    QWidget::resizeEvent(event);
-    if (!m_placement || isMinimized())
-        return;
-    if (isVisible())
-        m_placement->blnBeenInResize = true;
-    m_placement->RecordPosition();
-}
-
 void frmSky::closeEvent(QCloseEvent* event) {
     Timer1->stop();
-    m_placement.reset();
+    m_place.reset();
     event->accept();
     Q_EMIT ImUnloading();
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/messages/FileChoice.h"
-#include "foundation/placement/clsWindowPos.h"
+#include "foundation/placement/KeptPlace.h"
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/clsIni.h"
 #include "orbit/skyview/SkyPicture.h"
@@ -61,8 +61,6 @@ Q_SIGNALS:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
-    void moveEvent(QMoveEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
@@ -97,5 +95,5 @@ private:
     QPushButton* cmdSaveHeard;
     QTimer* Timer1;
     QTimer* timSum; // runs while frames are being summed up
-    std::unique_ptr<clsWindowPos> m_placement;
+    std::unique_ptr<KeptPlace> m_place;
 };

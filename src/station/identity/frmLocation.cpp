@@ -13,10 +13,12 @@
 
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QDropEvent>
 #include <QFormLayout>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPushButton>
 
 using PositionText::Axis;
@@ -52,6 +54,7 @@ frmLocation::frmLocation(Station& station, const mb& messages, QWidget* parent)
     for (QLineEdit* field : {txtLat, txtLong}) {
         connect(field, &QLineEdit::textChanged, this, &frmLocation::ShowMeaning);
         connect(field, &QLineEdit::textEdited, this, &frmLocation::OfferDecimal);
+        field->installEventFilter(this);
     }
     connect(txtComment, &QLineEdit::textChanged, this, &frmLocation::ShowCommentNote);
     connect(cmdUseDecimal, &QPushButton::clicked, this, &frmLocation::UseDecimal);
@@ -164,17 +167,35 @@ void frmLocation::ShowMeaning() {
     txtLong->setAccessibleDescription(labLongMeans->text());
 }
 
+bool frmLocation::eventFilter(QObject* watched, QEvent* event) {
+    constexpr qsizetype longestPosition = 200;
+    if (event->type() == QEvent::Drop)
+        m_dropped = static_cast<QDropEvent*>(event)->mimeData()->text().left(longestPosition);
+    return QDialog::eventFilter(watched, event);
+}
+
+// The decimal degrees that came into the field in one piece: pasted, with the mouse's middle button too, or
+// dropped. The field itself has not kept signs and commas.
+std::optional<PositionText::DecimalDegrees> frmLocation::DecimalIn(const QString& field) const {
+    const QClipboard& clipboard = *QGuiApplication::clipboard();
+    for (const QString& text : {clipboard.text(), clipboard.text(QClipboard::Selection), m_dropped}) {
+        QString kept;
+        for (const QChar character : text)
+            if (const auto passed = FieldRules::PositionCharacter(character))
+                kept += *passed;
+        const auto decimal = PositionText::FromDecimal(text);
+        if (decimal && field.contains(kept.trimmed()))
+            return decimal;
+    }
+    return std::nullopt;
+}
+
 // Decimal degrees from a map's page would be read as something else, or not at all: their meaning is offered.
 void frmLocation::OfferDecimal() {
     auto* field = qobject_cast<QLineEdit*>(sender());
-    QString pasted;
-    for (const QChar character : QGuiApplication::clipboard()->text())
-        if (const auto kept = FieldRules::PositionCharacter(character))
-            pasted += *kept;
-    const auto decimal = PositionText::FromDecimal(QGuiApplication::clipboard()->text());
-    const bool isPasted = decimal && !pasted.trimmed().isEmpty() && field->text().contains(pasted.trimmed());
-    cmdUseDecimal->setVisible(isPasted);
-    if (!isPasted)
+    const auto decimal = DecimalIn(field->text());
+    cmdUseDecimal->setVisible(decimal.has_value());
+    if (!decimal)
         return;
     const bool isLongitude = !decimal->second && field == txtLong;
     m_offeredLat = isLongitude ? QString() : PositionText::FromDegrees(decimal->first, Axis::Latitude);

@@ -19,6 +19,7 @@ public:
     frmLocation(Station& station, const mb& messages, QWidget* parent = nullptr);
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
@@ -28,6 +29,7 @@ private:
     bool CheckPosition(QLineEdit& field, PositionText::Axis axis);
     void ShowLocator();
     void ShowMeaning();
+    std::optional<PositionText::DecimalDegrees> DecimalIn(const QString& field) const;
     void OfferDecimal();
     void UseDecimal();
     void ShowCommentNote();
@@ -46,6 +48,7 @@ private:
     QPushButton* cmdUseDecimal;
     QLabel* labCommentNote;
     QLabel* labLocator;
+    QString m_dropped;    // on a position's field, last
     QString m_offeredLat; // behind the button; empty where it leaves the field alone
     QString m_offeredLong;
     QString m_shownLocator; // on opening

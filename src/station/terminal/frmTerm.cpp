@@ -5,6 +5,7 @@
 #include "foundation/fields/Named.h"
 #include "foundation/fields/SelectAllOnFocus.h"
 #include "foundation/messages/mb.h"
+#include "foundation/placement/PlaceWindow.h"
 #include "foundation/placement/Twips.h"
 #include "foundation/settings/ProgramFolder.h"
 #include "foundation/settings/Settings.h"
@@ -63,8 +64,7 @@ frmTerm::frmTerm(clsIni& cIni, const mb& messages, UnprotoLink& link, TerminalSe
     , m_link(link)
     , m_folder(folder)
     , m_session(session)
-    , m_guard(this)
-    , m_placement(std::make_unique<clsWindowPos>()) {
+    , m_guard(this) {
     setObjectName(QStringLiteral("frmTerm"));
     setWindowTitle(QStringLiteral("Terminal"));
     Build();
@@ -75,7 +75,7 @@ frmTerm::frmTerm(clsIni& cIni, const mb& messages, UnprotoLink& link, TerminalSe
     const QFontMetrics metrics = rtbMon->fontMetrics();
     resize(metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines);
 
-    m_placement->Init(this, QStringLiteral("TERMINAL"), &m_cIni);
+    m_place = std::make_unique<KeptPlace>(*this, QStringLiteral("TERMINAL"), m_cIni);
     mnuLogAllData->setChecked(m_session.log.IsLogging());
     LoadFields();
     m_session.transmitter.SetOwner(this);
@@ -228,10 +228,7 @@ void frmTerm::ShowData(QByteArrayView text, qint16 kind) {
 }
 
 void frmTerm::BringForward() {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    show();
-    raise();
-    activateWindow();
+    ::BringForward(this);
 }
 
 AddressFields frmTerm::Fields() const {
@@ -362,21 +359,6 @@ void frmTerm::keyPressEvent(QKeyEvent* event) {
         QMainWindow::keyPressEvent(event);
 }
 
-void frmTerm::moveEvent(QMoveEvent* event) {
-    QMainWindow::moveEvent(event);
-    if (m_placement)
-        m_placement->RecordPosition();
-}
-
-void frmTerm::resizeEvent(QResizeEvent* event) {
-    QMainWindow::resizeEvent(event);
-    if (!m_placement || isMinimized())
-        return;
-    if (isVisible())
-        m_placement->blnBeenInResize = true;
-    m_placement->RecordPosition();
-}
-
 void frmTerm::closeEvent(QCloseEvent* event) {
     // The close box unloads, as the menu does; but what is stored then and wrong has been said.
     m_guard.MayClose();
@@ -405,6 +387,6 @@ bool frmTerm::Release() {
     m_session.transmitter.SetOwner(nullptr);
     m_session.fields = Fields();
     m_session.Close();
-    m_placement.reset();
+    m_place.reset();
     return true;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/fields/FieldGuard.h"
-#include "foundation/placement/clsWindowPos.h"
+#include "foundation/placement/KeptPlace.h"
 #include "station/terminal/TerminalSession.h"
 
 #include <QMainWindow>
@@ -54,8 +54,6 @@ protected:
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void moveEvent(QMoveEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
@@ -86,7 +84,7 @@ private:
     const ProgramFolder& m_folder;
     TerminalSession& m_session;
     FieldGuard m_guard;
-    std::unique_ptr<clsWindowPos> m_placement;
+    std::unique_ptr<KeptPlace> m_place;
     QFont m_textFont; // of pane and transmit line
     int m_wheel = 0;  // what it has turned short of a step
     std::optional<QString> m_lastLine;

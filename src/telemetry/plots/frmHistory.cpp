@@ -49,15 +49,14 @@ frmHistory::frmHistory(HistoryServices services, std::unique_ptr<TelemetryHistor
     , labReading(Named(u"labReading", new QLabel(this)))
     , labState(Named(u"labState", new QLabel(this)))
     , prgState(Named(u"prgState", new QProgressBar(this)))
-    , tabHistory(Named(u"tabHistory", new QTabWidget(this)))
-    , m_placement(std::make_unique<clsWindowPos>()) {
+    , tabHistory(Named(u"tabHistory", new QTabWidget(this))) {
     setObjectName(u"frmHistory");
     SetPlainTitle(*this, tr("Telemetry history"));
     LayOut();
     ConnectPlot();
     ConnectWorker();
     ReadSettings();
-    m_placement->Init(this, QStringLiteral("HISTORY"), &m_services.ini);
+    m_place = std::make_unique<KeptPlace>(*this, QStringLiteral("HISTORY"), m_services.ini);
     TimesHaveChanged();
     EventsHaveChanged();
     ShowChosen();
@@ -407,27 +406,12 @@ void frmHistory::keyPressEvent(QKeyEvent* event) {
         QWidget::keyPressEvent(event);
 }
 
-void frmHistory::moveEvent(QMoveEvent* event) {
-    QWidget::moveEvent(event);
-    if (m_placement)
-        m_placement->RecordPosition();
-}
-
-void frmHistory::resizeEvent(QResizeEvent* event) {
-    QWidget::resizeEvent(event);
-    if (!m_placement || isMinimized())
-        return;
-    if (isVisible())
-        m_placement->blnBeenInResize = true;
-    m_placement->RecordPosition();
-}
-
 void frmHistory::closeEvent(QCloseEvent* event) {
-    if (m_placement)
+    if (m_place)
         SaveSettings();
     m_follow.stop();
     fraPlay->Stop();
-    m_placement.reset();
+    m_place.reset();
     event->accept();
     Q_EMIT ImUnloading();
 }

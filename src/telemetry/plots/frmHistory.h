@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foundation/placement/clsWindowPos.h"
+#include "foundation/placement/KeptPlace.h"
 #include "telemetry/plots/EventTable.h"
 #include "telemetry/plots/HistoryServices.h"
 #include "telemetry/plots/ReadingTable.h"
@@ -52,8 +52,6 @@ Q_SIGNALS:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
-    void moveEvent(QMoveEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
@@ -114,5 +112,5 @@ private:
     QTableView* tblChannels;
     QTableView* tblReadings;
     QTableView* tblEvents;
-    std::unique_ptr<clsWindowPos> m_placement;
+    std::unique_ptr<KeptPlace> m_place;
 };
