@@ -23,11 +23,11 @@ long allocations = 0;
 extern "C" {
 void* __libc_malloc(std::size_t bytes);               // NOLINT(bugprone-reserved-identifier)
 void* __libc_realloc(void* place, std::size_t bytes); // NOLINT(bugprone-reserved-identifier)
-void* malloc(std::size_t bytes) {
+void* malloc(std::size_t bytes) noexcept {
     ++allocations;
     return __libc_malloc(bytes);
 }
-void* realloc(void* place, std::size_t bytes) {
+void* realloc(void* place, std::size_t bytes) noexcept {
     ++allocations;
     return __libc_realloc(place, bytes);
 }
