@@ -8,6 +8,7 @@
 #include <QHostInfo>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QRegularExpression>
 
 namespace {
 
@@ -26,9 +27,22 @@ QString OneLine(const QString& text) {
     return Text::OneLine(text, longestReason);
 }
 
-// The same of a body, of which the start is enough.
+// The same of a body, of which the start is enough: of a page what it shows.
 QString OneLine(const QByteArray& body) {
-    return OneLine(QString::fromUtf8(body.left(8 * longestReason)));
+    constexpr qsizetype startOfPage = 16 * 1024;
+    if (!KepsText::IsHtml(body))
+        return OneLine(QString::fromUtf8(body.left(8 * longestReason)));
+    static const QRegularExpression unseen(
+        QStringLiteral("<!--.*?(-->|\\z)|<(head|script|style)\\b.*?(</\\2>|\\z)"),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression tag(QStringLiteral("<[^<>]*>"));
+    QString words =
+        QString::fromUtf8(body.left(startOfPage)).remove(unseen).replace(tag, QStringLiteral(" "));
+    for (const auto& [entity, character] :
+         {std::pair("&nbsp;", " "), std::pair("&lt;", "<"), std::pair("&gt;", ">"), std::pair("&quot;", "\""),
+          std::pair("&#39;", "'"), std::pair("&amp;", "&")})
+        words.replace(QLatin1String(entity), QLatin1String(character));
+    return OneLine(words);
 }
 
 // The length that the server announced for the body, -1 when it did not, nothing when it makes no sense.
@@ -209,10 +223,12 @@ void HttpTransfer::Finished() {
 void HttpTransfer::FinishWithStatus(int status) {
     const QString reason = OneLine(m_reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString());
     constexpr int partOfAFile = 206;
+    constexpr int forbidden = 403; // its words are for the user to read at once, and nothing more is asked
     const bool isWhole = Unpack();
     const bool isGood = status >= 200 && status < 300 && status != partOfAFile;
     const bool isRefusal = status >= 400;
-    const bool isPage = isRefusal && m_body.size() >= KepsText::shortest && KepsText::IsHtml(m_body);
+    const bool isPage =
+        isRefusal && status != forbidden && m_body.size() >= KepsText::shortest && KepsText::IsHtml(m_body);
     const QString refusal = isRefusal ? OneLine(m_body) : QString();
     if (!isGood && !isPage) {
         Fail(status, reason, refusal);

@@ -14,9 +14,9 @@ class QNetworkReply;
 /// An InternetTransfer over HTTP.
 ///
 /// Redirections are followed, at most ten, and never from https back to http. Completed are answers of status
-/// 2xx that arrived whole, and pages in HTML of status 400 and above that are long enough to be kept (80
-/// bytes); everything else is an error: another status, a cut body, a file above 64 MiB (unpacked), a
-/// transfer that stands still for 30 s. Cookies are neither kept nor sent; a user name and password in the
+/// 2xx that arrived whole, and pages in HTML of status 400 and above, but 403, that are long enough to be
+/// kept (80 bytes); everything else is an error: another status, a cut body, a file above 64 MiB (unpacked),
+/// a transfer that stands still for 30 s. Cookies are neither kept nor sent; a user name and password in the
 /// address go to its own server alone.
 class HttpTransfer : public InternetTransfer {
     Q_OBJECT

@@ -49,7 +49,8 @@ public:
     virtual int ResponseCode() const = 0;
     virtual QString ResponseInfo() const = 0;
 
-    /// What the server wrote with a status of 400 or more, as one line of at most 200 characters.
+    /// What the server wrote with a status of 400 or more, of a page in HTML what it shows, as one line of at
+    /// most 200 characters.
     virtual QString RefusalText() const = 0;
 
 Q_SIGNALS:

@@ -140,6 +140,7 @@ void DateTimeTest::formats_data() {
     QTest::newRow("log file") << u"yyyymmdd"_s << u"20020305"_s;
     QTest::newRow("quoted letters") << uR"(\d\d dd)"_s << u"dd 05"_s;
     QTest::newRow("trailing quote") << uR"(dd\)"_s << uR"(05\)"_s;
+    QTest::newRow("too many and too few letters") << u"yyy mmmm ddd yyyyy"_s << u"yyy Marm 05d 2002y"_s;
     QTest::newRow("lone letters stand") << u"d m y h"_s << u"d m y h"_s;
     QTest::newRow("empty") << QString() << QString();
 }

@@ -18,6 +18,7 @@ class DownloadAnswersTest : public QObject {
 private Q_SLOTS:
     void AnswersAreTakenOrLeaveTheOldFile_data();
     void AnswersAreTakenOrLeaveTheOldFile();
+    void TheWindowTellsTheServersWords_data();
     void TheWindowTellsTheServersWords();
 
 private:
@@ -88,6 +89,10 @@ void DownloadAnswersTest::AnswersAreTakenOrLeaveTheOldFile_data() {
         QString::fromLatin1(nothingNew));
     row("refused", S::Http("403 Forbidden", "Your address is blocked."), Outcome::Refused,
         u"403 Forbidden: Your address is blocked."_s);
+    row("refused, a page", S::Http("403 Forbidden", Page("Your address is blocked.")), Outcome::Refused,
+        u"403 Forbidden: Your address is blocked."_s);
+    row("nothing new, a page", S::Http("403 Forbidden", Page(nothingNew)), Outcome::CurrentAlready,
+        QString::fromLatin1(nothingNew));
     row("not found", S::Http("404 Not Found", "no such group"), Outcome::Refused,
         u"404 Not Found: no such group"_s);
     row("not found, a page", S::Http("404 Not Found", Page("no such group")), Outcome::Refused,
@@ -164,9 +169,17 @@ void DownloadAnswersTest::AnswersAreTakenOrLeaveTheOldFile() {
     QVERIFY(!QFile::exists(folder.Program().File(u"tempkeps.$$$"_s)));
 }
 
+void DownloadAnswersTest::TheWindowTellsTheServersWords_data() {
+    QTest::addColumn<QByteArray>("body");
+    const QByteArray words = "GP data has not updated since your last successful download.\nWait.";
+    QTest::newRow("text") << words;
+    QTest::newRow("a short page") << "<html>" + words;
+    QTest::newRow("a page") << Page("<p>" + words + "</p>");
+}
+
 void DownloadAnswersTest::TheWindowTellsTheServersWords() {
-    const ScriptedServer server(ScriptedServer::Answer{ScriptedServer::Http(
-        "403 Forbidden", "GP data has not updated since your last successful download.\nWait.")});
+    QFETCH(const QByteArray, body);
+    const ScriptedServer server(ScriptedServer::Answer{ScriptedServer::Http("403 Forbidden", body)});
     const TemporaryProgramFolder folder;
     clsIni ini(folder.IniFile());
     HttpTransfer inet;
@@ -178,6 +191,7 @@ void DownloadAnswersTest::TheWindowTellsTheServersWords() {
     QCOMPARE(status[status.size() - 2], u"Error - 403 Forbidden"_s);
     QCOMPARE(status.back(), u"GP data has not updated since your last successful download. Wait."_s);
     QVERIFY(!sequence.Result());
+    QVERIFY(!QFile::exists(folder.Program().File(u"File1.HTML"_s)));
     QCOMPARE(server.Requests().size(), 1);
 }
 

@@ -169,8 +169,8 @@ private Q_SLOTS:
     }
 
     void RefusalWithAPageCompletes() {
-        for (const QByteArray& status : {QByteArray("404 Not Found"), QByteArray("403 Forbidden"),
-                                         QByteArray("500 Internal Server Error")}) {
+        for (const QByteArray& status :
+             {QByteArray("404 Not Found"), QByteArray("410 Gone"), QByteArray("500 Internal Server Error")}) {
             const QByteArray page = Page(80);
             ScriptedServer server({ScriptedServer::Http(status, page)});
             Get(server.Url());
@@ -191,6 +191,44 @@ private Q_SLOTS:
         }
     }
 
+    void ForbiddenIsAnErrorHoweverItIsSaid() {
+        for (const QByteArray& body :
+             {QByteArray("no"), QByteArray(500, 'x'), Page(79), Page(80), Page(5000)}) {
+            ScriptedServer server({ScriptedServer::Http("403 Forbidden", body)});
+            Get(server.Url());
+            QCOMPARE(m_states.last(), 11);
+            QCOMPARE(ErrorText(), QStringLiteral("403 Forbidden"));
+            QVERIFY(Body().isEmpty());
+        }
+    }
+
+    void OfAPageTheWordsThatItShowsAreKept_data() {
+        QTest::addColumn<QByteArray>("page");
+        QTest::addColumn<QString>("words");
+        const auto row = [](const char* name, const QByteArray& page, const QString& words) {
+            QTest::newRow(name) << page << words;
+        };
+        row("head and tags",
+            "<html><HEAD><title>403</title></head><body class='x'><h1>Your\naddress</h1>is<br>blocked.",
+            QStringLiteral("Your address is blocked."));
+        row("script, style and remark",
+            "<html><style>h1{}</style>Go<script>if (a<b) x();</script> <!-- <b>secret</b> -->away</html>",
+            QStringLiteral("Go away"));
+        row("entities", "<html>&lt;you&gt;&nbsp;&amp;lt; &quot;I&quot; don&#39;t",
+            QStringLiteral("<you> &lt; \"I\" don't"));
+        row("nothing seen ends", "<html>Go<style>h1 {", QStringLiteral("Go"));
+        row("nothing but tags", "<html><body></body></html>", QString());
+        row("tags that never end", "<html>" + QByteArray(5'000'000, '<'), QString(200, u'<'));
+        row("a head of many", "<html>" + QByteArray("<head").repeated(500'000), QString());
+    }
+    void OfAPageTheWordsThatItShowsAreKept() {
+        QFETCH(const QByteArray, page);
+        QFETCH(const QString, words);
+        ScriptedServer server({ScriptedServer::Http("403 Forbidden", page)});
+        Get(server.Url());
+        QCOMPARE(m_transfer->RefusalText(), words);
+    }
+
     void WordsOfARefusalAreKeptApart() {
         const QByteArray words = "GP data has not updated since\r\n your last successful download\x1B[2J";
         const QString line =
@@ -202,9 +240,9 @@ private Q_SLOTS:
         ScriptedServer packed({Packed(GzipFile(words, 9), "403 Forbidden")});
         Get(packed.Url());
         QCOMPARE(m_transfer->RefusalText(), line);
-        ScriptedServer page({ScriptedServer::Http("403 Forbidden", Page(100))});
+        ScriptedServer page({ScriptedServer::Http("404 Not Found", Page(100))});
         Get(page.Url());
-        QVERIFY(m_transfer->RefusalText().startsWith(u"<!DOCTYPE html>"));
+        QVERIFY2(m_transfer->RefusalText().startsWith(u"sorry"), qPrintable(m_transfer->RefusalText()));
         ScriptedServer talker({ScriptedServer::Http("403 Forbidden", QByteArray(100000, 'x'))});
         Get(talker.Url());
         QCOMPARE(m_transfer->RefusalText(), QString(200, u'x'));

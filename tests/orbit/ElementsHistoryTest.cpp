@@ -14,6 +14,7 @@ private Q_SLOTS:
     void init();
     void aNewSetIsKeptAsItCame();
     void aKnownEpochIsKeptOnce();
+    void aSetInAnotherFormatIsKeptOnce();
     void theNearestSetIsFound_data();
     void theNearestSetIsFound();
     void theStretchesAreThoseOfTheNearestSets();
@@ -74,6 +75,30 @@ void ElementsHistoryTest::aKnownEpochIsKeptOnce() {
     QCOMPARE(Content().count('\n'), 5);
     QCOMPARE(history->Nearest(1, 5 * day)->elements, "first");
     QCOMPARE(history->Nearest(1, 4 * day)->elements, "older");
+}
+
+// Two-line elements round their epoch to 0.864 ms, OMM to a microsecond.
+void ElementsHistoryTest::aSetInAnotherFormatIsKeptOnce() {
+    for (const qint64 apart : {-1, 1}) {
+        init();
+        auto history = Make();
+        history->Keep(Set(1, 5 * day, "as it was"));
+        QVERIFY(history->Holds(1, 5 * day + apart));
+        QVERIFY(!history->Holds(1, 5 * day + 2 * apart));
+        QVERIFY(!history->Holds(2, 5 * day + apart));
+        history->Keep(Set(1, 5 * day + apart, "in another format"));
+        history->Keep(Set(2, 5 * day + apart, "another object"));
+        QCOMPARE(Content().count('\n'), 3);
+        QCOMPARE(history->Nearest(1, 5 * day + apart)->elements, "as it was");
+        // Kept twice by an earlier version.
+        m_folder->Write(u"elements-history.txt"_s, "utc,number,epoch,elements\n"
+                                                   "1970-01-06T00:00:00.000Z,1,1970-01-06T00:00:00.001Z,b\n"
+                                                   "1970-01-06T00:00:00.000Z,1,1970-01-06T00:00:00.000Z,a\n"
+                                                   "1970-01-06T00:00:00.000Z,1,1970-01-06T00:00:00.002Z,c\n");
+        history = Make();
+        QCOMPARE(history->Nearest(1, 5 * day)->elements, "a");
+        QCOMPARE(history->Nearest(1, 5 * day + 2)->elements, "c");
+    }
 }
 
 void ElementsHistoryTest::theNearestSetIsFound_data() {
@@ -185,7 +210,7 @@ void ElementsHistoryTest::thePastIsComputedWithTheNearestSet() {
     QVERIFY(!again->ElementsAt(90417, epoch));
     QVERIFY(!again->ElementsAt(5, epoch));
     QVERIFY(again->Holds(25544, epoch));
-    QVERIFY(!again->Holds(25544, epoch + 1));
+    QVERIFY(!again->Holds(25544, epoch + 2));
     QVERIFY(!again->Holds(25543, epoch));
 }
 

@@ -156,7 +156,7 @@ int PassPrinter::Run() {
                 QStringLiteral("%1 of %2 satellites").arg(k + 1).arg(m_satellites.size()));
     }
     m_session.console.Progress({});
-    m_sky.SayLost(lost);
+    m_sky.SayLost(lost, m_question.fromUtc);
     std::ranges::sort(m_found, {},
                       [](const FoundPass& one) { return std::pair(one.pass.riseUtc, one.satellite); });
     if (m_format == u"ical")

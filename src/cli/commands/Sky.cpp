@@ -8,6 +8,8 @@
 #include "orbit/service/KVRSatLib.h"
 #include "station/identity/Station.h"
 
+#include <QFile>
+
 #include <map>
 
 namespace {
@@ -89,13 +91,14 @@ std::vector<Satellite> Sky::Satellites() const {
     return satellites;
 }
 
-void Sky::SayLost(const std::vector<Satellite>& satellites) const {
+void Sky::SayLost(const std::vector<Satellite>& satellites, DateTime utc) const {
     if (satellites.empty())
         return;
     const QString others = satellites.size() > 1
                                ? QStringLiteral(", and %1 more like it").arg(satellites.size() - 1)
                                : QString();
+    const std::string why = m_library->WhyNoPosition(satellites.front().object.toStdString(), utc);
     m_session.console.Say(
         QStringLiteral("%1 cannot be tracked - %2%3")
-            .arg(satellites.front().name, m_sats.WhyNoPosition(satellites.front().object), others));
+            .arg(satellites.front().name, QFile::decodeName(QByteArray::fromStdString(why)), others));
 }

@@ -39,8 +39,8 @@ public:
     /// Whether all satellites are asked for.
     bool AllAreAsked() const { return m_asked == u"all"; }
 
-    /// Says that the elements of these give no position, and why of the first one.
-    void SayLost(const std::vector<Satellite>& satellites) const;
+    /// Says that the elements of these give no position at a time, and why of the first one.
+    void SayLost(const std::vector<Satellite>& satellites, DateTime utc) const;
 
     /// What is wrong in the element files, a line for each of them.
     const QStringList& Damage() const { return m_damage; }

@@ -43,7 +43,7 @@ public:
                 lost.push_back(satellite);
         }
         if (!std::exchange(m_areLostSaid, true))
-            m_sky.SayLost(lost);
+            m_sky.SayLost(lost, UtcTime::ToDateTime(now));
         return m_session.console.Flush() && lost.size() < m_satellites.size();
     }
 

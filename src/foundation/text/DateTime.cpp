@@ -14,8 +14,12 @@ constexpr sys_days dayZero = std::chrono::year{1899} / 12 / 30;
 constexpr double firstDay = -657434.0;     // 0100-01-01
 constexpr double afterLastDay = 2958466.0; // 10000-01-01
 
-QString Digits(int value, int width) {
-    return QStringLiteral("%1").arg(value, width, 10, QChar(u'0'));
+// As many digits, zeros in front; `value` has no more.
+void AppendDigits(QString& text, int value, qsizetype count) {
+    const qsizetype end = text.size() + count;
+    text.resize(end);
+    for (qsizetype k = 1; k <= count; ++k, value /= 10)
+        text[end - k] = QChar(u'0' + value % 10);
 }
 
 } // namespace
@@ -57,25 +61,31 @@ QString FormatDateTime(DateTime datT, QStringView form, MonthNames names) {
     const CalendarRecord time = ToCalendar(datT);
     QString text;
     for (qsizetype i = 0; i < form.size();) {
-        const QStringView rest = form.sliced(i);
-        if (rest.startsWith(u"yyyy")) {
-            text += Digits(time.year, 4);
+        const char16_t unit = form[i].unicode();
+        const auto isRepeated = [&](qsizetype count) {
+            for (qsizetype k = 1; k < count; ++k)
+                if (i + k >= form.size() || form[i + k].unicode() != unit)
+                    return false;
+            return true;
+        };
+        if (unit == u'y' && isRepeated(4)) {
+            AppendDigits(text, time.year, 4);
             i += 4;
-        } else if (rest.startsWith(u"mmm")) {
+        } else if (unit == u'm' && isRepeated(3)) {
             text += locale.monthName(time.month, QLocale::ShortFormat);
             i += 3;
-        } else if (rest.startsWith(u"mm") || rest.startsWith(u"dd") || rest.startsWith(u"hh") ||
-                   rest.startsWith(u"nn") || rest.startsWith(u"ss")) {
-            const char16_t unit = rest[0].unicode();
-            text += Digits(unit == u'm'   ? time.month
-                           : unit == u'd' ? time.day
-                           : unit == u'h' ? time.hour
-                           : unit == u'n' ? time.minute
-                                          : time.second,
-                           2);
+        } else if ((unit == u'm' || unit == u'd' || unit == u'h' || unit == u'n' || unit == u's') &&
+                   isRepeated(2)) {
+            AppendDigits(text,
+                         unit == u'm'   ? time.month
+                         : unit == u'd' ? time.day
+                         : unit == u'h' ? time.hour
+                         : unit == u'n' ? time.minute
+                                        : time.second,
+                         2);
             i += 2;
         } else {
-            if (rest[0] == u'\\' && rest.size() > 1)
+            if (unit == u'\\' && i + 1 < form.size())
                 ++i;
             text += form[i];
             ++i;

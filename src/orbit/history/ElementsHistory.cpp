@@ -60,7 +60,9 @@ void ElementsHistory::Load() {
             ++m_foreign;
     }
     std::ranges::stable_sort(m_sets, {}, Key);
-    const auto isRepeated = [](const Set& one, const Set& other) { return Key(one) == Key(other); };
+    const auto isRepeated = [](const Set& one, const Set& other) {
+        return one.number == other.number && other.epoch - one.epoch <= sameEpoch;
+    };
     m_sets.erase(std::unique(m_sets.begin(), m_sets.end(), isRepeated), m_sets.end());
 }
 
@@ -133,8 +135,8 @@ std::optional<orbitmath::Elements> ElementsHistory::ElementsIn(const Set& set) {
 }
 
 bool ElementsHistory::Holds(quint32 number, qint64 epoch) const {
-    const Place place = PlaceOf(number, epoch);
-    return place != m_sets.end() && Key(*place) == std::pair(number, epoch);
+    const Place place = PlaceOf(number, epoch - sameEpoch);
+    return place != m_sets.end() && place->number == number && place->epoch <= epoch + sameEpoch;
 }
 
 // The first set that is not before this object and epoch.

@@ -22,13 +22,17 @@ public:
 
     static constexpr qsizetype longestElements = 65536; ///< bytes
 
+    /// Epochs this near are those of one set: two-line elements write them to 1e-8 of a day, 0.864 ms, and
+    /// OMM to a microsecond.
+    static constexpr qint64 sameEpoch = 1;
+
     /// `failed` is told the reason when the file cannot be written, and again only after it could.
     ElementsHistory(const QString& path, AppendFile::Failed failed);
 
     /// Reads what is kept; to be called before anything else, and never by the program's start.
     void Load();
 
-    /// Keeps a set, unless one of this object and epoch is kept already.
+    /// Keeps a set, unless it is kept already, in whichever format it came.
     void Keep(const Set& set);
 
     /// Has a set that is not kept stand among the others for all that is asked below. Nothing is written, not

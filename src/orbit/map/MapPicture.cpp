@@ -53,6 +53,35 @@ QPointF PointAt(const MapGeometry::GeoPoint& point, const MapGeometry::MapSize& 
     return {pixel.x, pixel.y};
 }
 
+// Whether all points between two of a line lie on the straight way from the one to the other.
+bool IsStraight(const QPolygonF& line, qsizetype from, qsizetype to) {
+    constexpr double closeEnough = 0.02; // pixels
+    const QPointF way = line[to] - line[from];
+    const double reach = QPointF::dotProduct(way, way);
+    const double slack = closeEnough * std::sqrt(reach);
+    for (qsizetype k = from + 1; k < to; ++k) {
+        const QPointF part = line[k] - line[from];
+        const double along = QPointF::dotProduct(part, way);
+        if (std::abs(part.x() * way.y() - part.y() * way.x()) > slack || along < 0 || along > reach)
+            return false;
+    }
+    return true;
+}
+
+// A line without the points that nobody would see missing: each costs a joint.
+QPolygonF Thinned(const QPolygonF& line) {
+    constexpr qsizetype longestPart = 32; // points
+    QPolygonF thin;
+    qsizetype last = 0;
+    for (qsizetype k = 0; k < line.size(); ++k) {
+        if (k == 0 || k + 1 == line.size() || k - last == longestPart || !IsStraight(line, last, k + 1)) {
+            thin.append(line[k]);
+            last = k;
+        }
+    }
+    return thin;
+}
+
 void DrawPieces(QPainter& painter, const std::vector<MapGeometry::Piece>& pieces,
                 const MapGeometry::MapSize& size) {
     for (const MapGeometry::Piece& piece : pieces) {
@@ -60,22 +89,19 @@ void DrawPieces(QPainter& painter, const std::vector<MapGeometry::Piece>& pieces
         line.reserve(static_cast<qsizetype>(piece.size()));
         for (const MapGeometry::GeoPoint& point : piece)
             line.append(PointAt(point, size));
-        painter.drawPolyline(line);
+        painter.drawPolyline(Thinned(line));
     }
 }
 
+// The levels are the picture, their darkness its colours.
 QImage NightImage(const orbitmath::Vector3& sun, const QSize& size) {
-    QImage image(size, QImage::Format_ARGB32);
     const std::vector<std::uint8_t> levels = MapGeometry::NightLevels(sun, size.width(), size.height());
-    auto level = levels.begin();
-    for (int y = 0; y < size.height(); ++y) {
-        auto* const line = reinterpret_cast<QRgb*>(image.scanLine(y));
-        std::transform(level, level + size.width(), line, [](std::uint8_t dark) {
-            return qRgba(nightColour.red(), nightColour.green(), nightColour.blue(), nightAlpha.at(dark));
-        });
-        level += size.width();
-    }
-    return image;
+    QImage image(levels.data(), size.width(), size.height(), size.width(), QImage::Format_Indexed8);
+    QList<QRgb> colours;
+    for (const int alpha : nightAlpha)
+        colours.append(qRgba(nightColour.red(), nightColour.green(), nightColour.blue(), alpha));
+    image.setColorTable(colours);
+    return image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
 void DrawSatellite(QPainter& painter, const QPointF& place, const QColor& colour) {

@@ -25,16 +25,18 @@ std::vector<std::uint8_t> NightLevels(const Vector3& sun, int width, int height)
         const SinCos longitude = SinCos::Of(((x + 0.5) / width * 360 - 180) * radiansPerDegree);
         columns.push_back(longitude.cos * towards.x + longitude.sin * towards.y);
     }
-    std::vector<std::uint8_t> levels;
-    levels.reserve(columns.size() * static_cast<std::size_t>(height));
+    std::vector<std::uint8_t> levels(columns.size() * static_cast<std::size_t>(height));
+    auto level = levels.begin();
     for (int y = 0; y < height; ++y) {
         const SinCos latitude = SinCos::Of((90 - (y + 0.5) / height * 180) * radiansPerDegree);
+        std::array<double, sines.size()> limits{}; // of a column's factor; no line lies on a pole
+        std::ranges::transform(sines, limits.begin(),
+                               [&](double sine) { return (sine - latitude.sin * towards.z) / latitude.cos; });
         for (const double column : columns) {
-            const double sine = latitude.sin * towards.z + latitude.cos * column;
-            int level = 0;
-            for (const double limit : sines)
-                level += sine < limit ? 1 : 0;
-            levels.push_back(static_cast<std::uint8_t>(level));
+            int dark = 0;
+            for (const double limit : limits)
+                dark += column < limit ? 1 : 0;
+            *level++ = static_cast<std::uint8_t>(dark);
         }
     }
     return levels;

@@ -75,11 +75,11 @@ StationPath::StationPath(const Propagator& propagator, const Observer& observer,
 
 std::optional<StationPath::Node> StationPath::At(double time) {
     ++m_propagations;
-    const Propagation found = m_propagator.At(m_startMinutes + time / 60);
+    const Propagation found = m_propagator.At(m_startMinutes + time / 60, m_siderealClock.At(time));
     m_lastError = found.error;
     if (!found)
         return {};
-    const EarthState earth = ToEarth(found.state, m_siderealClock.At(time));
+    const EarthState earth = OnEarth(found.state);
     const Vector3& r = earth.position;
     const Vector3& v = earth.velocity;
     const Vector3 inertialV = v + EarthCross(r);

@@ -114,8 +114,9 @@ bool KVRSatLib::SetElementFolder(const std::string& path) {
 }
 
 void KVRSatLib::ForgetTracks() {
-    m_cache->propagators.clear();
     m_cache->last = nullptr;
+    m_cache->byName.clear();
+    m_cache->propagators.clear();
 }
 
 bool KVRSatLib::SetObserverLatitude(double degrees) {
@@ -135,18 +136,23 @@ bool KVRSatLib::SetObserverLongitude(double degreesEast) {
 }
 
 const Propagator* KVRSatLib::Track(const std::string& object, double utc) const {
+    const Cache::Named* const last = m_cache->last.load(std::memory_order_acquire);
+    if (last != nullptr && last->first == object)
+        return last->second;
     const std::lock_guard guard(m_cache->lock);
-    if (m_cache->last != nullptr && m_cache->lastObject == object)
-        return m_cache->last;
-    const ElementSet* set = m_folder.Find(object);
-    if (set == nullptr)
-        return nullptr;
-    auto known = m_cache->propagators.find(set->elements.number);
-    if (known == m_cache->propagators.end())
-        known = m_cache->propagators.emplace(set->elements.number, MakePropagator(set->elements, utc)).first;
-    m_cache->lastObject = object;
-    m_cache->last = &known->second;
-    return m_cache->last;
+    auto named = m_cache->byName.find(object);
+    if (named == m_cache->byName.end()) {
+        const ElementSet* set = m_folder.Find(object);
+        if (set == nullptr)
+            return nullptr;
+        auto known = m_cache->propagators.find(set->elements.number);
+        if (known == m_cache->propagators.end())
+            known =
+                m_cache->propagators.emplace(set->elements.number, MakePropagator(set->elements, utc)).first;
+        named = m_cache->byName.emplace(object, &known->second).first;
+    }
+    m_cache->last.store(&*named, std::memory_order_release);
+    return named->second;
 }
 
 std::optional<LibraryPosition> KVRSatLib::Position(const std::string& object, double libraryTime,
@@ -157,10 +163,11 @@ std::optional<LibraryPosition> KVRSatLib::Position(const std::string& object, do
     const Propagator* propagator = Track(object, utc);
     if (propagator == nullptr)
         return {};
-    const Propagation found = propagator->At(MinutesAfterEpoch(utc, propagator->GetElements()));
+    const Propagation found =
+        propagator->At(MinutesAfterEpoch(utc, propagator->GetElements()), SiderealTime(utc));
     if (!found)
         return {};
-    const EarthState earth = ToEarth(found.state, SiderealTime(utc));
+    const EarthState earth = OnEarth(found.state);
     const LookAngles look = m_observer.Look(earth);
     const Geodetic point = ToGeodetic(earth.position);
 

@@ -6,6 +6,7 @@
 #include "orbit/sgp4/Propagator.h"
 #include "orbit/sky/Observer.h"
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <unordered_map>
@@ -69,10 +70,12 @@ private:
     /// Made when an object is first asked for: a folder may hold a hundred times more than are. What they
     /// answer does not depend on when they were made.
     struct Cache {
-        std::mutex lock; ///< held while the rest is read or written
+        using Named = std::pair<const std::string, const orbitmath::Propagator*>;
+
+        std::mutex lock; ///< held while the maps are read or written
         std::unordered_map<std::uint32_t, orbitmath::Propagator> propagators;
-        std::string lastObject; ///< as the caller named it: the same one is asked for many times on end
-        const orbitmath::Propagator* last = nullptr;
+        std::unordered_map<std::string, const orbitmath::Propagator*> byName; ///< as callers name them
+        std::atomic<const Named*> last = nullptr; ///< the same one is asked for many times on end
     };
     const std::unique_ptr<Cache> m_cache = std::make_unique<Cache>();
 };

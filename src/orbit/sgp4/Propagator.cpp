@@ -196,13 +196,13 @@ double Propagator::SemiMajorAxis() const {
     return m_a0 * earthRadius;
 }
 
-Propagation Propagator::At(double minutes) const {
+Propagation Propagator::At(double minutes, double turned) const {
     if (!(std::abs(minutes) <= farthest) || !(m_n0 > 0))
         return Failed(PropagationError::OutOfRange);
-    return m_deepSpace ? DeepSpaceAt(minutes, *m_deepSpace) : NearEarth(minutes);
+    return m_deepSpace ? DeepSpaceAt(minutes, turned, *m_deepSpace) : NearEarth(minutes, turned);
 }
 
-Propagation Propagator::NearEarth(double t) const {
+Propagation Propagator::NearEarth(double t, double turned) const {
     const double t2 = t * t;
     double aRatio = 1 - m_c1 * t;
     double eLoss = m_elements.bstar * m_c4 * t;
@@ -211,7 +211,7 @@ Propagation Propagator::NearEarth(double t) const {
     double meanAnomaly = m_elements.meanAnomaly + m_meanAnomalyDot * t;
     Mean mean;
     mean.perigee = SinCos::Of(perigee);
-    mean.node = SinCos::Of(m_elements.node + (m_nodeDot + m_nodeCoef * t) * t);
+    mean.node = SinCos::Of(m_elements.node + (m_nodeDot + m_nodeCoef * t) * t - turned);
     if (!m_simpleDrag) {
         SinCos m = SinCos::Of(meanAnomaly);
         mean.meanLatitude = m + mean.perigee;
@@ -238,7 +238,7 @@ Propagation Propagator::NearEarth(double t) const {
     return WithPeriodics(mean, m_inclined);
 }
 
-Propagation Propagator::DeepSpaceAt(double t, const DeepSpace& deepSpace) const {
+Propagation Propagator::DeepSpaceAt(double t, double turned, const DeepSpace& deepSpace) const {
     double perigee = m_elements.argumentOfPerigee + (m_perigeeDot + deepSpace.PerigeeDot()) * t;
     double node = m_elements.node + (m_nodeDot + deepSpace.NodeDot() + m_nodeCoef * t) * t;
     double meanAnomaly = m_elements.meanAnomaly + (m_meanAnomalyDot + deepSpace.MeanAnomalyDot()) * t;
@@ -297,7 +297,7 @@ Propagation Propagator::DeepSpaceAt(double t, const DeepSpace& deepSpace) const 
     mean.a = a;
     mean.e = e;
     mean.perigee = SinCos::Of(perigee);
-    mean.node = SinCos::Of(node);
+    mean.node = SinCos::Of(node - turned);
     mean.meanAnomaly = meanAnomaly;
     mean.meanLatitude = SinCos::Of(meanAnomaly + perigee);
     return WithPeriodics(mean, Inclined(i));

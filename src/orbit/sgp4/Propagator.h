@@ -56,8 +56,9 @@ public:
     /// farther ones take longer in proportion.
     explicit Propagator(const Elements& elements, double readyMinutes = 60 * minutesPerDay);
 
-    /// The state `minutes` after the epoch.
-    Propagation At(double minutes) const;
+    /// The state `minutes` after the epoch, in a frame that is turned by so many radians from TEME about its
+    /// z; the velocity is that against TEME nevertheless. Turning here costs less than turning the state.
+    Propagation At(double minutes, double turned = 0) const;
 
     const Elements& GetElements() const { return m_elements; }
 
@@ -91,8 +92,8 @@ private:
     };
 
     void InitialiseDrag(double perigeeKm, double beta2);
-    Propagation NearEarth(double t) const;
-    Propagation DeepSpaceAt(double t, const DeepSpace& deepSpace) const;
+    Propagation NearEarth(double t, double turned) const;
+    Propagation DeepSpaceAt(double t, double turned, const DeepSpace& deepSpace) const;
     static Propagation WithPeriodics(const Mean& mean, const Inclined& inclined);
 
     Elements m_elements;

@@ -1,15 +1,17 @@
 #include "orbit/sky/Observer.h"
 
+#include "orbit/geometry/ArcTangent.h"
 #include "orbit/sgp4/SiderealTime.h"
 
 namespace orbitmath {
 
 namespace {
 
-/// The angle of a direction whose sine and cosine are known. The arc sine is quick, and good where it is not
-/// steep.
-double AngleOf(double sine, double cosine) {
-    return std::abs(sine) < 0.9 ? std::asin(sine) : std::atan2(sine, cosine);
+/// Up to this sine the arc sine is as good as the arc tangent, and quicker.
+constexpr double steep = 0.9;
+
+double AcrossOf(const Vector3& local) {
+    return std::sqrt(local.x * local.x + local.y * local.y);
 }
 
 } // namespace
@@ -18,11 +20,15 @@ EarthState ToEarth(const StateVector& state, double siderealTime) {
     const SinCos theta = SinCos::Of(siderealTime);
     const Vector3& r = state.position;
     const Vector3& v = state.velocity;
-    EarthState earth;
-    earth.position = {theta.cos * r.x + theta.sin * r.y, theta.cos * r.y - theta.sin * r.x, r.z};
-    earth.velocity = {theta.cos * v.x + theta.sin * v.y + siderealRate * earth.position.y,
-                      theta.cos * v.y - theta.sin * v.x - siderealRate * earth.position.x, v.z};
-    return earth;
+    StateVector turned;
+    turned.position = {theta.cos * r.x + theta.sin * r.y, theta.cos * r.y - theta.sin * r.x, r.z};
+    turned.velocity = {theta.cos * v.x + theta.sin * v.y, theta.cos * v.y - theta.sin * v.x, v.z};
+    return OnEarth(turned);
+}
+
+EarthState OnEarth(const StateVector& turned) {
+    const Vector3& r = turned.position;
+    return {r, turned.velocity + Vector3{siderealRate * r.y, -siderealRate * r.x, 0}};
 }
 
 Geodetic ToGeodetic(const Vector3& position) {
@@ -45,8 +51,8 @@ Geodetic ToGeodetic(const Vector3& position) {
     const double cosine = alongP * perLength;
 
     Geodetic point;
-    point.latitude = AngleOf(sine, cosine);
-    point.longitude = std::atan2(position.y, position.x);
+    point.latitude = std::abs(sine) < steep ? std::asin(sine) : ArcTangent(sine, cosine);
+    point.longitude = ArcTangent(position.y, position.x);
     point.altitude =
         p * cosine + position.z * sine - equatorialRadius * std::sqrt(1 - eccentricity2 * sine * sine);
     return point;
@@ -74,12 +80,12 @@ Observer::Observer(double latitudeDegrees, double longitudeDegrees) {
 }
 
 double AzimuthOf(const Vector3& local) {
-    const double azimuth = std::atan2(local.x, local.y);
+    const double azimuth = ArcTangent(local.x, local.y);
     return azimuth < 0 ? Turned(azimuth) : azimuth;
 }
 
 double ElevationOf(const Vector3& local) {
-    return std::atan2(local.z, std::sqrt(local.x * local.x + local.y * local.y));
+    return ArcTangent(local.z, AcrossOf(local));
 }
 
 LookAngles Observer::Look(const EarthState& object) const {
@@ -88,9 +94,10 @@ LookAngles Observer::Look(const EarthState& object) const {
     LookAngles look;
     look.azimuth = AzimuthOf(local);
     look.range = Length(line);
-    const double across = std::sqrt(local.x * local.x + local.y * local.y);
-    look.elevation = look.range > 0 ? AngleOf(local.z / look.range, across / look.range) : 0;
-    look.rangeRate = look.range > 0 ? Dot(line, object.velocity) / look.range : 0;
+    const double perRange = look.range > 0 ? 1 / look.range : 0;
+    const double sine = local.z * perRange;
+    look.elevation = std::abs(sine) < steep ? std::asin(sine) : ElevationOf(local);
+    look.rangeRate = Dot(line, object.velocity) * perRange;
     return look;
 }
 

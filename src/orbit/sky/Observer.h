@@ -24,6 +24,9 @@ struct EarthState {
 /// Turns a state by the sidereal time of its moment. Polar motion (up to 15 m) is left out.
 EarthState ToEarth(const StateVector& state, double siderealTime);
 
+/// The same of a state that Propagator::At has turned by the sidereal time already.
+EarthState OnEarth(const StateVector& turned);
+
 /// A point over the ellipsoid.
 struct Geodetic {
     double latitude = 0;  ///< radians, north positive
