@@ -323,7 +323,7 @@ void TypedInTest::thePausedMapFollowsLocalTime() {
 
 void TypedInTest::theLastPassIsThePresentOrTheOneBefore() {
     auto* ground = m_rig->window->findChild<GroundStation*>();
-    QCOMPARE(StartOfLastPass(*ground), m_rig->clock.Milliseconds() - 12 * 3'600'000); // nobody knows a pass
+    QCOMPARE(LastPass(*ground).Start(), m_rig->clock.Milliseconds() - 12 * 3'600'000); // nobody knows a pass
     Track();
     ground = m_rig->window->findChild<GroundStation*>();
     const DateTime now = DateOf(2026, 11, 21) + 0.5;
@@ -332,7 +332,7 @@ void TypedInTest::theLastPassIsThePresentOrTheOneBefore() {
     QVERIFY(answer.passes.size() == 3);
     const auto startAt = [&](DateTime at) {
         m_rig->clock.Set(at);
-        return StartOfLastPass(*ground);
+        return LastPass(*ground).Start();
     };
     const auto isRiseOf = [&](qint64 start, std::size_t pass) {
         return std::abs(start - UtcTime::FromDateTime(answer.passes[pass].riseUtc)) < 2000; // ms
