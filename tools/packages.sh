@@ -14,8 +14,8 @@ run_packages=(
 test_packages=(
     clang clang-format clang-tidy clang-tools cppcheck shellcheck libclang-rt-14-dev binutils
     direwolf openbox xdotool xclip imagemagick poppler-utils iproute2
-    python3-sgp4 python3-ephem python3-skyfield python3-astropy python3-icalendar
-    appstream dbus-daemon desktop-file-utils dpkg-dev fakeroot file lintian man-db openssl systemd
+    python3-pyatspi python3-sgp4 python3-ephem python3-skyfield python3-astropy python3-icalendar
+    appstream at-spi2-core dbus-daemon desktop-file-utils dpkg-dev fakeroot file lintian man-db openssl systemd
     curl jq mosquitto mosquitto-clients
 )
 

@@ -108,7 +108,7 @@ void frmDownload::LayOut() {
     for (int i = 0; i < 2; ++i) {
         QLineEdit* field = txtFile[static_cast<std::size_t>(i)];
         field->setObjectName(QStringLiteral("txtFile%1").arg(i));
-        field->setMinimumWidth(field->fontMetrics().averageCharWidth() * 72);
+        field->setMinimumWidth(field->fontMetrics().horizontalAdvance(QString(74, u'0')));
         field->setToolTip(
             tr("The address of an element file; http:// or https:// in front is dropped.\nThe server "
                "sends the program on to https where it wants that."));

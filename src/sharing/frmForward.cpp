@@ -109,7 +109,7 @@ QWidget* frmForward::ParkedFrames() {
     column->setContentsMargins({});
     labCounts = Named(u"labCounts", new QLabel(box));
     lstParked = Named(u"lstParked", new QTreeWidget(box));
-    lstParked->setAccessibleName(tr("Parked frames"));
+    lstParked->setAccessibleName(tr("Frames that the server refused"));
     lstParked->setHeaderLabels({tr("Heard"), tr("The server's words")});
     lstParked->setRootIsDecorated(false);
     lstParked->setUniformRowHeights(true);

@@ -45,13 +45,6 @@ const QByteArray elements = "QIRAN\r\n"
                             "1 90417U 01043C   26325.50000000  .00000100  00000+0  10000-3 0  9996\r\n"
                             "2 90417  67.0500 100.0000 0010000  90.0000 270.0000 14.28000000 50001\r\n";
 
-QPalette HighContrast(const QColor& ground, const QColor& text) {
-    QPalette palette(text, ground, ground, ground, ground, text, ground);
-    palette.setColor(QPalette::Base, ground);
-    palette.setColor(QPalette::Button, ground);
-    return palette;
-}
-
 using Role = QPalette::ColorRole;
 
 // With which colours a widget draws its text, and on which; nothing for what has no text.
@@ -137,8 +130,8 @@ void EveryWindowTest::everyTextCanBeRead_data() {
     const std::unique_ptr<QStyle> fusion(QStyleFactory::create(u"Fusion"_s));
     QTest::newRow("light") << fusion->standardPalette();
     QTest::newRow("dark") << Screenshots::DarkPalette();
-    QTest::newRow("white on black") << HighContrast(Qt::black, Qt::white);
-    QTest::newRow("black on white") << HighContrast(Qt::white, Qt::black);
+    QTest::newRow("white on black") << Screenshots::HighContrast(Qt::black, Qt::white);
+    QTest::newRow("black on white") << Screenshots::HighContrast(Qt::white, Qt::black);
 }
 
 void EveryWindowTest::everyTextCanBeRead() {

@@ -39,6 +39,7 @@ private Q_SLOTS:
     void aDimmedShadeIsWeakerAndLegible();
     void aFontWhoseLettersDifferIsReplaced();
     void theTerminalFollowsTheDesktopsTextSize();
+    void anOpenTerminalFollowsTheDesktopsTextSize();
     void theTerminalsTextIsChangedByKeysAndWheel();
     void nothingStandsBelowTheNewestMonitorLine();
     void theWindowsRememberTheirSize();
@@ -78,6 +79,7 @@ void AddPalettes() {
     QTest::newRow("dark") << Screenshots::DarkPalette();
     QTest::newRow("white on black") << Screenshots::HighContrast(Qt::black, Qt::white);
     QTest::newRow("black on white") << Screenshots::HighContrast(Qt::white, Qt::black);
+    QTest::newRow("yellow on black") << Screenshots::HighContrast(Qt::black, Qt::yellow);
 }
 
 // The strongest contrast of a pixel of `area` with the ground that most of it has: what its text is drawn in.
@@ -245,6 +247,36 @@ void LegibilityTest::theTerminalFollowsTheDesktopsTextSize() {
     QApplication::setFont(usual);
     QVERIFY(isStarted);
     QVERIFY2(std::abs(grown - 27 * 72.0 / pane->logicalDpiX()) < 0.01, qPrintable(QString::number(grown)));
+}
+
+// The user changes the desktop's text while the terminal stands open; a size of the user's own stays.
+void LegibilityTest::anOpenTerminalFollowsTheDesktopsTextSize() {
+    QVERIFY(m_rig->Start());
+    m_rig->Find<QAction>("mnuTerminal")->trigger();
+    QWidget* terminal = WindowNamed(u"frmTerm"_s);
+    QVERIFY(QTest::qWaitForWindowActive(terminal));
+    auto* line = InWindow<QLineEdit>("frmTerm", "txtTx");
+    const auto* pane = InWindow<QPlainTextEdit>("frmTerm", "rtbMon");
+    const auto pixels = [pane] { return qRound(pane->font().pointSizeF() * pane->logicalDpiX() / 72.0); };
+    const QFont usual = QApplication::font();
+    const int before = pixels();
+    QFont large = usual;
+    large.setPointSizeF(19.0);
+    QApplication::setFont(large);
+    QApplication::processEvents();
+    const int grown = pixels();
+    const bool isLineLikeIt = line->font() == pane->font();
+    QTest::keyClick(line, Qt::Key_Minus, Qt::ControlModifier);
+    const int chosen = pixels();
+    QApplication::setFont(usual);
+    QApplication::processEvents();
+    QCOMPARE(grown, 27);
+    QVERIFY(before < grown);
+    QVERIFY(isLineLikeIt);
+    QCOMPARE(chosen, 22);
+    QCOMPARE(pixels(), 22);
+    QTest::keyClick(line, Qt::Key_0, Qt::ControlModifier);
+    QCOMPARE(pixels(), before);
 }
 
 void LegibilityTest::theTerminalsTextIsChangedByKeysAndWheel() {

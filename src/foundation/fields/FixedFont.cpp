@@ -1,7 +1,9 @@
 #include "foundation/fields/FixedFont.h"
 
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QFontMetricsF>
+#include <QGuiApplication>
 #include <QStringList>
 
 namespace {
@@ -16,7 +18,12 @@ bool IsFixed(const QFont& font) {
 } // namespace
 
 QFont FixedFont() {
-    return FixedFontLike(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    // Not every desktop that is set to large text says so of its fixed font as well.
+    const qreal usual = QFontInfo(QGuiApplication::font()).pointSizeF();
+    if (QFontInfo(font).pointSizeF() < usual)
+        font.setPointSizeF(usual);
+    return FixedFontLike(font);
 }
 
 QFont FixedFontLike(const QFont& wanted) {

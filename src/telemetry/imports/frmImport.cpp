@@ -69,6 +69,8 @@ void frmImport::NameFields() {
     lstFiles->setSelectionMode(QAbstractItemView::ExtendedSelection);
     lstFiles->setTextElideMode(Qt::ElideMiddle);
     cboZone->setEditable(true);
+    cboZone->lineEdit()->setAccessibleName(tr("Times without a zone are"));
+    cboZone->lineEdit()->setFocusPolicy(Qt::ClickFocus); // else Shift and Tab come to it out of turn
     cboZone->addItems({QStringLiteral("UTC"), QStringLiteral("local")});
     for (const QByteArray& name : QTimeZone::availableTimeZoneIds())
         if (name.contains('/'))

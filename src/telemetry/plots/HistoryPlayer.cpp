@@ -27,6 +27,7 @@ HistoryPlayer::HistoryPlayer(const Clock& clock, QWidget* parent)
     cmdPlay->setCheckable(true);
     cmdPlay->setToolTip(tr("Moves the cursor through what is in view"));
     cboSpeed->setAccessibleName(tr("Speed"));
+    cboSpeed->setAccessibleDescription(tr("Speed")); // for readers to whom a choice's name is what is chosen
     for (const int speed : speeds)
         cboSpeed->addItem(QStringLiteral("%1 ×").arg(speed));
     auto* layout = new QHBoxLayout(this);

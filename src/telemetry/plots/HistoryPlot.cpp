@@ -1,5 +1,7 @@
 #include "telemetry/plots/HistoryPlot.h"
 
+#include <QAccessibleWidget>
+
 #include <algorithm>
 #include <cmath>
 
@@ -18,11 +20,19 @@ qint64 Milliseconds(double seconds) {
     return std::llround(seconds * 1000.0);
 }
 
+// A screen reader is told that these are curves, and not some box.
+QAccessibleInterface* TellOfCurves(const QString& className, QObject* object) {
+    return className == QLatin1StringView(HistoryPlot::staticMetaObject.className())
+               ? new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Chart)
+               : nullptr;
+}
+
 } // namespace
 
 HistoryPlot::HistoryPlot(LimitTable limits, QWidget* parent)
     : QCustomPlot(parent)
     , m_fields(*this, std::move(limits)) {
+    QAccessible::installFactory(TellOfCurves); // which keeps one of each
     setLocale(QLocale::c());
     setFocusPolicy(Qt::StrongFocus);
     setAutoAddPlottableToLegend(false);

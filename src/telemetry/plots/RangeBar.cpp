@@ -12,6 +12,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int longestTime = 19; // characters
@@ -38,8 +40,9 @@ RangeBar::RangeBar(const HistoryServices& services, QWidget* parent)
     for (QLineEdit* field : {txtFrom, txtTo}) {
         field->setMaxLength(longestTime);
         field->setPlaceholderText(QStringLiteral("yyyy-mm-dd hh:mm:ss"));
-        field->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("0000-00-00 00:00:00")) * 9 /
-                               8);
+        const int hint = fontMetrics().horizontalAdvance(field->placeholderText());
+        const int time = fontMetrics().horizontalAdvance(QStringLiteral("0000-00-00 00:00:00"));
+        field->setMinimumWidth(std::max(hint, time) + 3 * fontMetrics().averageCharWidth());
         connect(field, &QLineEdit::returnPressed, this, &RangeBar::TakeTyped);
     }
     auto* layout = new QHBoxLayout(this);

@@ -18,6 +18,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QSplitter>
 #include <QTabWidget>
 #include <QTableView>
@@ -93,7 +94,7 @@ void frmHistory::LayOut() {
     layout->addWidget(splHistory, 1);
     layout->addWidget(labReading);
     const int line = fontMetrics().height();
-    resize(line * 54, line * 42);
+    resize((QSize(54, 42) * line).boundedTo(screen()->availableSize() * 9 / 10));
 }
 
 QWidget* frmHistory::MakeTools() {
@@ -140,6 +141,7 @@ void frmHistory::MakeTabs() {
                             tr("Every channel at the cursor's time; ticked ones are plotted"));
     tblReadings = MakeTable(u"tblReadings", &m_readings, tr("The plotted readings in view"));
     tblEvents = MakeTable(u"tblEvents", &m_events, tr("Crossings of limits, the newest first"));
+    tabHistory->setAccessibleName(tr("Tables"));
     tabHistory->addTab(tblChannels, tr("&Channels"));
     tabHistory->addTab(tblReadings, tr("Rea&dings"));
     tabHistory->addTab(tblEvents, tr("&Events"));
