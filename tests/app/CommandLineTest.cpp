@@ -60,6 +60,7 @@ void CommandLineTest::refusesWhatItDoesNotKnow() {
     QFETCH(const QStringList, arguments);
     const CommandLine line = Read(arguments);
     QCOMPARE(line.action, CommandLine::Action::Fail);
+    QVERIFY2(line.text.startsWith(QStringLiteral("QiranDecode: ")), qPrintable(line.text));
     QVERIFY(line.text.contains(QStringLiteral("--help")));
 }
 
