@@ -81,6 +81,7 @@ frmQIRAN::frmQIRAN(const ProgramFolder& folder, const Clock& clock, mb& messages
         if (isVisible()) // until the start has come so far there is nothing to be seen
             BringForward(this);
     });
+    m_lastPass.setParent(this);
     m_lastPass.setObjectName(QStringLiteral("timLastPass"));
     m_lastPass.setInterval(lastPassInterval);
     connect(&m_lastPass, &QTimer::timeout, this, [this] { m_ages.SetPassStart(m_passStart.Start()); });

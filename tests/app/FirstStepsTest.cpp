@@ -104,13 +104,11 @@ void FirstStepsTest::itsButtonsAnswerTheirAccessKeys() {
     MainWindowRig rig;
     QVERIFY(rig.Start());
     QVERIFY(QTest::qWaitForWindowActive(rig.window.get()));
-    QCOMPARE(OpenedBy([&] { QTest::keyClick(rig.window.get(), Qt::Key_A, Qt::AltModifier); }),
-             u"frmLocation"_s);
-    QCOMPARE(OpenedBy([&] { QTest::keyClick(rig.window.get(), Qt::Key_K, Qt::AltModifier); }),
-             u"frmDownload"_s);
-    QCOMPARE(OpenedBy([&] { QTest::keyClick(rig.window.get(), Qt::Key_K, Qt::MetaModifier); }), QString());
-    QTest::keyClick(rig.window.get(), Qt::Key_N, Qt::AltModifier);
-    QTRY_VERIFY(rig.Find<QGroupBox>("framGuide") == nullptr);
+    const auto press = [&](Qt::KeyboardModifier modifier) {
+        return OpenedBy([&] { QTest::keyClick(rig.window.get(), Qt::Key_A, modifier); });
+    };
+    QCOMPARE(press(Qt::MetaModifier), QString());
+    QCOMPARE(press(Qt::AltModifier), u"frmLocation"_s);
 }
 
 void FirstStepsTest::itClosesInAFolderThatTakesNoFile() {

@@ -104,9 +104,9 @@ Type* InWindow(const char* window, const char* name) {
     return shown == nullptr ? nullptr : shown->findChild<Type*>(QLatin1StringView(name));
 }
 
-void Wheel(QWidget* target, int delta) {
+void Wheel(QWidget* target, int delta, Qt::KeyboardModifiers modifiers = Qt::ControlModifier) {
     QWheelEvent event(QPointF(5, 5), target->mapToGlobal(QPointF(5, 5)), {}, QPoint(0, delta), Qt::NoButton,
-                      Qt::ControlModifier, Qt::NoScrollPhase, false);
+                      modifiers, Qt::NoScrollPhase, false);
     QApplication::sendEvent(target, &event);
 }
 
@@ -296,6 +296,9 @@ void LegibilityTest::theTerminalsTextIsChangedByKeysAndWheel() {
     QTest::keyClick(line, Qt::Key_Minus, Qt::ControlModifier);
     QCOMPARE(pixels(), usual);
     QTest::keyClick(line, Qt::Key_Minus, Qt::ControlModifier);
+    QVERIFY(pixels() < usual);
+    for (const auto modifiers : {Qt::NoModifier, Qt::MetaModifier})
+        Wheel(pane->viewport(), 120, modifiers); // that scrolls
     QVERIFY(pixels() < usual);
     Wheel(pane->viewport(), 120);
     Wheel(pane->viewport(), 60);

@@ -175,8 +175,8 @@ void TakenAlongTest::thePanesMenuCopies() {
 }
 
 void TakenAlongTest::controlFLooksForAText() {
-    Hear("G0ABC", "first needle");
-    Hear("G0ABC", "second needle");
+    for (const char* text : {"zeroth needle", "first needle", "second needle"})
+        Hear("G0ABC", text);
     QTRY_VERIFY(m_rig->Monitor().contains(u"second"_s));
     auto* pane = m_rig->Find<QPlainTextEdit>("txtMon");
     pane->setFocus();
@@ -440,9 +440,10 @@ void TakenAlongTest::upAndDownWalkTheLinesSent() {
     QVERIFY(line->text().isEmpty());
     QTest::keyClick(line, Qt::Key_R, Qt::ControlModifier);
     QCOMPARE(line->text(), u"two"_s); // as it was: the last line sent
+    line->setText(u"mine"_s);
     for (const auto modifiers : {Qt::AltModifier, Qt::MetaModifier, Qt::ShiftModifier})
         QTest::keyClick(line, Qt::Key_Up, modifiers); // other keys walk nowhere
-    QCOMPARE(line->text(), u"two"_s);
+    QCOMPARE(line->text(), u"mine"_s);
 }
 
 void TakenAlongTest::sendingShowsTheNewestLine() {
