@@ -53,35 +53,6 @@ QPointF PointAt(const MapGeometry::GeoPoint& point, const MapGeometry::MapSize& 
     return {pixel.x, pixel.y};
 }
 
-// Whether all points between two of a line lie on the straight way from the one to the other.
-bool IsStraight(const QPolygonF& line, qsizetype from, qsizetype to) {
-    constexpr double closeEnough = 0.02; // pixels
-    const QPointF way = line[to] - line[from];
-    const double reach = QPointF::dotProduct(way, way);
-    const double slack = closeEnough * std::sqrt(reach);
-    for (qsizetype k = from + 1; k < to; ++k) {
-        const QPointF part = line[k] - line[from];
-        const double along = QPointF::dotProduct(part, way);
-        if (std::abs(part.x() * way.y() - part.y() * way.x()) > slack || along < 0 || along > reach)
-            return false;
-    }
-    return true;
-}
-
-// A line without the points that nobody would see missing: each costs a joint.
-QPolygonF Thinned(const QPolygonF& line) {
-    constexpr qsizetype longestPart = 32; // points
-    QPolygonF thin;
-    qsizetype last = 0;
-    for (qsizetype k = 0; k < line.size(); ++k) {
-        if (k == 0 || k + 1 == line.size() || k - last == longestPart || !IsStraight(line, last, k + 1)) {
-            thin.append(line[k]);
-            last = k;
-        }
-    }
-    return thin;
-}
-
 void DrawPieces(QPainter& painter, const std::vector<MapGeometry::Piece>& pieces,
                 const MapGeometry::MapSize& size) {
     for (const MapGeometry::Piece& piece : pieces) {
@@ -89,7 +60,7 @@ void DrawPieces(QPainter& painter, const std::vector<MapGeometry::Piece>& pieces
         line.reserve(static_cast<qsizetype>(piece.size()));
         for (const MapGeometry::GeoPoint& point : piece)
             line.append(PointAt(point, size));
-        painter.drawPolyline(Thinned(line));
+        painter.drawPolyline(line);
     }
 }
 
