@@ -77,10 +77,9 @@ void KeyboardWalkTest::init() {
     QFile::remove(m_rig->folder.IniFile());
     m_rig->clock.Set(DateOf(2026, 11, 21) + 0.5);
     m_boxes = std::make_unique<MessageBoxPresenter>(QFINDTESTDATA("../../data/qirandecode.HLP"));
-    m_rig->folder.Write(u"qirandecode.HLP"_s, [] {
-        QFile help(QFINDTESTDATA("../../data/qirandecode.HLP"));
-        return help.open(QIODevice::ReadOnly) ? help.readAll() : QByteArray();
-    }());
+    QVERIFY(
+        QFile::copy(QFINDTESTDATA("../../data/qirandecode.HLP"), m_rig->folder.File(u"qirandecode.HLP"_s)));
+    QVERIFY(QFile::copy(QFINDTESTDATA("../../data/world.gif"), m_rig->folder.File(u"world.gif"_s)));
     m_key = std::make_unique<HelpKey>(qApp, *m_boxes);
     m_messages = std::make_unique<mb>(*m_boxes);
     m_window = std::make_unique<frmQIRAN>(m_rig->folder.Program(), m_rig->clock, *m_messages, m_rig->notices);

@@ -189,13 +189,18 @@ QByteArrayList ShowEvents(const ProgramFolder& folder) {
     return shown;
 }
 
+// The sets of different seconds: those of the same millisecond are one.
+qint64 EpochOf(int number) {
+    return start + number * qint64{1000};
+}
+
 void KeepFlown(const ProgramFolder& folder, int first, int last, std::chrono::milliseconds time) {
     ElementsHistory history(folder.File(QStringLiteral("elements-history.txt")), [](const QString&) {});
     history.Load();
     for (int number = first; number <= last; ++number) {
         history.Keep({.firstSeen = start,
                       .number = 90417,
-                      .epoch = start + number,
+                      .epoch = EpochOf(number),
                       .elements = "QIRAN\n1 90417U\n2 90417 " + QByteArray::number(number)});
         Loop(time);
     }
@@ -214,8 +219,8 @@ QByteArrayList ShowFlown(const ProgramFolder& folder) {
     history.Load();
     QByteArrayList shown;
     for (const int number : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 999})
-        if (history.Holds(90417, start + number))
-            shown += history.Nearest(90417, start + number)->elements.split(' ').back();
+        if (history.Holds(90417, EpochOf(number)))
+            shown += history.Nearest(90417, EpochOf(number))->elements.split(' ').back();
     return shown;
 }
 
