@@ -1,7 +1,6 @@
 #include "link/agwpe/FrameMarriage.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 namespace {
@@ -20,8 +19,20 @@ bool ShowsInformation(QByteArrayView shown, QByteArrayView information) {
 
 // Monitored text has lost the marks of digipeaters.
 bool HaveSamePath(QByteArrayView raw, QByteArrayView monitored) {
-    const auto unmarked = std::views::filter([](char c) { return c != '*'; });
-    return std::ranges::equal(raw | unmarked, monitored | unmarked);
+    const char* at = monitored.begin();
+    const auto passMarks = [&] {
+        while (at != monitored.end() && *at == '*')
+            ++at;
+    };
+    for (const char c : raw) {
+        if (c == '*')
+            continue;
+        passMarks();
+        if (at == monitored.end() || *at++ != c)
+            return false;
+    }
+    passMarks();
+    return at == monitored.end();
 }
 
 bool AreOneFrame(const HeardFrame& raw, const HeardFrame& monitored) {

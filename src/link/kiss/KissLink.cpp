@@ -28,15 +28,17 @@ bool IsCallsign(const QByteArray& callsign) {
     return Ax25Frame{.destination = {callsign.toStdString()}, .source = {"A"}}.ToBytes().has_value();
 }
 
+SecondTime LocalTime(const Clock& clock) {
+    return SecondTime([&clock](qint64 utc) { return FromCalendar(clock.LocalOf(Clock::UtcAt(utc))); });
+}
+
 } // namespace
 
 KissLink::KissLink(std::function<KissAddress()> address, const Clock& clock, QObject* parent)
     : PacketLink(QStringLiteral("KISS"), parent)
     , m_address(std::move(address))
     , m_clock(clock)
-    , m_time([time = SecondTime([&clock](qint64 utc) {
-                  return FromCalendar(clock.LocalOf(Clock::UtcAt(utc)));
-              })](qint64 utc) mutable { return time.At(utc); })
+    , m_time([time = LocalTime(clock)](qint64 utc) mutable { return time.At(utc); })
     , m_client(this) {
     m_client.setObjectName(QStringLiteral("KissClient"));
     connect(&m_client, &TcpClient::Connected, this, [this](const QString& host) { HandleConnected(host); });

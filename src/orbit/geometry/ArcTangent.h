@@ -17,9 +17,9 @@ constexpr double longest = 1e30;
 
 /// The arc tangents of 0, 1/32, ... 1.
 constexpr std::array<double, parts + 1> Table() {
-    std::array<double, parts + 1> table{};
+    std::array<double, parts + 1> angles{};
     long double angle = 0;
-    for (std::size_t k = 1; k <= parts; ++k) {
+    for (std::size_t k = 1; k < angles.size(); ++k) {
         // From one to the next is a small angle, of which the series is short.
         const long double tangent =
             static_cast<long double>(parts) / (parts * parts + static_cast<long double>(k * (k - 1)));
@@ -28,9 +28,9 @@ constexpr std::array<double, parts + 1> Table() {
         for (int power = 15; power > 0; power -= 2)
             series = 1.0L / power - square * series;
         angle += tangent * series;
-        table[k] = static_cast<double>(angle);
+        angles[k] = static_cast<double>(angle);
     }
-    return table;
+    return angles;
 }
 
 inline constexpr std::array<double, parts + 1> table = Table();
