@@ -18,7 +18,7 @@ long allocations = 0;
 
 // Every allocation of this program is counted: Qt's containers allocate by malloc, the standard ones by it
 // too.
-#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__)
+#if defined(__GLIBC__) && !defined(QIRAN_SANITIZE)
 #define CAN_COUNT
 extern "C" {
 void* __libc_malloc(std::size_t bytes);               // NOLINT(bugprone-reserved-identifier)
