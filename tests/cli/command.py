@@ -35,7 +35,8 @@ class CommandTest(unittest.TestCase):
         self.folder = self.scratch / "folder"
         shutil.copytree(ROOT / "data/demo", self.folder, ignore=shutil.ignore_patterns("README*", "*.pesim"))
         self.settings = self.folder / "QiranDecode.INI"
-        self.environment = {"LC_ALL": "C.UTF-8", "TZ": "UTC", "PATH": os.environ["PATH"], "HOME": str(self.scratch)}
+        self.environment = {"LC_ALL": "C.UTF-8", "TZ": "UTC", "PATH": os.environ["PATH"], "HOME": str(self.scratch),
+                            "LSAN_OPTIONS": os.environ.get("LSAN_OPTIONS", "")}
 
     def start(self, *words, **options):
         """A process; the folder is named unless `words` do. `prefix`: what runs the command."""
